@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# Puts every build and test dependency on a Debian 12 machine. Quick no-op when all is present.
+set -euo pipefail
+
+packages=(
+  build-essential cmake make pkg-config git
+  libgtest-dev libgmock-dev
+  libcurl4-openssl-dev libcpp-httplib-dev
+  qt6-base-dev
+  xvfb xauth
+  python3 python3-pandas time
+  clang-format
+)
+
+missing=()
+for p in "${packages[@]}"; do
+  if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed'; then
+    missing+=("$p")
+  fi
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+sudo=""
+if [ "$(id -u)" -ne 0 ]; then sudo="sudo"; fi
+echo "Installing: ${missing[*]}"
+export DEBIAN_FRONTEND=noninteractive
+$sudo apt-get update -qq
+$sudo apt-get install -y -qq --no-install-recommends "${missing[@]}"

@@ -1,0 +1,41 @@
+// settings [KEY=VALUE ...]: set controls as a user would, then save; with none, print them all.
+#include <set>
+#include <vector>
+
+#include "cli/commands.h"
+#include "core/app/settings.h"
+
+namespace corvanet::cli {
+
+int SettingsCommand(CommandContext& context, CommandArgs args) {
+  Session& session = context.session;
+  if (args.empty()) {
+    std::set<std::string_view> printed;
+    for (const SettingDef& def : SettingsTable()) {
+      if (printed.insert(def.key).second) {
+        context.out << def.key << '=' << DisplayValue(session, def) << '\n';
+      }
+    }
+    return kExitOk;
+  }
+  // Every pair is checked before any control changes, so a typo changes nothing.
+  std::vector<std::pair<const SettingDef*, std::string>> changes;
+  for (const std::string& arg : args) {
+    const auto equals = arg.find('=');
+    if (equals == std::string::npos) return UsageError(context, "settings", "expected KEY=VALUE: " + arg);
+    const SettingDef* def = FindSetting(std::string_view(arg).substr(0, equals));
+    if (def == nullptr) return UsageError(context, "settings", "unknown setting: " + arg.substr(0, equals));
+    std::string value = arg.substr(equals + 1);
+    if (!SettingValueFits(*def, value)) {
+      return UsageError(context, "settings",
+                        std::string(def->key) + " does not take \"" + value +
+                            "\" (check boxes take 0 or 1, option buttons True or False)");
+    }
+    changes.emplace_back(def, std::move(value));
+  }
+  for (const auto& [def, value] : changes) SetSetting(session, *def, value, ValueSource::kUser);
+  SaveToINI_Click(session);
+  return kExitOk;
+}
+
+}  // namespace corvanet::cli

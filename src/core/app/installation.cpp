@@ -1,0 +1,46 @@
+#include "core/app/installation.h"
+
+#include <string>
+
+#include "core/app/log.h"
+#include "core/app/settings.h"
+#include "core/platform/files.h"
+#include "core/platform/paths.h"
+#include "core/platform/resources.h"
+
+namespace corvanet {
+
+namespace {
+
+bool WriteResources(const std::string& lists_folder) {
+  bool ok = true;
+  for (const EmbeddedFile& file : EmbeddedResources()) {
+    std::string path = lists_folder;
+    for (const char c : file.relative_path) path += c == '/' ? kSep : c;
+    const auto slash = path.find_last_of(kSep);
+    ok = CreateFolders(path.substr(0, slash)) && ok;
+    ok = WriteWholeFile(path, file.content) && ok;
+  }
+  return ok;
+}
+
+}  // namespace
+
+bool EnsureInstallation(Session& session) {
+  const AppState& app = session.app;
+  if (DirectoryExists(app.ProgramDirectory)) return true;
+  WindowState& ui = session.ui;
+  ui.PathToDataFiles = app.BaseDirectory + Folder("CSVFiles");
+  ui.PathToLists = app.BaseDirectory + Folder("Lists");
+  ui.PathToMSPxFiles = app.BaseDirectory + Folder("MetaStock");
+  bool ok = CreateFolders(app.ProgramDirectory);
+  for (const char* folder : {"Base", "Daily", "Weekly", "Monthly", "Quarterly"}) {
+    ok = CreateFolders(ui.PathToDataFiles + folder) && ok;
+  }
+  ok = CreateFolders(ui.PathToLists) && ok;
+  ok = WriteResources(ui.PathToLists) && ok;
+  ok = WriteSettingsFile(session) && ok;
+  return ok;
+}
+
+}  // namespace corvanet

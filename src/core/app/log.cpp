@@ -1,0 +1,61 @@
+#include "core/app/log.h"
+
+#include <string>
+
+#include "core/app/settings.h"
+#include "core/platform/files.h"
+
+namespace corvanet {
+
+std::string LogFilePath(const Session& session) {
+  // Before start-up fixes ProgramDirectory this is the directory the program was started in.
+  const std::string& folder = session.app.ProgramDirectory.empty() ? session.app.StartDirectory
+                                                                    : session.app.ProgramDirectory;
+  return folder + "LogFile.txt";
+}
+
+void WriteLogAlways(Session& session, std::string_view message, std::string_view detail) {
+  std::string line = FormatTimeOfDay(session.clock.Now());
+  line += " - ";
+  line += detail;
+  line += " - ";
+  line += message;
+  AppendLine(LogFilePath(session), line, FileAccess::kOwnerOnly);
+}
+
+void WriteLog(Session& session, std::string_view message, std::string_view detail) {
+  if (!session.logging()) return;
+  WriteLogAlways(session, message, detail);
+}
+
+void WriteSettingsReport(Session& session) {
+  const WindowState& ui = session.ui;
+  std::string report;
+  const auto line = [&report](std::string_view label, std::string_view value) {
+    report += label;
+    report += value;
+    report += "\r\n";
+  };
+  const auto option = [](bool value) { return value ? "True" : "False"; };
+  line(FormatShortDate(session.clock.Now()), "");
+  line("", "");
+  line("ProgramDirectory:  ", session.app.ProgramDirectory);
+  line("PathToDataFiles.Text:  :", ui.PathToDataFiles);
+  line("PathToLists.Text:  ", ui.PathToLists);
+  line("ImplementSpecialFunctions.Value:  ", CheckText(ui.ImplementSpecialFunctions));
+  line("MakeMetaStockPxFiles.Value:  ", CheckText(ui.MakeMetaStockPxFiles));
+  line("PathToMSPxFiles.Text:  ", ui.PathToMSPxFiles);
+  line("UserName.Text:  ", ui.UserName);
+  line("Password.Text:  ", ui.Password);
+  line("RetryNumber.Text:  ", ui.RetryNumber);
+  line("DownloadCompleteMessageYes.Value:  ", option(ui.DownloadCompleteMessageYes));
+  line("DownloadCompleteMessageNo.Value:  ", option(ui.DownloadCompleteMessageNo));
+  line("SystemMessagesYes.Value:  ", option(ui.SystemMessagesYes));
+  line("SystemMessagesNo.Value:  ", option(ui.SystemMessagesNo));
+  line("", "");
+  WriteWholeFile(LogFilePath(session), report, FileAccess::kOwnerOnly);
+}
+
+void GenerateLogFile_Click(Session& session) { WriteSettingsReport(session); }
+
+}  // namespace corvanet

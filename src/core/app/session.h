@@ -1,0 +1,76 @@
+#pragma once
+// One session of the program: the window state, the form-level state of start-up, the state of the
+// datafile in hand, and the services the platform provides. Handlers are free functions over it.
+#include <cstdint>
+#include <string>
+
+#include "core/platform/clock.h"
+#include "core/platform/http.h"
+#include "core/platform/shell.h"
+#include "core/ui/window_state.h"
+
+namespace corvanet {
+
+// Form-level state fixed at start-up and by the list and data-set choices.
+struct AppState {
+  std::string StartDirectory;  // where the program was started; "" = the current directory
+  std::string BaseDirectory;
+  std::string EditionDirectory;
+  std::string VersionText;
+  std::string ProgramDirectory;
+  std::string LogDetail = "Not Set";
+  int RunListNum = 0;  // list of an unattended run; 0 for an interactive start
+  std::string CurrentListNumber = "0";
+  std::string MasterFileName;
+  std::string DataSetURL;
+};
+
+// The datafile in hand during a run.
+struct RunState {
+  std::string DownloadSymbol;
+  std::string DownloadName;
+  std::string DataPeriod;
+  std::string WebSymbol;
+  std::string RemoteFileName;
+  std::string RemoteUpdateFileName;
+  std::string BaseFileName;
+  std::string DestinationFileName;
+  std::string DestinationUpdateFileName;
+  std::int16_t GetFileCount = 0;
+  std::int16_t DatafileCounter = 0;
+  double RunStartTimer = 0;
+  LocalDateTime RunStartTime;
+};
+
+// Told whenever a run changes what the window shows, and at every pause, so a window on another
+// thread can repaint. Called on the thread that runs the handler.
+class StateObserver {
+ public:
+  virtual ~StateObserver() = default;
+  virtual void StateChanged(const WindowState& state) = 0;
+};
+
+struct Session {
+  Session(Shell& shell_in, HttpClient& http_in, Clock& clock_in)
+      : shell(shell_in), http(http_in), clock(clock_in) {}
+
+  WindowState ui;
+  AppState app;
+  RunState run;
+  Shell& shell;
+  HttpClient& http;
+  Clock& clock;
+  StateObserver* observer = nullptr;
+  long http_timeout_seconds = 60;
+
+  bool logging() const { return ui.GenerateLogFile != 0; }
+  void NotifyObserver() {
+    if (observer != nullptr) observer->StateChanged(ui);
+  }
+};
+
+// Lets the window repaint. Runs happen off the window's thread, so this only hands the state to the
+// observer and never sleeps.
+inline void Pause(Session& session, double /*seconds*/) { session.NotifyObserver(); }
+
+}  // namespace corvanet

@@ -1,0 +1,240 @@
+#include "core/app/settings.h"
+
+#include <string>
+
+#include "core/app/log.h"
+#include "core/download/refresh_masterfile.h"
+#include "core/lists/masterfile.h"
+#include "core/platform/field_reader.h"
+#include "core/platform/files.h"
+#include "core/platform/paths.h"
+#include "core/platform/text.h"
+#include "core/ui/help_pages.h"
+#include "core/ui/tabs.h"
+
+namespace corvanet {
+
+namespace {
+
+using W = WindowState;
+
+template <class... Fs>
+struct Overloaded : Fs... {
+  using Fs::operator()...;
+};
+template <class... Fs>
+Overloaded(Fs...) -> Overloaded<Fs...>;
+
+bool ParseOption(std::string_view text, bool& value) {
+  text = Trim(text);
+  if (EqualsIgnoreCase(text, "True")) return value = true, true;
+  if (EqualsIgnoreCase(text, "False")) return value = false, true;
+  double number = 0;
+  if (!ParseNumber(text, number)) return false;
+  value = number != 0;
+  return true;
+}
+
+// A short, printable excerpt of a settings-file text for log lines.
+std::string Excerpt(std::string_view text) {
+  std::string excerpt;
+  for (const char c : text.substr(0, 40)) {
+    const auto u = static_cast<unsigned char>(c);
+    excerpt += (u < 0x20 || u >= 0x7f) ? '?' : c;
+  }
+  return excerpt;
+}
+
+}  // namespace
+
+std::string CheckText(int value) { return NumberText(value); }
+
+std::string SettingsFilePath(const Session& session) {
+  return session.app.ProgramDirectory + "Rondex.ini";
+}
+
+std::string StoredValue(const Session& session, const SettingDef& def) {
+  return std::visit(
+      Overloaded{[&](int W::*m) { return CheckText(session.ui.*m); },
+                 [&](bool W::*m) { return std::string(session.ui.*m ? "True" : "False"); },
+                 [&](std::string W::*m) {
+                   const std::string& text = session.ui.*m;
+                   if (def.form != SettingForm::kPath) return text;
+                   const std::size_t cut = session.app.BaseDirectory.size();
+                   return cut < text.size() ? text.substr(cut) : std::string();
+                 }},
+      def.control);
+}
+
+std::string DisplayValue(const Session& session, const SettingDef& def) {
+  return std::visit(
+      Overloaded{[&](int W::*m) { return std::to_string(session.ui.*m); },
+                 [&](bool W::*m) { return std::string(session.ui.*m ? "True" : "False"); },
+                 [&](std::string W::*m) { return session.ui.*m; }},
+      def.control);
+}
+
+bool SettingValueFits(const SettingDef& def, std::string_view text) {
+  int number = 0;
+  bool option = false;
+  switch (def.form) {
+    case SettingForm::kCheck: return ParseInteger(text, number) && (number == 0 || number == 1);
+    case SettingForm::kOption: return ParseOption(text, option);
+    case SettingForm::kText:
+    case SettingForm::kPath: return true;
+  }
+  return false;
+}
+
+bool SetSetting(Session& session, const SettingDef& def, std::string_view text,
+                ValueSource source) {
+  bool changed = false;
+  const bool fits = std::visit(
+      Overloaded{
+          [&](int W::*m) {
+            int value = 0;
+            if (!ParseInteger(text, value) || value < 0 || value > 1) return false;
+            changed = session.ui.*m != value;
+            session.ui.*m = value;
+            return true;
+          },
+          [&](bool W::*m) {
+            bool value = false;
+            if (!ParseOption(text, value)) return false;
+            changed = session.ui.*m != value;
+            session.ui.*m = value;
+            if (value && !def.partner.empty()) {
+              if (const SettingDef* partner = FindSetting(def.partner)) {
+                session.ui.*std::get<bool W::*>(partner->control) = false;
+              }
+            }
+            return true;
+          },
+          [&](std::string W::*m) {
+            std::string value(text);
+            if (def.form == SettingForm::kPath && source == ValueSource::kSettingsFile) {
+              value = session.app.BaseDirectory + value;
+            }
+            changed = session.ui.*m != value;
+            session.ui.*m = std::move(value);
+            return true;
+          }},
+      def.control);
+  if (changed && def.on_change != nullptr) def.on_change(session, def);
+  return fits;
+}
+
+void SetCheck(Session& session, std::string_view key, int value) {
+  if (const SettingDef* def = FindSetting(key)) {
+    SetSetting(session, *def, std::to_string(value), ValueSource::kUser);
+  }
+}
+
+void LoadINI(Session& session) {
+  LogEntry(session, "LoadINI");
+  const std::string path = SettingsFilePath(session);
+  if (!FileExists(path)) {
+    // A new or damaged installation: the controls keep their design state.
+    Log(session, "LoadINI - no settings file at " + path);
+  } else {
+    LineReader lines;
+    if (!lines.Open(path)) {
+      Log(session, "LoadINI - cannot read " + path);
+    } else {
+      session.ui.IPAddress.clear();
+      std::string_view line;
+      std::vector<std::string> fields;
+      int line_number = 0;
+      while (lines.Next(line)) {
+        ++line_number;
+        fields.clear();
+        SplitFields(line, fields);
+        if (fields.size() == 1 && fields[0].empty()) continue;  // blank line
+        // Fields pair up as key and value along the line: a value holding a comma leaves its tail
+        // to be read as the next key, while a broken line cannot shift the lines after it.
+        for (std::size_t i = 0; i < fields.size(); i += 2) {
+          const SettingDef* def = FindSetting(fields[i]);
+          if (def == nullptr) {
+            Log(session, "LoadINI - line " + std::to_string(line_number) + " - unknown key " +
+                             Excerpt(fields[i]) + " skipped");
+            continue;
+          }
+          if (i + 1 >= fields.size()) {
+            Log(session, "LoadINI - line " + std::to_string(line_number) + " - " +
+                             std::string(def->key) + " has no value, skipped");
+            continue;
+          }
+          if (!SetSetting(session, *def, fields[i + 1], ValueSource::kSettingsFile)) {
+            Log(session, "LoadINI - line " + std::to_string(line_number) + " - " +
+                             std::string(def->key) + " has a value of the wrong form, skipped");
+          }
+        }
+      }
+      if (lines.failed()) Log(session, "LoadINI - read error in " + path);
+    }
+  }
+  ApplySpecialFunctionsTab(session.ui);
+  SelectMasterfile(session);
+  session.ui.WebBrowser1Page = session.ui.PathToLists + Folder("Docs") + "Intro.htm";
+  SetUpOverview_Click(session);
+}
+
+bool WriteSettingsFile(Session& session) {
+  AtomicFileWriter writer(SettingsFilePath(session), FileAccess::kOwnerOnly);
+  std::string line;
+  for (const SettingDef& def : SettingsTable()) {
+    line.assign(def.key);
+    line += ',';
+    line += StoredValue(session, def);
+    writer.WriteLine(line);
+  }
+  if (writer.Commit()) return true;
+  Log(session, "SaveToINI_Click - could not write " + writer.target() + ": " + writer.error());
+  return false;
+}
+
+void SaveToINI_Click(Session& session) {
+  LogEntry(session, "SaveToINI_Click");
+  const WindowState& ui = session.ui;
+  if (ui.Password.empty() || ui.Password == "Enter password here" || ui.UserName.empty() ||
+      ui.UserName == "Enter username here") {
+    session.shell.MessageBox(
+        "Please enter your username and password.\rBoth are needed before the settings can be "
+        "saved.",
+        "Corvanet Settings", Buttons::kOk, Icon::kExclamation);
+    SetTabs(session);
+    return;
+  }
+  if (!WriteSettingsFile(session)) {
+    session.shell.MessageBox("Corvanet could not save its settings to " +
+                                 SettingsFilePath(session) + ".\rThe previous settings are kept.",
+                             "Corvanet Settings", Buttons::kOk, Icon::kExclamation);
+  }
+}
+
+void SaveSettings_Click(Session& session) { SaveToINI_Click(session); }
+void SaveSettings2_Click(Session& session) { SaveToINI_Click(session); }
+
+void RetryNumber_Change(Session& session) {
+  LogEntry(session, "RetryNumber_Change");
+  if (LeadingNumber(session.ui.RetryNumber) > 0) return;
+  session.shell.MessageBox(
+      "Please enter a whole numerical value.\rRetry number will now be reset to the default value.",
+      kDefaultTitle, Buttons::kOk, Icon::kNone);
+  // Assigned directly: the handler of the reset value would find nothing to refuse.
+  session.ui.RetryNumber = "3";
+}
+
+void LoadConfiguration_Click(Session& session) {
+  LogEntry(session, "LoadConfiguration_Click");
+  LoadINI(session);
+  session.ui.List5.Clear();
+  session.ui.List6.Clear();
+  session.ui.DownLoadButton.caption = "When a Download List Is Loaded, Click Here To Download";
+  session.ui.DownLoadButton.bold = true;
+  SelectMasterfile(session);
+  RefreshMasterfile(session);
+  SetTabs(session);
+}
+
+}  // namespace corvanet

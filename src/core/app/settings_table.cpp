@@ -1,0 +1,140 @@
+// The one definition of the settings file's keys, forms and controls.
+#include "core/app/settings.h"
+#include "core/lists/masterfile.h"
+#include "core/ui/tabs.h"
+
+namespace corvanet {
+
+namespace {
+
+using W = WindowState;
+using F = SettingForm;
+
+void OnRetryNumber(Session& s, const SettingDef&) { RetryNumber_Change(s); }
+void OnSpecialFunctions(Session& s, const SettingDef&) { ImplementSpecialFunctions_Click(s); }
+void OnDataSet(Session& s, const SettingDef&) { SelectMasterfile(s); }
+
+// Check boxes whose handler arrives with its subsystem keep nullptr until then.
+constexpr SettingDef Check(std::string_view key, int W::*control, ChangeHandler h = nullptr) {
+  return {key, F::kCheck, control, {}, h};
+}
+constexpr SettingDef Option(std::string_view key, bool W::*control, std::string_view partner) {
+  return {key, F::kOption, control, partner, nullptr};
+}
+constexpr SettingDef Text(std::string_view key, std::string W::*control,
+                          ChangeHandler h = nullptr) {
+  return {key, F::kText, control, {}, h};
+}
+constexpr SettingDef Path(std::string_view key, std::string W::*control) {
+  return {key, F::kPath, control, {}, nullptr};
+}
+
+const SettingDef kSettings[] = {
+    Check("Plus", &W::DataSetPlus, &OnDataSet),
+    Check("AllUS", &W::DataSetAllUS, &OnDataSet),
+    Path("PathToDataFiles", &W::PathToDataFiles),
+    Path("PathToLists", &W::PathToLists),
+    Check("ImplementSpecialFunctions", &W::ImplementSpecialFunctions, &OnSpecialFunctions),
+    Path("PathToMSPxFiles", &W::PathToMSPxFiles),
+    Text("UserName", &W::UserName),
+    Text("Password", &W::Password),
+    Text("RetryNumber", &W::RetryNumber, &OnRetryNumber),
+    Option("DownloadCompleteMessageYes", &W::DownloadCompleteMessageYes,
+           "DownloadCompleteMessageNo"),
+    Option("DownloadCompleteMessageNo", &W::DownloadCompleteMessageNo,
+           "DownloadCompleteMessageYes"),
+    Option("SystemMessagesYes", &W::SystemMessagesYes, "SystemMessagesNo"),
+    Option("SystemMessagesNo", &W::SystemMessagesNo, "SystemMessagesYes"),
+    Text("IPAddress", &W::IPAddress),
+    Check("UpTrends", &W::UpTrends),
+    Check("NewUpTrends", &W::NewUpTrends),
+    Check("DownTrends", &W::DownTrends),
+    Check("NewDownTrends", &W::NewDownTrends),
+    Check("Advances", &W::Advances),
+    Check("Declines", &W::Declines),
+    Check("Unchanged", &W::Unchanged),
+    Check("Traded", &W::Traded),
+    Check("UpVolume", &W::UpVolume),
+    Check("DownVolume", &W::DownVolume),
+    Check("TotalVolume", &W::TotalVolume),
+    Check("NewHighs", &W::NewHighs),
+    Check("NewHighs1stDay", &W::NewHighs1stDay),
+    Check("NewLows", &W::NewLows),
+    Check("NewLows1stDay", &W::NewLows1stDay),
+    Check("QNewHighs", &W::QNewHighs),
+    Check("QNewHighs1stDay", &W::QNewHighs1stDay),
+    Check("QNewLows", &W::QNewLows),
+    Check("QNewLows1stDay", &W::QNewLows1stDay),
+    Check("Above200ma", &W::Above200ma),
+    Check("Below200ma", &W::Below200ma),
+    Check("Equal200ma", &W::Equal200ma),
+    Check("Above30ma", &W::Above30ma),
+    Check("Below30ma", &W::Below30ma),
+    Check("Equal30ma", &W::Equal30ma),
+    Check("Above18ma", &W::Above18ma),
+    Check("Below18ma", &W::Below18ma),
+    Check("Equal18ma", &W::Equal18ma),
+    Check("Above9ma", &W::Above9ma),
+    Check("Below9ma", &W::Below9ma),
+    Check("Equal9ma", &W::Equal9ma),
+    Check("Above4ma", &W::Above4ma),
+    Check("Below4ma", &W::Below4ma),
+    Check("Equal4ma", &W::Equal4ma),
+    Check("RunWithList1", &W::RunWithList1),
+    Check("RunWithList2", &W::RunWithList2),
+    Check("RunWithList3", &W::RunWithList3),
+    Check("RunWithList4", &W::RunWithList4),
+    Check("RunWithList5", &W::RunWithList5),
+    Check("RunWithAllDaily", &W::RunWithAllDaily),
+    Check("RunWithAllPeriods", &W::RunWithAllPeriods),
+    Option("StatPeriodFileName", &W::StatPeriodFileName, "PeriodStatFilename"),
+    Option("PeriodStatFilename", &W::PeriodStatFilename, "StatPeriodFileName"),
+    Text("MaxFilenameLength", &W::MaxFilenameLength),
+    Check("MakeMetaStockPxFiles", &W::MakeMetaStockPxFiles),
+    Check("OHLCVV", &W::OHLCVV),
+    Check("EqWtOHLCVV", &W::EqWtOHLCVV),
+    Check("UserDefFile1", &W::UserDefFile1),
+    Check("UserDefFile2", &W::UserDefFile2),
+    Check("UserDefFile3", &W::UserDefFile3),
+    Check("DoNotMakeMetaStockFormat", &W::DoNotMakeMetaStockFormat),
+    Text("Stat1File1", &W::Stat1File1),
+    Text("Stat2File1", &W::Stat2File1),
+    Text("Stat3File1", &W::Stat3File1),
+    Text("Stat4File1", &W::Stat4File1),
+    Text("Stat5File1", &W::Stat5File1),
+    Text("Stat6File1", &W::Stat6File1),
+    Text("Stat1File2", &W::Stat1File2),
+    Text("Stat2File2", &W::Stat2File2),
+    Text("Stat3File2", &W::Stat3File2),
+    Text("Stat4File2", &W::Stat4File2),
+    Text("Stat5File2", &W::Stat5File2),
+    Text("Stat6File2", &W::Stat6File2),
+    // The second column of user file 3 is never stored: its line carries Stat1File3 again.
+    Text("Stat1File3", &W::Stat1File3),
+    Text("Stat1File3", &W::Stat1File3),
+    Text("Stat3File3", &W::Stat3File3),
+    Text("Stat4File3", &W::Stat4File3),
+    Text("Stat5File3", &W::Stat5File3),
+    Text("Stat6File3", &W::Stat6File3),
+    Option("DateFormatYYYYMMDD", &W::DateFormatYYYYMMDD, "DateFormatMMDDYYYY"),
+    Option("DateFormatMMDDYYYY", &W::DateFormatMMDDYYYY, "DateFormatYYYYMMDD"),
+    Text("ReplaceZeroValues", &W::ReplaceZeroValues),
+    Check("AllDailyForceFull", &W::AllDailyForceFull),
+    Check("AllPeriodsForceFull", &W::AllPeriodsForceFull),
+    Check("AutoCreateOneStatFiles", &W::AutoCreateOneStatFiles),
+};
+
+static_assert(std::size(kSettings) == 89, "the settings file has 89 lines");
+
+}  // namespace
+
+std::span<const SettingDef> SettingsTable() { return kSettings; }
+
+const SettingDef* FindSetting(std::string_view key) {
+  for (const SettingDef& def : kSettings) {
+    if (def.key == key) return &def;
+  }
+  return nullptr;
+}
+
+}  // namespace corvanet

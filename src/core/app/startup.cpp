@@ -1,0 +1,118 @@
+#include "core/app/startup.h"
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "core/app/installation.h"
+#include "core/app/log.h"
+#include "core/app/settings.h"
+#include "core/download/download_run.h"
+#include "core/lists/download_lists.h"
+#include "core/platform/field_reader.h"
+#include "core/platform/files.h"
+#include "core/platform/paths.h"
+#include "core/platform/process.h"
+#include "core/platform/text.h"
+#include "core/stats/statistic_choices.h"
+#include "core/ui/help_pages.h"
+
+namespace corvanet {
+
+namespace {
+constexpr std::string_view kEditionDirectory = "Rondex";
+constexpr std::string_view kVersionText = "5.1";
+}  // namespace
+
+std::string DefaultBaseDirectory() {
+  if (const char* env = std::getenv("CORVANET_BASE_DIR"); env != nullptr && *env != '\0') {
+    return WithTrailingSeparator(env);
+  }
+#ifdef _WIN32
+  std::string program_folder = ExecutableFolder();
+  if (!program_folder.empty()) program_folder.pop_back();
+  return BaseDirectoryFromProgramFolder(program_folder);
+#else
+  const char* home = std::getenv("HOME");
+  return WithTrailingSeparator(home != nullptr ? home : ".") + Folder("Tessaly");
+#endif
+}
+
+int ReadAndResetRunListNum(const std::string& path) {
+  if (!FileExists(path)) return 0;
+  int number = 0;
+  FieldReader reader(path);
+  std::string field;
+  if (reader.ReadField(field) && !ParseInteger(field, number)) number = 0;
+  reader.Close();
+  WriteWholeFile(path, "0\r\n");
+  return number;
+}
+
+bool Form_Load(Session& session, const StartupOptions& options) {
+  AppState& app = session.app;
+  WindowState& ui = session.ui;
+  app.LogDetail = "Not Set";
+  app.StartDirectory = options.start_directory;
+  app.BaseDirectory = WithTrailingSeparator(options.base_directory);
+  app.RunListNum = ReadAndResetRunListNum(options.start_directory + "RunListNum.txt");
+  ui.PathToDataFiles = app.BaseDirectory + Folder("CSVFiles");
+  // Written before ProgramDirectory is known, so it goes to the start directory and shows the
+  // design state; kept in this order on purpose.
+  WriteSettingsReport(session);
+  app.EditionDirectory = Folder(kEditionDirectory);
+  app.VersionText = std::string(kVersionText);
+  ui.WindowTitle = "Corvanet for Ovalith";
+  ui.DisplayVersionNum.caption = "Version " + app.VersionText + " - For Ovalith Subscribers";
+  app.ProgramDirectory = app.BaseDirectory + app.EditionDirectory;
+  if (!EnsureInstallation(session)) return false;
+  if (options.change_directory) {
+    std::error_code ec;
+    std::filesystem::current_path(app.ProgramDirectory, ec);
+  }
+  app.CurrentListNumber = "0";
+  ui.ProgressBar1.visible = false;
+  LoadConfiguration_Click(session);
+  SetUpOverview_Click(session);
+  LoadStatisticChoices(session);
+  return true;
+}
+
+RunSummary AutomatedRuns(Session& session) {
+  LogEntry(session, "AutomatedRuns");
+  const int n = session.app.RunListNum;
+  if (n < 1 || n > 7) return {};
+  DownloadList_Click(session, n);
+  return DownLoadButton_Click(session);
+}
+
+bool Form_Unload(Session& session) {
+  if (session.app.RunListNum != 0) return false;
+  const Answer answer = session.shell.MessageBox("Save Corvanet settings before closing?",
+                                                 "Save Dialog", Buttons::kYesNoCancel,
+                                                 Icon::kQuestion);
+  switch (answer) {
+    case Answer::kYes:
+      SaveToINI_Click(session);
+      Log(session, "Form_Unload - Settings saved");
+      session.shell.MessageBox("Corvanet settings saved.", "Corvanet", Buttons::kOk, Icon::kNone);
+      return false;
+    case Answer::kCancel:
+      Log(session, "Form_Unload - Exit canceled");
+      return true;
+    default:
+      Log(session, "Form_Unload - Settings not saved");
+      return false;
+  }
+}
+
+bool Exit_Click(Session& session, int page) {
+  LogEntry(session, "Exit" + std::to_string(page) + "_Click");
+  return Form_Unload(session);
+}
+
+void CheckForUpdates_Click(Session& session) {
+  LogEntry(session, "CheckForUpdates_Click");
+  session.shell.OpenDocument("http://" + session.ui.IPAddress + "/");
+}
+
+}  // namespace corvanet

@@ -1,0 +1,42 @@
+#pragma once
+// Start-up, shut-down and unattended runs.
+#include <string>
+#include <string_view>
+
+#include "core/app/session.h"
+#include "core/download/run_summary.h"
+
+namespace corvanet {
+
+struct StartupOptions {
+  std::string base_directory;   // the installation root, ending with a separator
+  std::string start_directory;  // where RunListNum.txt is read; "" = the current directory
+  bool change_directory = true;  // make ProgramDirectory the current directory (the real programs)
+};
+
+// The installation root where no --base-dir is given: env CORVANET_BASE_DIR, else $HOME/Tessaly/
+// on POSIX and the Windows rule applied to the program's folder elsewhere.
+std::string DefaultBaseDirectory();
+
+// Reads the list number of an unattended start and resets the file to "0" at once, so a number
+// starts exactly one run. A missing file is an interactive start (0); a text that is not a whole
+// number counts as 0 too.
+int ReadAndResetRunListNum(const std::string& path);
+
+// Puts the window into its first state, loads the settings and the master file, and leaves the
+// choice between waiting for the user and an unattended run to the caller (RunListNum).
+// False when start-up failed (the installation could not be created).
+bool Form_Load(Session& session, const StartupOptions& options);
+
+// Runs list RunListNum (1-7) as if its buttons were clicked; any other number runs nothing.
+// Settings are not saved afterwards.
+RunSummary AutomatedRuns(Session& session);
+
+// The closing question. Returns true when the window must stay open (Cancel).
+bool Form_Unload(Session& session);
+// The pages' Exit buttons: log their name, then close as Form_Unload does. True = stay open.
+bool Exit_Click(Session& session, int page);
+
+void CheckForUpdates_Click(Session& session);
+
+}  // namespace corvanet

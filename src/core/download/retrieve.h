@@ -1,0 +1,24 @@
+#pragma once
+// The one way a file comes from the data service.
+#include <string>
+#include <string_view>
+
+#include "core/app/session.h"
+#include "core/platform/http.h"
+
+namespace corvanet {
+
+// PathToDataFiles + "Base/", where every fetched file lands first.
+std::string BaseFolder(const Session& session);
+
+// Fetches DataSetURL + remote path and, only when the whole body arrived with a 2xx status, saves
+// it as the Base folder's `local_name` (a failed fetch leaves the old copy as it was). Counts the
+// fetch in GetFileCount. A failure is logged with the remote path, never with credentials.
+FetchResult RetrieveDataFile(Session& session, std::string_view remote_path,
+                             std::string_view local_name);
+
+// Replaces `destination` by a copy of `source` (through a temporary file, so a failed copy leaves
+// the destination as it was). False, with a log line, on failure.
+bool CopyFile(Session& session, const std::string& source, const std::string& destination);
+
+}  // namespace corvanet

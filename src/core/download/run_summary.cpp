@@ -1,0 +1,21 @@
+#include "core/download/run_summary.h"
+
+namespace corvanet {
+
+std::vector<std::string> RunSummary::Lines() const {
+  std::vector<std::string> lines;
+  if (!started) {
+    lines.emplace_back("Run not started.");
+    return lines;
+  }
+  lines.push_back("Datafiles updated by merge: " + std::to_string(merged));
+  lines.push_back("Datafiles fetched whole: " + std::to_string(fetched_whole));
+  lines.push_back("Datafiles failed: " + std::to_string(failures.size()));
+  for (const DatafileFailure& failure : failures) {
+    lines.push_back("  " + failure.symbol + " " + failure.period + ": " + failure.reason);
+  }
+  if (!elapsed.empty()) lines.push_back("Elapsed time: " + elapsed);
+  return lines;
+}
+
+}  // namespace corvanet

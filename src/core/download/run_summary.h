@@ -1,0 +1,26 @@
+#pragma once
+// What a download run did, datafile by datafile: printed by the command line, logged by the run.
+#include <string>
+#include <vector>
+
+namespace corvanet {
+
+struct DatafileFailure {
+  std::string symbol;   // as listed
+  std::string period;   // "Daily" ...
+  std::string reason;   // "HTTP 404 for NYSEDaily-CompositeStats.csv", ...
+};
+
+struct RunSummary {
+  bool started = false;  // false when a check before the run refused it
+  int merged = 0;        // datafiles brought up to date from the update file
+  int fetched_whole = 0; // datafiles written from a freshly fetched whole file
+  std::vector<DatafileFailure> failures;
+  std::string elapsed;   // the elapsed-time text of the run
+
+  bool has_failures() const { return !failures.empty(); }
+  // Lines for the user: counts, then one line per failed datafile.
+  std::vector<std::string> Lines() const;
+};
+
+}  // namespace corvanet

@@ -1,0 +1,79 @@
+#pragma once
+// File operations. Whole-file writes go to a temporary file in the target's folder that is renamed
+// over the target only when everything was written, so a failure (or a killed process) leaves the
+// old file. Lines the program writes end in CR LF.
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace corvanet {
+
+inline constexpr std::string_view kLineEnd = "\r\n";
+
+enum class FileAccess { kNormal, kOwnerOnly };
+
+class AtomicFileWriter {
+ public:
+  AtomicFileWriter() = default;
+  explicit AtomicFileWriter(std::string target, FileAccess access = FileAccess::kNormal) {
+    Open(std::move(target), access);
+  }
+  AtomicFileWriter(const AtomicFileWriter&) = delete;
+  AtomicFileWriter& operator=(const AtomicFileWriter&) = delete;
+  AtomicFileWriter(AtomicFileWriter&& other) noexcept;
+  AtomicFileWriter& operator=(AtomicFileWriter&& other) noexcept;
+  // Without Commit the temporary file is removed and the target left as it was.
+  ~AtomicFileWriter();
+
+  // Creates the temporary file; false when the folder is missing or not writable.
+  bool Open(std::string target, FileAccess access = FileAccess::kNormal);
+  bool is_open() const { return file_ != nullptr; }
+  void Write(std::string_view text);
+  void WriteLine(std::string_view text) {
+    Write(text);
+    Write(kLineEnd);
+  }
+  // Flushes, closes and renames over the target. False (target untouched) on any write error.
+  bool Commit();
+  void Discard();
+  const std::string& target() const { return target_; }
+  // The error text of the first failure, for log lines.
+  const std::string& error() const { return error_; }
+
+ private:
+  std::FILE* file_ = nullptr;
+  std::string target_;
+  std::string temp_;
+  std::string error_;
+  bool failed_ = false;
+};
+
+// Writes a whole file at once (atomic replace).
+bool WriteWholeFile(const std::string& path, std::string_view content,
+                    FileAccess access = FileAccess::kNormal);
+// Appends one line (with CR LF); creates the file when missing.
+bool AppendLine(const std::string& path, std::string_view line,
+                FileAccess access = FileAccess::kNormal);
+// Creates an empty file when none exists; leaves an existing one alone. False on failure.
+bool TouchFile(const std::string& path);
+
+bool FileExists(const std::string& path);
+bool DirectoryExists(const std::string& path);
+std::optional<std::uintmax_t> FileSize(const std::string& path);
+// Creates one folder (not its parents). True when it exists afterwards.
+bool CreateFolder(const std::string& path);
+// Creates a folder and its missing parents.
+bool CreateFolders(const std::string& path);
+// Deletes every file directly in `folder` (not in its subfolders). False when the folder is missing.
+bool DeleteFilesIn(const std::string& folder);
+bool RemoveFile(const std::string& path);
+// Copies `from` onto `to` through a temporary file, replacing `to` only when the copy is complete.
+bool CopyFileReplacing(const std::string& from, const std::string& to);
+// The whole content of a (small) file; nullopt when it cannot be read.
+std::optional<std::string> ReadWholeFile(const std::string& path);
+std::string CurrentDirectory();
+
+}  // namespace corvanet

@@ -1,0 +1,26 @@
+#pragma once
+// The shell of the command line: message boxes are printed (carriage returns as new lines, then an
+// empty line) and questions are answered No, or Yes when asked to.
+#include <ostream>
+
+#include "core/platform/shell.h"
+
+namespace corvanet {
+
+class HeadlessShell final : public Shell {
+ public:
+  HeadlessShell(std::ostream& out, bool answer_yes, std::string program_folder = {})
+      : out_(out), answer_yes_(answer_yes), program_folder_(std::move(program_folder)) {}
+
+  Answer MessageBox(std::string_view text, std::string_view title, Buttons buttons,
+                    Icon icon) override;
+  bool OpenDocument(std::string_view target) override;
+  bool StartHidden(const std::string& batch_file, const std::string& working_folder) override;
+
+ private:
+  std::ostream& out_;
+  bool answer_yes_;
+  std::string program_folder_;
+};
+
+}  // namespace corvanet

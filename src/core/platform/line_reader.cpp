@@ -1,0 +1,78 @@
+#include "core/platform/line_reader.h"
+
+#include <cstring>
+
+namespace corvanet {
+
+namespace {
+constexpr std::size_t kChunk = 64 * 1024;
+}
+
+bool LineReader::Open(const std::string& path) {
+  Close();
+  file_.reset(std::fopen(path.c_str(), "rb"));
+  if (!file_) return false;
+  buffer_.resize(kChunk);
+  begin_ = end_ = 0;
+  eof_ = failed_ = false;
+  return true;
+}
+
+void LineReader::Close() {
+  file_.reset();
+  begin_ = end_ = 0;
+  eof_ = true;
+}
+
+bool LineReader::Fill() {
+  if (eof_ || !file_) return false;
+  // Keep the unread tail, then read behind it; grow when one line fills the whole buffer.
+  if (begin_ > 0) {
+    std::memmove(buffer_.data(), buffer_.data() + begin_, end_ - begin_);
+    end_ -= begin_;
+    begin_ = 0;
+  }
+  if (end_ == buffer_.size()) buffer_.resize(buffer_.size() * 2);
+  const std::size_t got = std::fread(buffer_.data() + end_, 1, buffer_.size() - end_, file_.get());
+  if (got == 0) {
+    eof_ = true;
+    failed_ = std::ferror(file_.get()) != 0;
+    return false;
+  }
+  end_ += got;
+  return true;
+}
+
+bool LineReader::AtEnd() {
+  if (begin_ < end_) return false;
+  return !Fill();
+}
+
+bool LineReader::Next(std::string_view& line) {
+  std::size_t scanned = begin_;
+  for (;;) {
+    const void* found = std::memchr(buffer_.data() + scanned, '\n', end_ - scanned);
+    if (found != nullptr) {
+      const auto newline = static_cast<std::size_t>(static_cast<const char*>(found) - buffer_.data());
+      std::size_t stop = newline;
+      if (stop > begin_ && buffer_[stop - 1] == '\r') --stop;
+      line = std::string_view(buffer_.data() + begin_, stop - begin_);
+      begin_ = newline + 1;
+      return true;
+    }
+    const std::size_t consumed = begin_;
+    scanned = end_;
+    if (!Fill()) {
+      if (begin_ == end_) return false;
+      // Last line without an ending.
+      std::size_t stop = end_;
+      if (stop > begin_ && buffer_[stop - 1] == '\r') --stop;
+      line = std::string_view(buffer_.data() + begin_, stop - begin_);
+      begin_ = end_;
+      return true;
+    }
+    scanned -= consumed;  // Fill moved the unread data to the front.
+  }
+}
+
+}  // namespace corvanet

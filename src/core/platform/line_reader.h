@@ -1,0 +1,42 @@
+#pragma once
+// Streams a text file line by line. Lines may end in CR LF or LF; the returned view holds the line
+// without its ending and stays valid until the next call. Nothing is allocated per line once the
+// buffer has grown to the longest line.
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace corvanet {
+
+class LineReader {
+ public:
+  LineReader() = default;
+  explicit LineReader(const std::string& path) { Open(path); }
+  LineReader(const LineReader&) = delete;
+  LineReader& operator=(const LineReader&) = delete;
+
+  bool Open(const std::string& path);
+  bool is_open() const { return file_ != nullptr; }
+  // False at the end of the file (or on a read error, see failed()).
+  bool Next(std::string_view& line);
+  // True when no further line can be read.
+  bool AtEnd();
+  bool failed() const { return failed_; }
+  void Close();
+
+ private:
+  bool Fill();
+
+  struct FileCloser {
+    void operator()(std::FILE* f) const { std::fclose(f); }
+  };
+  std::unique_ptr<std::FILE, FileCloser> file_;
+  std::string buffer_;
+  std::size_t begin_ = 0;  // start of unread data in buffer_
+  std::size_t end_ = 0;    // end of valid data in buffer_
+  bool eof_ = false;
+  bool failed_ = false;
+};
+
+}  // namespace corvanet

@@ -1,0 +1,31 @@
+#pragma once
+// What the program asks of the desktop: message boxes and questions, opening a document or an
+// address, and starting a process with no window. The window and the command line each provide one.
+#include <string>
+#include <string_view>
+
+namespace corvanet {
+
+enum class Buttons { kOk, kYesNo, kYesNoCancel };
+enum class Icon { kNone, kInformation, kExclamation, kQuestion, kCritical };
+enum class Answer { kOk, kYes, kNo, kCancel };
+
+// The title message boxes carry when a step names none.
+inline constexpr std::string_view kDefaultTitle = "Corvanet";
+
+class Shell {
+ public:
+  virtual ~Shell() = default;
+  // `text` may hold carriage returns as line breaks.
+  virtual Answer MessageBox(std::string_view text, std::string_view title, Buttons buttons,
+                            Icon icon) = 0;
+  // Opens a document or web address with the system's associated program; false on failure.
+  virtual bool OpenDocument(std::string_view target) = 0;
+  // Starts a batch file in `working_folder` with no window and does not wait for it.
+  virtual bool StartHidden(const std::string& batch_file, const std::string& working_folder) = 0;
+
+  // A message with an OK button and the default title.
+  void Notify(std::string_view text) { MessageBox(text, kDefaultTitle, Buttons::kOk, Icon::kNone); }
+};
+
+}  // namespace corvanet

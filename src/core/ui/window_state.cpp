@@ -1,0 +1,14 @@
+#include "core/ui/window_state.h"
+
+#include "core/platform/text.h"
+
+namespace corvanet {
+
+int ListBox::FindExactIgnoreCase(std::string_view text) const {
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    if (EqualsIgnoreCase(items[i], text)) return static_cast<int>(i);
+  }
+  return -1;
+}
+
+}  // namespace corvanet

@@ -1,0 +1,2 @@
+// The window's library; its classes arrive with the window.
+namespace corvanet::gui {}

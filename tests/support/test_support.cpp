@@ -1,0 +1,86 @@
+#include "support/test_support.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+#include <unistd.h>
+
+namespace corvanet::test {
+
+namespace fs = std::filesystem;
+
+TempDir::TempDir() {
+  static std::atomic<int> counter{0};
+  const fs::path root = fs::temp_directory_path() /
+                        ("corvanet-test-" + std::to_string(::getpid()) + "-" +
+                         std::to_string(counter++));
+  fs::remove_all(root);
+  fs::create_directories(root);
+  path_ = root.string() + "/";
+}
+
+TempDir::~TempDir() {
+  std::error_code ec;
+  // Tests may have made files read-only; make them removable again.
+  for (auto it = fs::recursive_directory_iterator(path_, ec); !ec && it != fs::end(it);
+       it.increment(ec)) {
+    fs::permissions(it->path(), fs::perms::owner_all, fs::perm_options::add, ec);
+  }
+  fs::remove_all(path_, ec);
+}
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream content;
+  content << in.rdbuf();
+  return content.str();
+}
+
+void WriteFile(const std::string& path, std::string_view content) {
+  const fs::path parent = fs::path(path).parent_path();
+  if (!parent.empty()) fs::create_directories(parent);
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  out.write(content.data(), static_cast<std::streamsize>(content.size()));
+}
+
+void WriteLines(const std::string& path, const std::vector<std::string>& lines) {
+  std::string content;
+  for (const std::string& line : lines) content += line + "\r\n";
+  WriteFile(path, content);
+}
+
+std::vector<std::string> ReadLines(const std::string& path) {
+  std::vector<std::string> lines;
+  std::istringstream in(ReadFile(path));
+  std::string line;
+  while (std::getline(in, line)) {
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+bool Exists(const std::string& path) { return fs::exists(path); }
+
+bool WaitFor(const std::function<bool()>& condition, std::chrono::milliseconds deadline) {
+  const auto until = std::chrono::steady_clock::now() + deadline;
+  while (std::chrono::steady_clock::now() < until) {
+    if (condition()) return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  return condition();
+}
+
+std::string BinaryPath(std::string_view name) {
+  return std::string(CORVANET_BIN_DIR) + "/" + std::string(name);
+}
+
+std::string SourcePath(std::string_view relative) {
+  return std::string(CORVANET_SOURCE_DIR) + "/" + std::string(relative);
+}
+
+}  // namespace corvanet::test

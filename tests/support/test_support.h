@@ -1,0 +1,42 @@
+#pragma once
+// Shared by every test: a temporary folder per test, small file helpers, and a wait on a
+// condition with a deadline instead of sleeps.
+#include <chrono>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace corvanet::test {
+
+// A fresh folder removed with everything in it at the end of the test. path() ends with '/'.
+class TempDir {
+ public:
+  TempDir();
+  ~TempDir();
+  TempDir(const TempDir&) = delete;
+  TempDir& operator=(const TempDir&) = delete;
+  const std::string& path() const { return path_; }
+  std::string operator/(std::string_view name) const { return path_ + std::string(name); }
+
+ private:
+  std::string path_;
+};
+
+std::string ReadFile(const std::string& path);
+// Writes the text as it stands (no line-end conversion), creating parent folders.
+void WriteFile(const std::string& path, std::string_view content);
+// Writes lines each ended by CR LF.
+void WriteLines(const std::string& path, const std::vector<std::string>& lines);
+// The file's lines without their endings (CR LF or LF).
+std::vector<std::string> ReadLines(const std::string& path);
+bool Exists(const std::string& path);
+
+bool WaitFor(const std::function<bool()>& condition,
+             std::chrono::milliseconds deadline = std::chrono::seconds(10));
+
+// Absolute paths of the built programs.
+std::string BinaryPath(std::string_view name);
+std::string SourcePath(std::string_view relative);
+
+}  // namespace corvanet::test
