@@ -19,7 +19,8 @@ void WriteLogAlways(Session& session, std::string_view message, std::string_view
   line += " - ";
   line += detail;
   line += " - ";
-  line += message;
+  // A symbol or a file name from outside must not be able to forge log lines.
+  for (const char c : message) line += static_cast<unsigned char>(c) < 0x20 ? '?' : c;
   AppendLine(LogFilePath(session), line, FileAccess::kOwnerOnly);
 }
 

@@ -1,12 +1,174 @@
 #include "core/download/download_run.h"
 
+#include <string>
+
 #include "core/app/log.h"
+#include "core/app/settings.h"
+#include "core/download/datafile_names.h"
+#include "core/download/refresh_masterfile.h"
+#include "core/download/retrieve.h"
+#include "core/download/run_total.h"
+#include "core/download/single_file_update.h"
+#include "core/download/system_messages.h"
+#include "core/download/update_file_index.h"
+#include "core/lists/download_lists.h"
+#include "core/lists/masterfile.h"
+#include "core/platform/files.h"
+#include "core/platform/paths.h"
+#include "core/ui/tabs.h"
 
 namespace corvanet {
 
+namespace {
+
+bool AnyVendor(const WindowState& ui) {
+  return ui.VendoreSignal || ui.VendorReuters || ui.VendorYahoo || ui.VendorOther;
+}
+
+bool AnyPeriod(const WindowState& ui) {
+  return ui.DailyInterval || ui.WeeklyInterval || ui.MonthlyInterval || ui.QuarterlyInterval;
+}
+
+// The checks before a run; false when the run must not start.
+bool RunMayStart(Session& session) {
+  WindowState& ui = session.ui;
+  if (ui.UserName.empty() || ui.Password.empty()) {
+    SetTabs(session);
+    return false;
+  }
+  if (ui.UserName == "Enter username here" || ui.Password == "Enter password here") {
+    session.shell.MessageBox(
+        "Please enter your Tessaly username and password\runder the 'General Settings' tab.",
+        kDefaultTitle, Buttons::kOk, Icon::kNone);
+    SetTabs(session);
+    return false;
+  }
+  SaveToINI_Click(session);
+  if (CurrentListNumber(session) == 0) {
+    session.shell.Notify("Please load a download list!");
+    return false;
+  }
+  if (!AnyVendor(ui)) {
+    session.shell.Notify("Please select a Data Vendor!");
+    return false;
+  }
+  if (!AnyPeriod(ui)) {
+    session.shell.Notify("Please select at least one data period and start download again.");
+    return false;
+  }
+  return true;
+}
+
+// A full list empties its MetaStock period folders before price files are made anew.
+void ClearPriceFileFolders(Session& session, int list) {
+  if (session.ui.MakeMetaStockPxFiles == 0 || list < 6) return;
+  const int periods = list == 6 ? 1 : 4;
+  for (int i = 0; i < periods; ++i) {
+    const std::string folder = session.ui.PathToMSPxFiles + Folder(kPeriodNames[i]);
+    if (DirectoryExists(folder) && !DeleteFilesIn(folder)) {
+      Log(session, "DownLoadButton_Click - could not empty " + folder);
+    }
+  }
+}
+
+void RunPeriod(Session& session, int run_total, RunSummary& summary) {
+  ProgressBar& bar = session.ui.ProgressBar1;
+  bar.minimum = 0;
+  bar.maximum = run_total;
+  bar.visible = true;
+  bar.value = 0;
+  FieldReader list;
+  if (!OpenDownloadList(session, list)) {
+    summary.period_problems.push_back("the list of " + session.run.DataPeriod +
+                                      " datafiles could not be opened");
+    return;
+  }
+  const std::string update_name = "Update-" + session.run.DataPeriod + ".csv";
+  const FetchResult fetched = RetrieveDataFile(session, update_name, update_name);
+  if (!fetched.ok()) {
+    summary.period_problems.push_back(update_name + ": " + fetched.Describe() +
+                                      " (datafiles merged from the previous update file)");
+  }
+  UpdateFileIndex update_rows;
+  update_rows.Load(BaseFolder(session) + update_name);
+  if (update_rows.garbled_lines() > 0) {
+    Log(session, "DownLoadButton_Click - " + update_name + " holds " +
+                     std::to_string(update_rows.garbled_lines()) +
+                     " garbled line(s), the first at line " +
+                     std::to_string(update_rows.first_garbled_line()) + "; left out");
+  }
+  int records = 0;
+  SingleFileUpdate(session, list, run_total, records, update_rows, summary);
+}
+
+void ShowCompletion(Session& session, int list, const std::string& elapsed) {
+  WindowState& ui = session.ui;
+  const std::string type = DownLoadType(session);
+  ui.Label13.caption = "Update progress is displayed here";
+  ui.ButtonBarFrame.caption = "Select a Download List";
+  if (list <= 5) {
+    ui.DownLoadButton.caption =
+        "Update " + type + " Complete! ... (Elapsed time:  " + elapsed + ")";
+    ui.DownloadProgressFrame.caption = "Update Complete For List " + type;
+  } else {
+    ui.DownLoadButton.caption =
+        "Download " + type + " Complete! ... (Elapsed time:  " + elapsed + ")";
+    ui.DownloadProgressFrame.caption = "Download Complete For List " + type;
+  }
+  ui.DownLoadButton.bold = true;
+  session.NotifyObserver();
+}
+
+}  // namespace
+
 RunSummary DownLoadButton_Click(Session& session) {
-  LogEntry(session, "DownLoadButton_Click");
-  return {};
+  if (session.logging()) {
+    WriteLog(session, "", session.app.LogDetail);
+    WriteLog(session, "DownLoadButton_Click", session.app.LogDetail);
+  }
+  RunSummary summary;
+  if (!RunMayStart(session)) return summary;
+  summary.started = true;
+  WindowState& ui = session.ui;
+  RunState& run = session.run;
+  const int list = CurrentListNumber(session);
+
+  ui.DownLoadButton.bold = true;
+  SaveDownloadList_Click(session);
+  run.RunStartTimer = session.clock.Timer();
+  run.RunStartTime = session.clock.Now();
+  ClearPriceFileFolders(session, list);
+  const std::string started = " ... (Started at " + FormatClockAmPm(run.RunStartTime) + ")";
+  const bool forced = (list == 6 && ui.AllDailyForceFull) || (list == 7 && ui.AllPeriodsForceFull);
+  if (forced) {
+    ui.ForceFullDownload = 1;
+    ui.DownLoadButton.caption = "Forcing a full download of " + DownLoadType(session) + started;
+  } else {
+    ui.DownLoadButton.caption = "Updating " + DownLoadType(session) + started;
+  }
+  session.NotifyObserver();
+  SelectMasterfile(session);
+  const int run_total = CountRunDatafiles(session);
+
+  run.DatafileCounter = 0;
+  for (int period = 1; period <= 4; ++period) {
+    DetermineInterval(session, period);
+    if (run.DataPeriod.empty()) continue;
+    RunPeriod(session, run_total, summary);
+  }
+
+  // Single-statistic files of the run are made here once they exist.
+  const std::string message_file = GetSystemMessageFileName(session);
+  RetrieveDataFile(session, message_file, message_file);
+  RefreshMasterfile(session);
+  // The converter batch files of the run are started here once they exist.
+
+  summary.elapsed = ElapsedText(session.clock.Timer() - run.RunStartTimer);
+  ShowCompletion(session, list, summary.elapsed);
+  RetrieveSystemMessages(session, summary.elapsed);
+  Log(session, "DownLoadButton_Click - Complete!");
+  ui.ForceFullDownload = 0;
+  return summary;
 }
 
 }  // namespace corvanet

@@ -16,9 +16,12 @@ struct RunSummary {
   int merged = 0;        // datafiles brought up to date from the update file
   int fetched_whole = 0; // datafiles written from a freshly fetched whole file
   std::vector<DatafileFailure> failures;
+  // Fetches of a whole period that failed (its update file): the period's datafiles were merged
+  // from the update file of an earlier run, so they may lack the newest rows.
+  std::vector<std::string> period_problems;
   std::string elapsed;   // the elapsed-time text of the run
 
-  bool has_failures() const { return !failures.empty(); }
+  bool has_failures() const { return !failures.empty() || !period_problems.empty(); }
   // Lines for the user: counts, then one line per failed datafile.
   std::vector<std::string> Lines() const;
 };

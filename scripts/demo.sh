@@ -1,0 +1,49 @@
+#!/usr/bin/env bash
+# The main job, end to end on this machine: a demo data service on a free loopback port, an
+# installation pointed at it, an unattended run of "All Periods", one new bar, and a second run
+# that merges it.
+set -euo pipefail
+build=${1:-build}
+bin="$(cd "$build/bin" && pwd)"
+demo="$(pwd)/demo"
+service_root="$demo/service"
+install="$demo/installation/"
+user="demo"
+password='p@ss:w/rd'
+
+rm -rf "$demo"
+mkdir -p "$service_root" "$install"
+
+echo "== Generating a demo data set"
+"$bin/corvanet-demo-service" generate --root "$service_root" --composites 60 --years 10 --seed 1
+
+port_file="$demo/port"
+"$bin/corvanet-demo-service" serve --root "$service_root" --host 127.0.0.1 --port 0 \
+  --port-file "$port_file" --user "$user" --password "$password" 2>"$demo/service.log" &
+service_pid=$!
+trap 'kill $service_pid 2>/dev/null || true; wait $service_pid 2>/dev/null || true' EXIT
+for _ in $(seq 1 100); do [ -s "$port_file" ] && break; sleep 0.05; done
+[ -s "$port_file" ] || { echo "the demo service did not start"; cat "$demo/service.log"; exit 1; }
+port=$(cat "$port_file")
+echo "== Demo service listening on 127.0.0.1:$port"
+
+cli=("$bin/corvanet-cli" --base-dir "$install")
+cd "$demo"   # RunListNum.txt and the first report live in the start folder
+"${cli[@]}" settings "UserName=$user" "Password=$password" "IPAddress=127.0.0.1:$port" >/dev/null
+"${cli[@]}" list 7 vendor eSignal >/dev/null
+
+echo "== First run: every datafile fetched whole"
+status=0
+"${cli[@]}" run 7 || status=$?
+
+"$bin/corvanet-demo-service" advance --root "$service_root" --bars 1 >/dev/null
+echo
+echo "== Second run after one new bar: merged from the update files"
+"${cli[@]}" run 7 || status=$?
+
+echo
+echo "Datafiles:      ${install}CSVFiles/ (Daily, Weekly, Monthly, Quarterly; Base holds the fetched copies)"
+echo "Settings:       ${install}Rondex/Rondex.ini"
+echo "Download lists: ${install}Lists/"
+echo "Service log:    $demo/service.log"
+exit $status

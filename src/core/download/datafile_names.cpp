@@ -1,0 +1,46 @@
+#include "core/download/datafile_names.h"
+
+#include "core/app/log.h"
+#include "core/download/symbols.h"
+#include "core/platform/paths.h"
+
+namespace corvanet {
+
+void DetermineInterval(Session& session, int period_number) {
+  LogEntry(session, "DetermineInterval");
+  const WindowState& ui = session.ui;
+  const int boxes[] = {ui.DailyInterval, ui.WeeklyInterval, ui.MonthlyInterval,
+                       ui.QuarterlyInterval};
+  const bool known = period_number >= 1 && period_number <= 4;
+  session.run.DataPeriod =
+      known && boxes[period_number - 1] != 0 ? std::string(kPeriodNames[period_number - 1]) : "";
+}
+
+bool SetDatafileNames(Session& session) {
+  LogEntry(session, "SetDatafileNames");
+  RunState& run = session.run;
+  run.RemoteFileName = run.WebSymbol + run.DataPeriod + "-CompositeStats.csv";
+  run.RemoteUpdateFileName = run.WebSymbol + run.DataPeriod + "-Update.csv";
+  run.BaseFileName = run.RemoteFileName;
+  if (session.ui.VendorOther) {
+    run.DestinationFileName = run.RemoteFileName;
+    run.DestinationUpdateFileName = run.RemoteUpdateFileName;
+  } else {
+    if (session.ui.VendorReuters) ReutersSymbolCorrection(session);
+    if (session.ui.VendorYahoo) YahooSymbolCorrection(session);
+    run.DestinationFileName = run.DownloadSymbol + ".csv";
+    run.DestinationUpdateFileName = run.DownloadSymbol + "-Update.csv";
+  }
+  if (IsSafeFileNamePart(run.WebSymbol) && IsSafeFileNamePart(run.DestinationFileName)) return true;
+  Log(session, "SetDatafileNames - symbol " + run.DownloadSymbol +
+                   " cannot be used in a file name; skipped");
+  return false;
+}
+
+std::string DestinationPath(const Session& session) {
+  const RunState& run = session.run;
+  if (session.ui.VendorOther) return session.ui.PathToDataFiles + run.DestinationFileName;
+  return session.ui.PathToDataFiles + Folder(run.DataPeriod) + run.DestinationFileName;
+}
+
+}  // namespace corvanet

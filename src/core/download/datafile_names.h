@@ -1,0 +1,24 @@
+#pragma once
+// Where the datafile in hand comes from and goes to.
+#include <string>
+#include <string_view>
+
+#include "core/app/session.h"
+
+namespace corvanet {
+
+inline constexpr std::string_view kPeriodNames[] = {"Daily", "Weekly", "Monthly", "Quarterly"};
+
+// Sets run.DataPeriod to the name of period 1-4 when its box is ticked, else to "".
+void DetermineInterval(Session& session, int period_number);
+
+// RemoteFileName, BaseFileName, DestinationFileName ... of run.WebSymbol, run.DataPeriod and
+// run.DownloadSymbol (put into the vendor form on the way). False, with a log line, when a symbol
+// cannot be part of a file name (a separator, "..", a control character): the datafile is skipped.
+bool SetDatafileNames(Session& session);
+
+// PathToDataFiles + period folder + DestinationFileName, or PathToDataFiles + DestinationFileName
+// for vendor Other (the period is part of that name).
+std::string DestinationPath(const Session& session);
+
+}  // namespace corvanet

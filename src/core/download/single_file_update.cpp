@@ -1,0 +1,103 @@
+#include "core/download/single_file_update.h"
+
+#include <algorithm>
+#include <string>
+
+#include "core/app/log.h"
+#include "core/download/datafile_names.h"
+#include "core/download/retrieve.h"
+#include "core/download/symbols.h"
+#include "core/download/update_datafile.h"
+#include "core/lists/download_lists.h"
+#include "core/platform/text.h"
+
+namespace corvanet {
+
+namespace {
+
+void SetProgress(Session& session, int value) {
+  ProgressBar& bar = session.ui.ProgressBar1;
+  bar.value = std::clamp(value, bar.minimum, bar.maximum);
+}
+
+// Brings the datafile named by the run state up to date.
+DatafileOutcome UpdateOne(Session& session, const UpdateFileIndex& update_rows) {
+  DatafileOutcome outcome;
+  if (!update_rows.loaded()) {
+    outcome.reason = "no update file Update-" + session.run.DataPeriod + ".csv";
+    return outcome;
+  }
+  bool fetched_whole = false;
+  if (session.ui.ForceFullDownload != 0) {
+    const FetchResult fetched =
+        RetrieveDataFile(session, session.run.RemoteFileName, session.run.BaseFileName);
+    if (!fetched.ok()) {
+      outcome.reason = "full download failed: " + fetched.Describe() + " for " +
+                       session.run.RemoteFileName;
+      return outcome;
+    }
+    fetched_whole = true;
+  } else {
+    const std::int16_t before = session.run.GetFileCount;
+    if (!CheckForDataFile(session, outcome.reason)) return outcome;
+    fetched_whole = session.run.GetFileCount != before;
+  }
+  return UpdateDatafile(session, update_rows, fetched_whole);
+}
+
+}  // namespace
+
+void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& record_counter,
+                      const UpdateFileIndex& update_rows, RunSummary& summary) {
+  LogEntry(session, "SingleFileUpdate");
+  RunState& run = session.run;
+  WindowState& ui = session.ui;
+  ui.Frame2.caption = "Datafile Update Started at " + FormatClockAmPm(run.RunStartTime);
+  Pause(session, 0.025);
+  const bool quarterly = run.DataPeriod == "Quarterly";
+  std::string name;
+  std::string symbol;
+  while (!list.AtEnd()) {
+    SetProgress(session, run.DatafileCounter + 1);
+    Pause(session, 0.0025);
+    if (!list.ReadRecord(name, symbol)) {
+      Log(session, "SingleFileUpdate - the list ends with a name without a symbol: " + name);
+      break;
+    }
+    if (quarterly && IsSkippedInQuarterly(symbol)) continue;
+    run.DownloadName = name;
+    run.DownloadSymbol = symbol;
+    if (session.logging()) WriteLog(session, "Downloading " + symbol + " - " + name, "");
+    run.GetFileCount = 0;
+    ++run.DatafileCounter;
+    WebSymbolCorrection(session, symbol);
+    if (!SetDatafileNames(session)) {
+      summary.failures.push_back({symbol, run.DataPeriod, "symbol cannot be used in a file name"});
+      continue;
+    }
+    // The counter is shown one ahead of the datafiles started; kept so on purpose.
+    const std::string tail = std::to_string(run.DatafileCounter + 1) + " of " +
+                             std::to_string(run_total) + " Total Datafiles On List " +
+                             DownLoadType(session);
+    ui.DownLoadButton.caption =
+        run.DataPeriod +
+        (ui.ForceFullDownload != 0 ? " Data - Now Downloading Full Datafile "
+                                   : " Data - Now Updating Datafile ") +
+        tail;
+    session.NotifyObserver();
+    ++record_counter;
+    const DatafileOutcome outcome = UpdateOne(session, update_rows);
+    switch (outcome.kind) {
+      case DatafileOutcome::Kind::kMerged: ++summary.merged; break;
+      case DatafileOutcome::Kind::kFetchedWhole: ++summary.fetched_whole; break;
+      case DatafileOutcome::Kind::kFailed:
+        Log(session, "SingleFileUpdate - " + symbol + " " + run.DataPeriod + " failed: " +
+                         outcome.reason);
+        summary.failures.push_back({symbol, run.DataPeriod, outcome.reason});
+        break;
+    }
+    // Price files of this datafile are made here once they exist.
+  }
+}
+
+}  // namespace corvanet

@@ -1,0 +1,24 @@
+#pragma once
+// The service's message file, fetched at the end of a run and shown with (or instead of) the
+// completion message.
+#include <string>
+#include <string_view>
+
+#include "core/app/session.h"
+
+namespace corvanet {
+
+struct SystemMessage {
+  std::string kind;     // "-1" none, "0" notice, "1" notice offering the web address, "" nothing
+  std::string address;  // opened when the user answers Yes to a kind "1" message
+  std::string text;     // message lines joined by carriage returns, up to "exit"
+};
+
+// "\Zennor_System.txt" (the leading separator is part of the remote path and the local name).
+std::string GetSystemMessageFileName(Session& session);
+// Reads a message file; a missing or short file gives what it holds (an empty kind when none).
+SystemMessage ReadSystemMessage(const std::string& path);
+// Shows the messages as the two option pairs ask, at the end of a run.
+void RetrieveSystemMessages(Session& session, std::string_view elapsed);
+
+}  // namespace corvanet

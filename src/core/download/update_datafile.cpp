@@ -1,0 +1,180 @@
+#include "core/download/update_datafile.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "core/app/log.h"
+#include "core/download/datafile_names.h"
+#include "core/download/retrieve.h"
+#include "core/platform/files.h"
+#include "core/platform/line_reader.h"
+#include "core/platform/text.h"
+
+namespace corvanet {
+
+namespace {
+
+constexpr int kFetchGuard = 5;
+
+// Lines of this step carry the period as their detail.
+void LogPeriod(Session& session, std::string_view text) {
+  WriteLog(session, text, session.run.DataPeriod);
+}
+
+std::size_t CountCommas(std::string_view text) {
+  return static_cast<std::size_t>(std::count(text.begin(), text.end(), ','));
+}
+
+enum class Pass {
+  kMerged,
+  kNoOverlap,  // every base row written, none of them among the update rows
+  kGarbled,    // the base copy is empty or holds a row of another shape: nothing to keep
+  kFailed,
+};
+
+// One pass over the base copy: the header, then the base rows up to and including the first one
+// that is also an update row, then the update rows newer than it. The destination is written but
+// not committed. A garbled base copy is treated like one without overlap (a fresh copy is fetched),
+// but what was written from it is never kept.
+Pass MergeOnce(Session& session, const std::vector<std::string_view>& update_rows,
+               AtomicFileWriter& destination, std::string& reason) {
+  const std::string base_path = BaseFolder(session) + session.run.BaseFileName;
+  LineReader base;
+  if (!base.Open(base_path)) {
+    reason = "base copy " + session.run.BaseFileName + " cannot be read";
+    return Pass::kFailed;
+  }
+  const std::string destination_path = DestinationPath(session);
+  if (!destination.Open(destination_path)) {
+    reason = "cannot write " + destination_path + ": " + destination.error();
+    return Pass::kFailed;
+  }
+  std::string_view line;
+  if (!base.Next(line)) {
+    LogPeriod(session, "UpdateDatafile - base copy " + session.run.BaseFileName + " is empty");
+    return Pass::kGarbled;
+  }
+  destination.WriteLine(line);
+  const std::size_t fields = CountCommas(line);
+
+  // Update rows that do not have the datafile's shape would spoil it: leave them out.
+  std::vector<std::string_view> rows;
+  for (const std::string_view row : update_rows) {
+    if (CountCommas(row) == fields) {
+      rows.push_back(row);
+    } else {
+      LogPeriod(session, "UpdateDatafile - update row for " + session.run.WebSymbol +
+                             " does not match the datafile's columns; left out");
+    }
+  }
+  if (rows.empty() && !update_rows.empty()) {
+    // Not one update row has the base copy's shape: the base copy is what is wrong.
+    LogPeriod(session, "UpdateDatafile - " + session.run.BaseFileName +
+                           " does not have the columns of the update rows");
+    return Pass::kGarbled;
+  }
+
+  std::string_view match_date;
+  std::string match;  // the view into the reader's buffer would not outlive the next read
+  int number = 1;
+  while (base.Next(line)) {
+    ++number;
+    line = Trim(line);
+    if (line.empty()) continue;
+    if (CountCommas(line) != fields || !HasRowDate(line)) {
+      LogPeriod(session, "UpdateDatafile - " + session.run.BaseFileName + " line " +
+                             std::to_string(number) + " is garbled");
+      return Pass::kGarbled;
+    }
+    destination.WriteLine(line);
+    if (std::find(rows.begin(), rows.end(), line) != rows.end()) {
+      match.assign(line);
+      match_date = RowDate(match);
+      break;
+    }
+  }
+  if (base.failed()) {
+    reason = "read error in base copy " + session.run.BaseFileName;
+    return Pass::kFailed;
+  }
+  if (number == 1) {
+    LogPeriod(session, "UpdateDatafile - base copy " + session.run.BaseFileName + " has no rows");
+    return Pass::kGarbled;
+  }
+  if (match.empty() || session.run.GetFileCount >= kFetchGuard) return Pass::kNoOverlap;
+  // Rows of the match's date are not written again, older ones are skipped.
+  for (const std::string_view row : rows) {
+    if (RowDate(row) > match_date) destination.WriteLine(row);
+  }
+  return Pass::kMerged;
+}
+
+}  // namespace
+
+bool CheckForDataFile(Session& session, std::string& reason) {
+  LogPeriod(session, "CheckForDataFile");
+  const auto size = FileSize(BaseFolder(session) + session.run.BaseFileName);
+  if (size && *size >= 1) return true;
+  const FetchResult fetched =
+      RetrieveDataFile(session, session.run.RemoteFileName, session.run.BaseFileName);
+  if (fetched.ok()) return true;
+  reason = fetched.Describe() + " for " + session.run.RemoteFileName;
+  return false;
+}
+
+DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_rows,
+                               bool fetched_whole) {
+  RunState& run = session.run;
+  LogPeriod(session, "UpdateDatafile");
+  DatafileOutcome outcome;
+  if (run.GetFileCount >= kFetchGuard) {
+    LogPeriod(session, "GetFileCount = " + std::to_string(run.GetFileCount) +
+                           " in UpdateDatafile - Exiting Sub");
+    outcome.reason = "too many fetches for one datafile";
+    return outcome;
+  }
+  const std::string tag = run.DestinationFileName + run.DownloadSymbol;
+  for (int attempts = 0;;) {
+    const std::vector<std::string_view> rows = update_rows.RowsFor(run.WebSymbol);
+    if (update_rows.EndsOnOtherSymbol(run.WebSymbol)) {
+      // The rescan this replaces ended on another symbol's line; support reads this line so.
+      LogPeriod(session, "DownloadSymbol - " + update_rows.last_symbol() + " WebSymbol - " +
+                             run.WebSymbol + " Error Number:  0 - ");
+    }
+    AtomicFileWriter destination;
+    const Pass pass = MergeOnce(session, rows, destination, outcome.reason);
+    if (pass == Pass::kFailed) return outcome;
+    if (pass == Pass::kMerged) {
+      if (!destination.Commit()) {
+        outcome.reason = "cannot write " + destination.target() + ": " + destination.error();
+        return outcome;
+      }
+      outcome.kind = fetched_whole ? DatafileOutcome::Kind::kFetchedWhole
+                                   : DatafileOutcome::Kind::kMerged;
+      return outcome;
+    }
+    LogPeriod(session, "UpdateDatafile - " + tag + " - Can't update - getting full file");
+    // The destination keeps its old content until a merge on a fresh copy succeeds; only a second
+    // clean pass without overlap is kept, since it holds the service's whole fresh file.
+    if (attempts == 0 || pass == Pass::kGarbled) {
+      destination.Discard();
+    } else if (!destination.Commit()) {
+      outcome.reason = "cannot write " + destination.target() + ": " + destination.error();
+      return outcome;
+    }
+    const FetchResult fetched = RetrieveDataFile(session, run.RemoteFileName, run.BaseFileName);
+    if (!fetched.ok()) {
+      outcome.reason = fetched.Describe() + " for " + run.RemoteFileName;
+      return outcome;
+    }
+    fetched_whole = true;
+    if (++attempts >= 2) {
+      LogPeriod(session,
+                "UpdateDatafile - " + tag + " - Could not update after downloading a fresh base file");
+      outcome.reason = "no overlap with the update rows, even in a fresh base file";
+      return outcome;
+    }
+  }
+}
+
+}  // namespace corvanet

@@ -1,0 +1,76 @@
+#include "core/download/update_file_index.h"
+
+#include <algorithm>
+
+#include "core/platform/line_reader.h"
+#include "core/platform/text.h"
+
+namespace corvanet {
+
+namespace {
+constexpr std::size_t kSymbolWidth = 15;
+constexpr std::size_t kRowStart = 16;  // after the symbol and one separator character
+
+bool Belongs(std::string_view line_symbol, std::string_view web_symbol) {
+  // A one-character symbol has no shortened form: blank symbols belong to nobody.
+  return line_symbol == web_symbol || (web_symbol.size() > 1 && line_symbol == web_symbol.substr(1));
+}
+}  // namespace
+
+bool HasRowDate(std::string_view row) {
+  const std::string_view date = RowDate(row);
+  return date.size() == 8 && std::all_of(date.begin(), date.end(),
+                                         [](char c) { return c >= '0' && c <= '9'; });
+}
+
+bool UpdateFileIndex::Load(const std::string& path) {
+  rows_by_symbol_.clear();
+  last_symbol_.clear();
+  garbled_lines_ = first_garbled_line_ = 0;
+  loaded_ = false;
+  LineReader lines;
+  if (!lines.Open(path)) return false;
+  std::string_view line;
+  int number = 0;
+  while (lines.Next(line)) {
+    ++number;
+    const std::string_view symbol = Trim(line.substr(0, kSymbolWidth));
+    last_symbol_.assign(symbol);
+    const std::string_view row =
+        line.size() > kRowStart ? Trim(line.substr(kRowStart)) : std::string_view();
+    if (!HasRowDate(row)) {
+      if (!Trim(line).empty() && garbled_lines_++ == 0) first_garbled_line_ = number;
+      continue;
+    }
+    rows_by_symbol_[std::string(symbol)].push_back({number, std::string(row)});
+  }
+  loaded_ = !lines.failed();
+  return loaded_;
+}
+
+std::vector<std::string_view> UpdateFileIndex::RowsFor(std::string_view web_symbol) const {
+  static const std::vector<Line> kNone;
+  const auto find = [this](std::string_view symbol) -> const std::vector<Line>& {
+    const auto it = rows_by_symbol_.find(std::string(symbol));
+    return it == rows_by_symbol_.end() ? kNone : it->second;
+  };
+  const std::vector<Line>& own = find(web_symbol);
+  const std::vector<Line>& shortened =
+      web_symbol.size() > 1 ? find(web_symbol.substr(1)) : kNone;
+  // Merge the two lists by line number, as a scan of the file would meet them.
+  std::vector<std::string_view> rows;
+  std::size_t a = 0;
+  std::size_t b = 0;
+  while (rows.size() < kUpdateSlots && (a < own.size() || b < shortened.size())) {
+    const bool take_own =
+        b >= shortened.size() || (a < own.size() && own[a].number < shortened[b].number);
+    rows.emplace_back(take_own ? own[a++].row : shortened[b++].row);
+  }
+  return rows;
+}
+
+bool UpdateFileIndex::EndsOnOtherSymbol(std::string_view web_symbol) const {
+  return RowsFor(web_symbol).size() < kUpdateSlots && !Belongs(last_symbol_, web_symbol);
+}
+
+}  // namespace corvanet

@@ -1,0 +1,235 @@
+// The merge of update rows into a datafile, against a real HTTP service on 127.0.0.1.
+#include "core/download/update_datafile.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <random>
+
+#include "core/platform/text.h"
+
+#include "core/download/download_fixture.h"
+#include "core/platform/files.h"
+
+namespace corvanet::test {
+namespace {
+
+using Kind = DatafileOutcome::Kind;
+
+class UpdateDatafileTest : public ::testing::Test, public DownloadFixture {
+ protected:
+  static constexpr const char* kRemote = "/ovalith/data/NYSEDaily-CompositeStats.csv";
+
+  void SetUp() override { SelectDatafile("$NYA"); }
+
+  // Update rows of NYSE for the given days, oldest first, between other symbols' lines.
+  void UpdateRowsFor(const std::vector<int>& days) {
+    std::vector<std::string> lines;
+    for (const int day : days) {
+      lines.push_back(UpdateLine("SOX", Row(day, "7")));
+      lines.push_back(UpdateLine("NYSE", Row(day)));
+    }
+    lines.push_back(UpdateLine("DJ30", Row(days.back(), "9")));
+    WriteUpdateFile(lines);
+  }
+
+  DatafileOutcome Merge(bool fetched_whole = false) {
+    UpdateFileIndex index;
+    EXPECT_TRUE(index.Load(base("Update-Daily.csv")));
+    return UpdateDatafile(session, index, fetched_whole);
+  }
+
+  std::vector<std::string> Destination() { return ReadLines(daily("$NYA.csv")); }
+  static std::vector<std::string> Expected(const std::vector<int>& days) {
+    std::vector<std::string> lines{Header()};
+    for (const int day : days) lines.push_back(Row(day));
+    return lines;
+  }
+};
+
+TEST_F(UpdateDatafileTest, AppendsTheUpdateRowsNewerThanTheLastCommonRow) {
+  WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({2, 3, 4, 5, 6}));
+  UpdateRowsFor({4, 5, 6, 7, 8});  // the base ends at slot 3
+  EXPECT_EQ(Merge().kind, Kind::kMerged);
+  EXPECT_EQ(Destination(), Expected({2, 3, 4, 5, 6, 7, 8}));
+  EXPECT_EQ(service.total_requests(), 0);
+}
+
+TEST_F(UpdateDatafileTest, UsesOnlyTheFiveOldestRowsOfASymbol) {
+  WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2, 3}));
+  UpdateRowsFor({2, 3, 4, 5, 6, 7, 8});
+  EXPECT_EQ(Merge().kind, Kind::kMerged);
+  EXPECT_EQ(Destination(), Expected({1, 2, 3, 4, 5, 6}));
+}
+
+TEST_F(UpdateDatafileTest, DropsBaseRowsAfterTheFirstCommonRowAndKeepsAnUpToDateBase) {
+  // The base already holds the newest update row: nothing is appended, and a base row that
+  // follows the first common row is dropped.
+  WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({6, 7, 8, 9, 10}));
+  UpdateRowsFor({6, 7, 8, 9, 10});
+  EXPECT_EQ(Merge().kind, Kind::kMerged);
+  EXPECT_EQ(Destination(), Expected({6, 7, 8, 9, 10}));
+
+  WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2, 3}));
+  UpdateRowsFor({2, 3});
+  EXPECT_EQ(Merge().kind, Kind::kMerged);
+  EXPECT_EQ(Destination(), Expected({1, 2, 3})) << "rows of the match's date are not repeated";
+}
+
+TEST_F(UpdateDatafileTest, ARevisedRowDoesNotCountAsCommon) {
+  WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2, 3}));
+  std::vector<std::string> lines{UpdateLine("NYSE", Row(3, "200")), UpdateLine("NYSE", Row(4))};
+  WriteUpdateFile(lines);
+  service.SetFile(kRemote, Datafile({1, 2, 3}) + Row(4) + "\r\n");
+  EXPECT_EQ(Merge().kind, Kind::kFetchedWhole);
+  EXPECT_EQ(Destination(), Expected({1, 2, 3, 4}));
+}
+
+TEST_F(UpdateDatafileTest, OneRowBehindFetchesAFreshBaseOnceAndMergesIt) {
+  WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2, 3}));
+  UpdateRowsFor({5, 6, 7, 8, 9});
+  service.SetFile(kRemote, Datafile({1, 2, 3, 4, 5, 6, 7}));
+  session.ui.GenerateLogFile = 1;
+  EXPECT_EQ(Merge().kind, Kind::kFetchedWhole);
+  EXPECT_EQ(Destination(), Expected({1, 2, 3, 4, 5, 6, 7, 8, 9}));
+  EXPECT_EQ(service.requests(kRemote), 1);
+  EXPECT_EQ(session.run.GetFileCount, 1);
+  EXPECT_NE(ReadFile(session.app.ProgramDirectory + "LogFile.txt")
+                .find("UpdateDatafile - $NYA.csv$NYA - Can't update - getting full file"),
+            std::string::npos);
+}
+
+TEST_F(UpdateDatafileTest, ASecondFreshBaseWithoutOverlapIsKeptAndReportedAsFailure) {
+  WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2}));
+  UpdateRowsFor({8, 9});
+  service.SetFile(kRemote, Datafile({1, 2, 3, 4}));
+  const DatafileOutcome outcome = Merge();
+  EXPECT_EQ(outcome.kind, Kind::kFailed);
+  EXPECT_EQ(service.requests(kRemote), 2);
+  EXPECT_EQ(Destination(), Expected({1, 2, 3, 4}));
+}
+
+TEST_F(UpdateDatafileTest, AFailedFallbackFetchLeavesDestinationAndBaseAsTheyStood) {
+  WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2}));
+  WriteFile(daily("$NYA.csv"), Datafile({1}));
+  UpdateRowsFor({8, 9});
+  service.SetStatus(kRemote, 500);
+  const DatafileOutcome outcome = Merge();
+  EXPECT_EQ(outcome.kind, Kind::kFailed);
+  EXPECT_NE(outcome.reason.find("HTTP 500"), std::string::npos) << outcome.reason;
+  EXPECT_EQ(Destination(), Expected({1}));
+  EXPECT_EQ(ReadFile(base("NYSEDaily-CompositeStats.csv")), Datafile({1, 2}));
+}
+
+TEST_F(UpdateDatafileTest, AGarbledBaseRowIsNeverMergedIntoTheDestination) {
+  WriteFile(base("NYSEDaily-CompositeStats.csv"),
+            Header() + "\r\n" + Row(1) + "\r\nD,2024,garbage\r\n" + Row(3) + "\r\n");
+  WriteFile(daily("$NYA.csv"), Datafile({1}));
+  UpdateRowsFor({3, 4});
+  service.SetFile(kRemote, "<html>not a datafile</html>\r\n");
+  EXPECT_EQ(Merge().kind, Kind::kFailed);
+  EXPECT_EQ(Destination(), Expected({1}));
+
+  service.SetFile(kRemote, Datafile({1, 2, 3}));
+  EXPECT_EQ(Merge().kind, Kind::kFetchedWhole);
+  EXPECT_EQ(Destination(), Expected({1, 2, 3, 4}));
+}
+
+TEST_F(UpdateDatafileTest, EmptyBaseIsFetchedAndAOneByteBaseCountsAsPresent) {
+  WriteFile(base("NYSEDaily-CompositeStats.csv"), "");
+  service.SetFile(kRemote, Datafile({1, 2, 3}));
+  UpdateRowsFor({3, 4});
+  std::string reason;
+  ASSERT_TRUE(CheckForDataFile(session, reason));
+  EXPECT_EQ(service.requests(kRemote), 1);
+  EXPECT_EQ(Merge(true).kind, Kind::kFetchedWhole);
+  EXPECT_EQ(Destination(), Expected({1, 2, 3, 4}));
+
+  WriteFile(base("NYSEDaily-CompositeStats.csv"), "x");
+  ASSERT_TRUE(CheckForDataFile(session, reason));
+  EXPECT_EQ(service.requests(kRemote), 1) << "a one-byte base copy is not fetched again";
+  EXPECT_EQ(Merge().kind, Kind::kFetchedWhole) << "no overlap with it: fetched whole";
+  EXPECT_EQ(service.requests(kRemote), 2);
+}
+
+TEST_F(UpdateDatafileTest, AMissingBaseCopyThatCannotBeFetchedFails) {
+  service.SetStatus(kRemote, 404);
+  std::string reason;
+  EXPECT_FALSE(CheckForDataFile(session, reason));
+  EXPECT_NE(reason.find("HTTP 404"), std::string::npos);
+  EXPECT_FALSE(Exists(base("NYSEDaily-CompositeStats.csv")));
+}
+
+TEST_F(UpdateDatafileTest, RowsOfTheSymbolWithoutItsFirstCharacterCountToo) {
+  WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2}));
+  WriteUpdateFile({UpdateLine("NYSE", Row(2)), UpdateLine("YSE", Row(3)),
+                   UpdateLine("SE", Row(4)), UpdateLine("NYSE", Row(5))});
+  EXPECT_EQ(Merge().kind, Kind::kMerged);
+  EXPECT_EQ(Destination(), Expected({1, 2, 3, 5}));
+}
+
+TEST_F(UpdateDatafileTest, NothingIsReadOrWrittenOnceFiveFetchesWereMade) {
+  WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2}));
+  WriteFile(daily("$NYA.csv"), "old");
+  UpdateRowsFor({2, 3});
+  session.run.GetFileCount = 5;
+  EXPECT_EQ(Merge().kind, Kind::kFailed);
+  EXPECT_EQ(ReadFile(daily("$NYA.csv")), "old");
+}
+
+TEST_F(UpdateDatafileTest, AMissingDestinationFolderFailsWithoutTouchingTheBase) {
+  WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2}));
+  UpdateRowsFor({2, 3});
+  session.ui.PathToDataFiles = dir.path() + "CSVFiles/";
+  RemoveFile(daily(""));
+  std::filesystem::remove_all(daily(""));
+  const DatafileOutcome outcome = Merge();
+  EXPECT_EQ(outcome.kind, Kind::kFailed);
+  EXPECT_NE(outcome.reason.find("cannot write"), std::string::npos);
+  EXPECT_EQ(ReadFile(base("NYSEDaily-CompositeStats.csv")), Datafile({1, 2}));
+}
+
+// The index must give exactly the rows a rescan of the file gives, for any interleaving.
+TEST(UpdateFileIndexTest, GivesTheRowsARescanGives) {
+  TempDir dir;
+  std::mt19937 random(7);
+  const std::vector<std::string> symbols{"NYSE", "YSE", "SE", "SOX", "OX", "DJ30", "J30", "X"};
+  for (int round = 0; round < 20; ++round) {
+    std::vector<std::string> lines;
+    for (int i = 0; i < 60; ++i) {
+      const std::string& symbol = symbols[random() % symbols.size()];
+      lines.push_back(DownloadFixture::UpdateLine(symbol, DownloadFixture::Row(i % 28 + 1)) +
+                      (i % 3 == 0 ? "  " : ""));
+    }
+    WriteLines(dir / "Update.csv", lines);
+    UpdateFileIndex index;
+    ASSERT_TRUE(index.Load(dir / "Update.csv"));
+    for (const std::string web : {"NYSE", "SOX", "DJ30", "X", "ZZZ"}) {
+      std::vector<std::string> rescan;
+      for (const std::string& line : lines) {
+        const std::string symbol(Trim(std::string_view(line).substr(0, 15)));
+        if (symbol == web || (web.size() > 1 && symbol == web.substr(1))) {
+          rescan.emplace_back(Trim(std::string_view(line).substr(16)));
+          if (rescan.size() == 5) break;
+        }
+      }
+      const auto rows = index.RowsFor(web);
+      ASSERT_EQ(std::vector<std::string>(rows.begin(), rows.end()), rescan) << web;
+    }
+  }
+}
+
+TEST(UpdateFileIndexTest, LeavesOutShortBlankAndGarbledLines) {
+  TempDir dir;
+  WriteLines(dir / "Update.csv",
+             {"", "NYSE", "NYSE            D,2024", "NYSE            garbage line here",
+              DownloadFixture::UpdateLine("NYSE", DownloadFixture::Row(3))});
+  UpdateFileIndex index;
+  ASSERT_TRUE(index.Load(dir / "Update.csv"));
+  EXPECT_EQ(index.RowsFor("NYSE").size(), 1u);
+  EXPECT_EQ(index.garbled_lines(), 3);
+  EXPECT_EQ(index.first_garbled_line(), 2);
+}
+
+}  // namespace
+}  // namespace corvanet::test
