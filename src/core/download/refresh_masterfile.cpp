@@ -37,21 +37,22 @@ bool IsValidMasterfile(const std::string& path, std::string& problem) {
 
 }  // namespace
 
-void RefreshMasterfile(Session& session) {
+bool RefreshMasterfile(Session& session) {
   LogEntry(session, "RefreshMasterfile");
-  if (session.ui.UserName == "Enter username here") return;
+  if (session.ui.UserName == "Enter username here") return false;
   const std::string name = session.app.MasterFileName;
-  if (!RetrieveDataFile(session, name, name).ok()) return;
+  if (!RetrieveDataFile(session, name, name).ok()) return false;
   const std::string fetched = BaseFolder(session) + name;
   std::string problem;
   if (!IsValidMasterfile(fetched, problem)) {
     Log(session, "RefreshMasterfile - the fetched " + name + " " + problem +
                      "; the old master file is kept");
-    return;
+    return false;
   }
   const std::string installed = MasterFilePath(session);
-  if (!CopyFile(session, fetched, installed)) return;
+  if (!CopyFile(session, fetched, installed)) return false;
   CheckLists(session, session.ui.PathToLists, installed);
+  return true;
 }
 
 }  // namespace corvanet
