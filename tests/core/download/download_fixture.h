@@ -7,34 +7,11 @@
 #include "core/app/session.h"
 #include "core/platform/clock.h"
 #include "core/platform/http.h"
+#include "support/recording_shell.h"
 #include "support/stub_service.h"
 #include "support/test_support.h"
 
 namespace corvanet::test {
-
-// Records message boxes and answers them from a fixed reply.
-class RecordingShell final : public Shell {
- public:
-  struct Box {
-    std::string text, title;
-    Buttons buttons;
-    Icon icon;
-  };
-  Answer MessageBox(std::string_view text, std::string_view title, Buttons buttons,
-                    Icon icon) override {
-    boxes.push_back({std::string(text), std::string(title), buttons, icon});
-    return buttons == Buttons::kOk ? Answer::kOk : reply;
-  }
-  bool OpenDocument(std::string_view target) override {
-    opened.emplace_back(target);
-    return true;
-  }
-  bool StartHidden(const std::string&, const std::string&) override { return true; }
-
-  std::vector<Box> boxes;
-  std::vector<std::string> opened;
-  Answer reply = Answer::kNo;
-};
 
 class DownloadFixture {
  public:
@@ -56,7 +33,7 @@ class DownloadFixture {
 
   TempDir dir;
   StubService service;
-  RecordingShell shell;
+  ScriptedShell shell;
   CurlHttpClient http;
   ManualClock clock;
   Session session{shell, http, clock};

@@ -57,7 +57,7 @@ TEST_F(SystemMessagesTest, AnInvitationAsksOnceAndOpensTheAddressOnlyOnYes) {
                                      "\r\rDo you want to go to the web site now?\r");
   EXPECT_TRUE(shell.opened.empty());
 
-  shell.reply = Answer::kYes;
+  shell.answers.push_back(Answer::kYes);
   Options(true, false);
   RetrieveSystemMessages(session, "1.50 Seconds");
   EXPECT_EQ(shell.boxes.back().text, "Visit us \r");

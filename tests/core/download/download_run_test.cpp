@@ -1,0 +1,203 @@
+// A whole download run against a real HTTP service on 127.0.0.1.
+#include "core/download/download_run.h"
+
+#include <gtest/gtest.h>
+
+#include "core/download/download_fixture.h"
+#include "core/lists/download_lists.h"
+
+namespace corvanet::test {
+namespace {
+
+// Keeps every caption the download button showed, as a window would have painted them.
+class CaptionRecorder final : public StateObserver {
+ public:
+  void StateChanged(const WindowState& state) override {
+    if (captions.empty() || captions.back() != state.DownLoadButton.caption) {
+      captions.push_back(state.DownLoadButton.caption);
+    }
+  }
+  std::vector<std::string> captions;
+};
+
+class DownloadRunTest : public ::testing::Test, public DownloadFixture {
+ protected:
+  void SetUp() override {
+    session.observer = &recorder;
+    session.ui.DownloadCompleteMessageYes = false;
+    session.ui.DownloadCompleteMessageNo = true;
+    WriteLines(dir / "Masterfile2.csv",
+               {"NYSE Composite (2000 issues),$NYA", "Dow Jones Industrial Ave. (30 issues),$INDU",
+                "Semiconductors (30 issues),$SOX"});
+    service.SetFile("/ovalith/data/Masterfile2.csv", ReadFile(dir / "Masterfile2.csv"));
+    for (const char* web : {"NYSE", "DJ30", "SOX"}) {
+      for (const char* period : {"Daily", "Weekly", "Monthly", "Quarterly"}) {
+        service.SetFile(std::string(kServicePath) + web + period + "-CompositeStats.csv",
+                        Datafile({1, 2, 3, 4}));
+      }
+    }
+    for (const char* period : {"Daily", "Weekly", "Monthly", "Quarterly"}) {
+      std::vector<std::string> lines;
+      for (const char* web : {"NYSE", "DJ30", "SOX"}) {
+        for (const int day : {3, 4, 5}) lines.push_back(UpdateLine(web, Row(day)));
+      }
+      std::string content;
+      for (const std::string& line : lines) content += line + "\r\n";
+      service.SetFile(std::string(kServicePath) + "Update-" + period + ".csv", content);
+    }
+  }
+
+  // A user list file with the given vendor, periods and issues, selected as its button does.
+  void UseList(int n, const std::string& vendor, const std::string& periods,
+               const std::vector<std::string>& issues) {
+    std::vector<std::string> lines{vendor + "," + vendor};
+    const char* names[] = {"DailyInterval", "WeeklyInterval", "MonthlyInterval",
+                           "QuarterlyInterval"};
+    for (int i = 0; i < 4; ++i) {
+      lines.push_back(std::string(names[i]) + "," + (periods.find("DWMQ"[i]) != std::string::npos ? "1" : "0"));
+    }
+    lines.insert(lines.end(), issues.begin(), issues.end());
+    WriteLines(session.ui.PathToLists + "Download" + std::to_string(n) + ".csv", lines);
+    DownloadList_Click(session, n);
+  }
+
+  CaptionRecorder recorder;
+};
+
+TEST_F(DownloadRunTest, FirstRunFetchesEveryBaseCopyAndMergesTheUpdateRows) {
+  UseList(3, "eSignal", "D", {"NYSE Composite,$NYA", "Dow Jones Industrial Ave.,$INDU"});
+  const RunSummary summary = DownLoadButton_Click(session);
+  EXPECT_TRUE(summary.started);
+  EXPECT_EQ(summary.fetched_whole, 2);
+  EXPECT_TRUE(summary.failures.empty()) << summary.Lines().back();
+  EXPECT_EQ(ReadLines(daily("$NYA.csv")).back(), Row(5));
+  EXPECT_EQ(ReadLines(daily("$INDU.csv")).back(), Row(5));
+  EXPECT_EQ(service.requests("/ovalith/data/Update-Daily.csv"), 1);
+
+  const RunSummary again = DownLoadButton_Click(session);
+  EXPECT_EQ(again.merged, 2) << "the second run needs no whole file";
+  EXPECT_EQ(again.fetched_whole, 0);
+}
+
+TEST_F(DownloadRunTest, CaptionsCountOneAheadAndEndWithTheElapsedTime) {
+  UseList(3, "eSignal", "D", {"NYSE Composite,$NYA", "Dow Jones Industrial Ave.,$INDU"});
+  clock.now = {2026, 11, 23, 14, 5, 9};
+  DownLoadButton_Click(session);
+  const auto& c = recorder.captions;
+  EXPECT_NE(std::find(c.begin(), c.end(),
+                      "Updating Download List 3 ... (Started at 2:05:09 PM)"),
+            c.end());
+  EXPECT_NE(std::find(c.begin(), c.end(),
+                      "Daily Data - Now Updating Datafile 2 of 2 Total Datafiles On List "
+                      "Download List 3"),
+            c.end());
+  EXPECT_EQ(session.ui.DownLoadButton.caption,
+            "Update Download List 3 Complete! ... (Elapsed time:  0.00 Seconds)");
+  EXPECT_EQ(session.ui.DownloadProgressFrame.caption, "Update Complete For List Download List 3");
+}
+
+TEST_F(DownloadRunTest, OnlyTheTickedPeriodsAreFetched) {
+  UseList(2, "eSignal", "W", {"NYSE Composite,$NYA"});
+  const RunSummary summary = DownLoadButton_Click(session);
+  EXPECT_EQ(summary.fetched_whole, 1);
+  EXPECT_EQ(service.requests("/ovalith/data/Update-Weekly.csv"), 1);
+  EXPECT_EQ(service.requests("/ovalith/data/Update-Daily.csv"), 0);
+  EXPECT_EQ(service.requests("/ovalith/data/Update-Quarterly.csv"), 0);
+  EXPECT_TRUE(Exists(session.ui.PathToDataFiles + "Weekly/$NYA.csv"));
+}
+
+TEST_F(DownloadRunTest, QuarterlyRunsSkipTheBroadIndexes) {
+  UseList(2, "eSignal", "Q", {"NYSE Composite,$NYA", "Semiconductors,$SOX"});
+  const RunSummary summary = DownLoadButton_Click(session);
+  EXPECT_EQ(summary.fetched_whole, 1);
+  EXPECT_FALSE(Exists(session.ui.PathToDataFiles + "Quarterly/$NYA.csv"));
+  EXPECT_TRUE(Exists(session.ui.PathToDataFiles + "Quarterly/$SOX.csv"));
+  EXPECT_EQ(service.requests("/ovalith/data/NYSEQuarterly-CompositeStats.csv"), 0);
+}
+
+TEST_F(DownloadRunTest, VendorsNameTheDestinations) {
+  const std::vector<std::string> issues{"Dow Jones Industrial Ave.,$INDU", "Semis,$SOX"};
+  UseList(1, "Reuters", "D", issues);
+  DownLoadButton_Click(session);
+  EXPECT_TRUE(Exists(daily("_DJI.csv")));
+  EXPECT_TRUE(Exists(daily("_SOXX.csv")));
+  UseList(1, "Yahoo", "D", issues);
+  DownLoadButton_Click(session);
+  EXPECT_TRUE(Exists(daily("^DJI.csv")));
+  EXPECT_TRUE(Exists(daily("^SOX.csv")));
+  UseList(1, "ORG", "D", issues);
+  DownLoadButton_Click(session);
+  EXPECT_TRUE(Exists(session.ui.PathToDataFiles + "DJ30Daily-CompositeStats.csv"));
+}
+
+TEST_F(DownloadRunTest, ForcedFullListFetchesEverythingOnceAndClearsTheForce) {
+  session.ui.AllDailyForceFull = 1;
+  WriteLines(session.ui.PathToLists + "Download6.csv",
+             {"eSignal,eSignal", "DailyInterval,1", "WeeklyInterval,0", "MonthlyInterval,0",
+              "QuarterlyInterval,0"});
+  DownloadList_Click(session, 6);
+  DownLoadButton_Click(session);  // base copies now exist
+  const int before = service.requests("/ovalith/data/SOXDaily-CompositeStats.csv");
+  const RunSummary summary = DownLoadButton_Click(session);
+  EXPECT_EQ(summary.fetched_whole, 3) << "every issue of the master file";
+  EXPECT_EQ(service.requests("/ovalith/data/SOXDaily-CompositeStats.csv"), before + 1);
+  EXPECT_EQ(session.ui.ForceFullDownload, 0);
+  EXPECT_EQ(recorder.captions.front().rfind("Forcing a full download of 'All Daily' Periods", 0), 0u);
+}
+
+TEST_F(DownloadRunTest, OneFailingDatafileLeavesTheOthersUpdated) {
+  UseList(3, "eSignal", "D",
+          {"NYSE Composite,$NYA", "Bad,$../../etc", "Dow Jones Industrial Ave.,$INDU"});
+  WriteFile(daily("$NYA.csv"), "old content");
+  service.SetStatus("/ovalith/data/NYSEDaily-CompositeStats.csv", 500);
+  const RunSummary summary = DownLoadButton_Click(session);
+  ASSERT_EQ(summary.failures.size(), 2u);
+  EXPECT_EQ(summary.failures[0].symbol, "$NYA");
+  EXPECT_NE(summary.failures[0].reason.find("HTTP 500"), std::string::npos);
+  EXPECT_EQ(summary.failures[1].symbol, "$../../etc");
+  EXPECT_EQ(ReadFile(daily("$NYA.csv")), "old content");
+  EXPECT_EQ(ReadLines(daily("$INDU.csv")).back(), Row(5));
+  EXPECT_TRUE(summary.has_failures());
+}
+
+TEST_F(DownloadRunTest, ChecksBeforeARunStopItBeforeAnyFetch) {
+  UseList(3, "eSignal", "D", {"NYSE Composite,$NYA"});
+  const int requests = service.total_requests();
+  session.ui.Password.clear();
+  EXPECT_FALSE(DownLoadButton_Click(session).started);
+  EXPECT_TRUE(shell.boxes.empty()) << "an empty password stops the run without a message";
+
+  session.ui.Password = "Enter password here";
+  DownLoadButton_Click(session);
+  ASSERT_EQ(shell.boxes.size(), 1u);
+  EXPECT_EQ(shell.boxes[0].text,
+            "Please enter your Tessaly username and password\runder the 'General Settings' tab.");
+
+  session.ui.Password = "secret";
+  session.ui.VendoreSignal = false;
+  DownLoadButton_Click(session);
+  EXPECT_EQ(shell.boxes.back().text, "Please select a Data Vendor!");
+
+  session.ui.VendoreSignal = true;
+  session.ui.DailyInterval = 0;
+  DownLoadButton_Click(session);
+  EXPECT_EQ(shell.boxes.back().text,
+            "Please select at least one data period and start download again.");
+
+  session.app.CurrentListNumber = "0";
+  DownLoadButton_Click(session);
+  EXPECT_EQ(shell.boxes.back().text, "Please load a download list!");
+  EXPECT_EQ(service.total_requests(), requests);
+}
+
+TEST_F(DownloadRunTest, AFailedUpdateFileFetchIsReported) {
+  UseList(3, "eSignal", "D", {"NYSE Composite,$NYA"});
+  service.SetStatus("/ovalith/data/Update-Daily.csv", 404);
+  const RunSummary summary = DownLoadButton_Click(session);
+  EXPECT_TRUE(summary.has_failures());
+  ASSERT_FALSE(summary.failures.empty()) << "no update file has ever been fetched";
+  EXPECT_NE(summary.period_problems.at(0).find("Update-Daily.csv: HTTP 404"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace corvanet::test
