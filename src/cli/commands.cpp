@@ -4,8 +4,15 @@ namespace corvanet::cli {
 
 namespace {
 const CommandDef kCommands[] = {
+    {"clear-datafiles", "", &ClearDatafilesCommand},
+    {"list",
+     "N [add TEXT | move-all | clear | remove TEXT | vendor eSignal|Reuters|Yahoo|Other | "
+     "periods D,W,M,Q]...",
+     &ListCommand},
+    {"refresh-masterfile", "", &RefreshMasterfileCommand},
     {"run", "N", &RunCommand},
     {"settings", "[KEY=VALUE ...]", &SettingsCommand},
+    {"stats", "N", &StatsCommand},
 };
 }  // namespace
 

@@ -35,6 +35,11 @@ int UsageError(CommandContext& context, std::string_view command, std::string_vi
 // The commands.
 int SettingsCommand(CommandContext& context, CommandArgs args);
 int RunCommand(CommandContext& context, CommandArgs args);
+// The single-statistic files of list N now; exit status 3 when a datafile failed.
+int StatsCommand(CommandContext& context, CommandArgs args);
+int RefreshMasterfileCommand(CommandContext& context, CommandArgs args);
+int ListCommand(CommandContext& context, CommandArgs args);
+int ClearDatafilesCommand(CommandContext& context, CommandArgs args);
 // The unattended run of RunListNum; exit status 3 when a datafile failed.
 int RunAutomated(CommandContext& context);
 // No command: the installation's summary.

@@ -71,7 +71,21 @@ void ClearPriceFileFolders(Session& session, int list) {
   }
 }
 
+// Temporary files of a run that was killed are never datafiles: sweep them before writing anew.
+void SweepTemporaryFiles(Session& session) {
+  const std::string destination_folder =
+      session.ui.VendorOther ? session.ui.PathToDataFiles
+                             : session.ui.PathToDataFiles + Folder(session.run.DataPeriod);
+  const int removed = RemoveStaleTemporaryFiles(BaseFolder(session)) +
+                      RemoveStaleTemporaryFiles(destination_folder);
+  if (removed > 0) {
+    Log(session, "DownLoadButton_Click - removed " + std::to_string(removed) +
+                     " temporary file(s) left by an interrupted run");
+  }
+}
+
 void RunPeriod(Session& session, int run_total, RunSummary& summary) {
+  SweepTemporaryFiles(session);
   ProgressBar& bar = session.ui.ProgressBar1;
   bar.minimum = 0;
   bar.maximum = run_total;

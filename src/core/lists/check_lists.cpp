@@ -1,12 +1,145 @@
 #include "core/lists/check_lists.h"
 
+#include <string_view>
+#include <unordered_set>
+
 #include "core/app/log.h"
+#include "core/download/retrieve.h"
+#include "core/download/symbols.h"
+#include "core/platform/field_reader.h"
+#include "core/platform/files.h"
 
 namespace corvanet {
 
-void CheckLists(Session& session, const std::string& /*lists_folder*/,
-                const std::string& /*masterfile_path*/) {
+namespace {
+
+using SymbolSet = std::unordered_set<std::string>;
+
+constexpr int kHeaderRecords = 5;
+
+// The symbols of the master file. Read once: the file does not change during the check, so this
+// gives the answer of reading it again for every issue. Empty when it cannot be read.
+bool ReadMasterSymbols(Session& session, const std::string& path, SymbolSet& symbols) {
+  FieldReader reader;
+  if (!reader.Open(path)) {
+    Log(session, "CheckLists - cannot read the master file " + path);
+    return false;
+  }
+  std::string name;
+  std::string symbol;
+  while (!reader.AtEnd()) {
+    if (!reader.ReadRecord(name, symbol)) {
+      Log(session, "CheckLists - the last record of " + path + " has no symbol: " + name);
+      break;
+    }
+    symbols.insert(symbol);
+  }
+  if (reader.failed()) {
+    Log(session, "CheckLists - read error in " + path);
+    return false;
+  }
+  return true;
+}
+
+// A field as the reader will take it back: quoted when it holds a comma.
+void AppendField(std::string& line, const std::string& field) {
+  if (field.find(',') == std::string::npos) {
+    line += field;
+  } else {
+    line.append("\"").append(field).append("\"");
+  }
+}
+
+void WriteRecord(AtomicFileWriter& writer, std::string& line, const std::string& first,
+                 const std::string& second) {
+  line.clear();
+  AppendField(line, first);
+  line += ',';
+  AppendField(line, second);
+  writer.WriteLine(line);
+}
+
+std::string ReportedForm(const Session& session, std::string symbol) {
+  // The vendor chosen in the window now, not the vendor line of the list being checked.
+  if (session.ui.VendorReuters) symbol = ReutersForm(symbol);
+  if (session.ui.VendorYahoo) symbol = YahooForm(symbol);
+  return symbol;
+}
+
+// Rewrites one list through Temp.csv without the symbols the master file lacks, then copies it onto
+// the list file. Adds a report line per removed symbol only once the list file was replaced; a list
+// that cannot be read or rewritten is left as it stood.
+bool CheckOneList(Session& session, const std::string& lists_folder, int n, const SymbolSet& master,
+                  std::string& report) {
+  const std::string list_path = lists_folder + "Download" + std::to_string(n) + ".csv";
+  const std::string temp_path = lists_folder + "Temp.csv";
+  FieldReader reader;
+  if (!reader.Open(list_path)) {
+    Log(session, "CheckLists - " + list_path + " cannot be read; skipped");
+    return false;
+  }
+  AtomicFileWriter temp(temp_path);
+  std::string first;
+  std::string second;
+  std::string line;
+  for (int i = 0; i < kHeaderRecords; ++i) {
+    if (!reader.ReadRecord(first, second)) {
+      Log(session, "CheckLists - " + list_path + " ends within its header; skipped");
+      return false;
+    }
+    WriteRecord(temp, line, first, second);
+  }
+  std::string removed;
+  const std::string prefix = "Download List " + std::to_string(n) + " - Symbol:  ";
+  while (!reader.AtEnd()) {
+    if (!reader.ReadRecord(first, second)) {
+      Log(session, "CheckLists - the last record of " + list_path + " has no symbol; skipped");
+      return false;
+    }
+    if (master.count(second) != 0) {
+      WriteRecord(temp, line, first, second);
+    } else {
+      removed.append(prefix).append(ReportedForm(session, second)).append("\r");
+    }
+  }
+  if (reader.failed()) {
+    Log(session, "CheckLists - read error in " + list_path + "; skipped");
+    return false;
+  }
+  reader.Close();
+  if (!temp.Commit()) {
+    Log(session, "CheckLists - could not write " + temp_path + ": " + temp.error());
+    return false;
+  }
+  // Temp.csv stays behind on purpose: the next list overwrites it.
+  if (!CopyFile(session, temp_path, list_path)) return false;
+  report += removed;
+  return !removed.empty();
+}
+
+}  // namespace
+
+void CheckLists(Session& session, const std::string& lists_folder,
+                const std::string& masterfile_path) {
   LogEntry(session, "CheckLists");
+  SymbolSet master;
+  if (!ReadMasterSymbols(session, masterfile_path, master)) return;
+  if (master.empty()) {
+    // Checking against an empty master file would empty every list.
+    Log(session, "CheckLists - " + masterfile_path + " holds no symbol; the lists are left alone");
+    return;
+  }
+  std::string report =
+      "Due to an update in Tessaly's Compilation List\r"
+      "the following symbols have been removed from your\r"
+      "download lists:\r";
+  bool removed = false;
+  for (int n = 1; n <= 5; ++n) {
+    if (CheckOneList(session, lists_folder, n, master, report)) removed = true;
+  }
+  if (removed) {
+    session.shell.MessageBox(report, "Corvanet Download Lists", Buttons::kOk, Icon::kExclamation);
+  }
 }
 
 }  // namespace corvanet

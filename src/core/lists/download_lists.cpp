@@ -1,13 +1,145 @@
 #include "core/lists/download_lists.h"
 
+#include <array>
+#include <limits>
+#include <string_view>
+#include <vector>
+
 #include "core/app/log.h"
+#include "core/app/settings.h"
 #include "core/lists/masterfile.h"
+#include "core/platform/files.h"
+#include "core/platform/line_reader.h"
 #include "core/platform/text.h"
+#include "core/ui/captions.h"
 
 namespace corvanet {
 
+namespace {
+
+constexpr std::string_view kLoadAList = "Please load a download list!";
+constexpr std::size_t kHeaderRecords = 5;
+constexpr std::size_t kHeaderFields = 2 * kHeaderRecords;
+
+struct PeriodBox {
+  std::string_view key;
+  int WindowState::*box;
+};
+constexpr std::array<PeriodBox, 4> kPeriodBoxes{{
+    {"DailyInterval", &WindowState::DailyInterval},
+    {"WeeklyInterval", &WindowState::WeeklyInterval},
+    {"MonthlyInterval", &WindowState::MonthlyInterval},
+    {"QuarterlyInterval", &WindowState::QuarterlyInterval},
+}};
+
+bool IsFullList(int list_number) {
+  return list_number == 6 || list_number == 7;
+}
+
+// The vendor options in the order a save tests them; "ORG" is the file's word for "Other".
+struct VendorOption {
+  std::string_view word;
+  bool WindowState::*option;
+};
+constexpr std::array<VendorOption, 4> kVendors{{
+    {"eSignal", &WindowState::VendoreSignal},
+    {"Reuters", &WindowState::VendorReuters},
+    {"Yahoo", &WindowState::VendorYahoo},
+    {"ORG", &WindowState::VendorOther},
+}};
+
+void SelectVendor(Session& session, std::string_view word) {
+  bool known = false;
+  for (const VendorOption& vendor : kVendors) {
+    // Exact: a word in another letter case is not one the program wrote, so it is treated as
+    // unknown and the next save asks for a vendor.
+    const bool match = word == vendor.word;
+    session.ui.*vendor.option = match;
+    known = known || match;
+  }
+  if (!known) {
+    Log(session, "LoadDownloadFile_Click - unknown data vendor \"" + std::string(word) +
+                     "\"; no vendor selected");
+  }
+}
+
+// Reads the vendor line and the four period lines into the options and boxes. False when the file
+// ends first; the boxes read so far keep their new values.
+bool RestoreHeader(Session& session, FieldReader& reader, const std::string& path) {
+  std::string first;
+  std::string second;
+  if (!reader.ReadRecord(first, second)) {
+    Log(session, "LoadDownloadFile_Click - " + path + " holds no vendor line");
+    return false;
+  }
+  const std::string vendor = TrimCopy(second);
+  Log(session, vendor);
+  SelectVendor(session, vendor);
+  for (const PeriodBox& period : kPeriodBoxes) {
+    if (!reader.ReadRecord(first, second)) {
+      Log(session, "LoadDownloadFile_Click - " + path + " ends before its " +
+                       std::string(period.key) + " line");
+      return false;
+    }
+    if (first != period.key) {
+      Log(session, "LoadDownloadFile_Click - " + path + " has \"" + first + "\" where the " +
+                       std::string(period.key) + " line belongs");
+    }
+    const double value = LeadingNumber(second);
+    session.ui.*period.box = value != 0 ? 1 : 0;
+    if (session.logging()) {
+      Log(session, std::string(period.key) + ".Value =" + std::to_string(session.ui.*period.box));
+    }
+  }
+  return true;
+}
+
+// Lists 1-5: records of two fields, shown as name + "," + symbol.
+void RestoreUserItems(Session& session, FieldReader& reader, const std::string& path) {
+  std::string name;
+  std::string symbol;
+  while (!reader.AtEnd()) {
+    if (!reader.ReadRecord(name, symbol)) {
+      Log(session,
+          "LoadDownloadFile_Click - the last record of " + path + " has no symbol: " + name);
+      break;
+    }
+    session.ui.List6.Add(name + "," + symbol);
+  }
+}
+
+// Lists 6 and 7 show their issue lines whole. The header records are passed over the way the field
+// reader takes them (ten fields, blank lines holding none), so both agree where the issues begin.
+void RestoreWholeLines(Session& session, const std::string& path) {
+  LineReader lines;
+  if (!lines.Open(path)) return;
+  std::vector<std::string> fields;
+  std::size_t header_fields = 0;
+  std::string_view line;
+  while (header_fields < kHeaderFields && lines.Next(line)) {
+    if (Trim(line).empty()) continue;
+    fields.clear();
+    SplitFields(line, fields);
+    header_fields += fields.size();
+  }
+  if (header_fields > kHeaderFields) {
+    Log(session, "LoadDownloadFile_Click - fields after the header of " + path + " dropped");
+  }
+  while (lines.Next(line)) {
+    const std::string_view item = Trim(line);
+    if (!item.empty()) session.ui.List6.Add(std::string(item));
+  }
+}
+
+}  // namespace
+
 int CurrentListNumber(const Session& session) {
-  return static_cast<int>(LeadingNumber(session.app.CurrentListNumber));
+  const double value = LeadingNumber(session.app.CurrentListNumber);
+  // Only the handlers set the text; anything outside int's range is no list at all.
+  if (!(value > std::numeric_limits<int>::min() && value < std::numeric_limits<int>::max())) {
+    return 0;
+  }
+  return static_cast<int>(value);
 }
 
 std::string DownLoadType(const Session& session) {
@@ -23,16 +155,119 @@ std::string DownloadListPath(const Session& session, int list_number) {
 
 void DownloadList_Click(Session& session, int list_number) {
   LogEntry(session, "DownloadList" + std::to_string(list_number) + "_Click");
+  if (list_number < 1 || list_number > 7) {
+    Log(session, "DownloadList_Click - there is no list " + std::to_string(list_number));
+    return;
+  }
+  if (IsFullList(list_number)) session.ui.List6.Clear();
   session.app.CurrentListNumber = std::to_string(list_number);
+  LoadDownloadFile_Click(session);
+  ChangeCaptionsOnButtons(session);
 }
 
-void LoadDownloadFile_Click(Session& session) { LogEntry(session, "LoadDownloadFile_Click"); }
+void LoadDownloadFile_Click(Session& session) {
+  LogEntry(session, "LoadDownloadFile_Click");
+  session.ui.List6.Clear();
+  const int n = CurrentListNumber(session);
+  if (n == 0) {
+    session.shell.Notify(kLoadAList);
+    return;
+  }
+  const std::string path = DownloadListPath(session, n);
+  FieldReader reader;
+  if (!reader.Open(path)) {
+    // A list is only written by its first save; until then there is nothing to show.
+    Log(session, "LoadDownloadFile_Click - cannot read " + path + "; the list is empty");
+  } else if (RestoreHeader(session, reader, path)) {
+    if (IsFullList(n)) {
+      reader.Close();
+      RestoreWholeLines(session, path);
+    } else {
+      RestoreUserItems(session, reader, path);
+    }
+  }
+  if (reader.failed()) Log(session, "LoadDownloadFile_Click - read error in " + path);
+  ChangeCaptionsOnButtons(session);
+}
 
-void SaveDownloadList_Click(Session& session) { LogEntry(session, "SaveDownloadList_Click"); }
+void SaveDownloadList_Click(Session& session) {
+  LogEntry(session, "SaveDownloadList_Click");
+  WindowState& ui = session.ui;
+  const int n = CurrentListNumber(session);
+  if (n == 0) {
+    session.shell.Notify(kLoadAList);
+    return;
+  }
+  if (ui.DailyInterval == 0 && ui.WeeklyInterval == 0 && ui.MonthlyInterval == 0 &&
+      ui.QuarterlyInterval == 0) {
+    session.shell.Notify("Please select a Data Period!");
+    return;
+  }
+  const VendorOption* vendor = nullptr;
+  for (const VendorOption& candidate : kVendors) {
+    if (ui.*candidate.option) {
+      vendor = &candidate;
+      break;
+    }
+  }
+  if (vendor == nullptr) {
+    session.shell.Notify("Please select a Data Vendor!");
+    return;
+  }
+  SaveToINI_Click(session);
+  ChangeCaptionsOnButtons(session);
+
+  const std::string path = DownloadListPath(session, n);
+  AtomicFileWriter writer(path);
+  std::string line;
+  line.append(vendor->word).append(",").append(vendor->word);
+  writer.WriteLine(line);
+  for (std::size_t i = 0; i < kPeriodBoxes.size(); ++i) {
+    // A full list fixes its own periods, whatever the boxes show: daily only, or all four.
+    int value = ui.*kPeriodBoxes[i].box;
+    if (n == 6) value = i == 0 ? 1 : 0;
+    if (n == 7) value = 1;
+    line.assign(kPeriodBoxes[i].key).append(",").append(std::to_string(value));
+    writer.WriteLine(line);
+  }
+  for (const std::string& item : ui.List6.items) {
+    writer.WriteLine(IsFullList(n) ? Trim(item) : std::string_view(item));
+  }
+  if (!writer.Commit()) {
+    Log(session, "SaveDownloadList_Click - could not write " + path + ": " + writer.error());
+    session.shell.Notify("Corvanet could not save " + path + ".\rThe list file is kept as it was.");
+  }
+  ChangeCaptionsOnButtons(session);
+}
 
 bool OpenDownloadList(Session& session, FieldReader& reader) {
   LogEntry(session, "OpenDownloadList");
-  return reader.Open(MasterFilePath(session));
+  const int n = CurrentListNumber(session);
+  if (IsFullList(n)) {
+    // The full lists always walk the whole master file; their own file only fixes the periods.
+    const std::string path = MasterFilePath(session);
+    if (reader.Open(path)) return true;
+    Log(session, "OpenDownloadList - cannot read " + path);
+    return false;
+  }
+  if (n < 1 || n > 5) {
+    Log(session, "OpenDownloadList - no list is loaded");
+    return false;
+  }
+  const std::string path = DownloadListPath(session, n);
+  if (!reader.Open(path)) {
+    Log(session, "OpenDownloadList - cannot read " + path);
+    return false;
+  }
+  std::string first;
+  std::string second;
+  for (std::size_t i = 0; i < kHeaderRecords; ++i) {
+    if (!reader.ReadRecord(first, second)) {
+      Log(session, "OpenDownloadList - " + path + " ends within its five header lines");
+      break;
+    }
+  }
+  return true;
 }
 
 }  // namespace corvanet

@@ -21,14 +21,20 @@ namespace {
 
 constexpr std::size_t kWriteBuffer = 64 * 1024;
 
+constexpr std::string_view kTempMarker = ".tmp-";
+
+long ProcessId() {
+#ifndef _WIN32
+  return static_cast<long>(::getpid());
+#else
+  return static_cast<long>(::_getpid());
+#endif
+}
+
 std::string TempNameFor(const std::string& target) {
   static std::atomic<unsigned> counter{0};
-#ifndef _WIN32
-  const long pid = static_cast<long>(::getpid());
-#else
-  const long pid = static_cast<long>(::_getpid());
-#endif
-  return target + ".tmp-" + std::to_string(pid) + "-" + std::to_string(counter++);
+  return target + std::string(kTempMarker) + std::to_string(ProcessId()) + "-" +
+         std::to_string(counter++);
 }
 
 void RestrictToOwner(const std::string& path) {
@@ -184,6 +190,20 @@ bool DeleteFilesIn(const std::string& folder) {
     }
   }
   return ok;
+}
+
+int RemoveStaleTemporaryFiles(const std::string& folder) {
+  const std::string own = std::string(kTempMarker) + std::to_string(ProcessId()) + "-";
+  std::error_code ec;
+  int removed = 0;
+  for (const auto& entry : fs::directory_iterator(folder, ec)) {
+    const std::string name = entry.path().filename().string();
+    const std::size_t marker = name.rfind(kTempMarker);
+    if (marker == std::string::npos || name.compare(marker, own.size(), own) == 0) continue;
+    std::error_code remove_ec;
+    if (entry.is_regular_file(remove_ec) && fs::remove(entry.path(), remove_ec)) ++removed;
+  }
+  return removed;
 }
 
 bool RemoveFile(const std::string& path) {

@@ -70,6 +70,9 @@ bool CreateFolders(const std::string& path);
 // Deletes every file directly in `folder` (not in its subfolders). False when the folder is missing.
 bool DeleteFilesIn(const std::string& folder);
 bool RemoveFile(const std::string& path);
+// Removes the temporary files a killed process left in `folder` (those of other processes, by the
+// name AtomicFileWriter gives them). Returns how many were removed.
+int RemoveStaleTemporaryFiles(const std::string& folder);
 // Copies `from` onto `to` through a temporary file, replacing `to` only when the copy is complete.
 bool CopyFileReplacing(const std::string& from, const std::string& to);
 // The whole content of a (small) file; nullopt when it cannot be read.

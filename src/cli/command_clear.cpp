@@ -1,0 +1,13 @@
+// clear-datafiles: empty the data folder and its four period folders.
+#include "cli/commands.h"
+#include "core/lists/clear_datafiles.h"
+
+namespace corvanet::cli {
+
+int ClearDatafilesCommand(CommandContext& context, CommandArgs args) {
+  if (!args.empty()) return UsageError(context, "clear-datafiles", "takes no arguments");
+  ClearDataFiles_Click(context.session);
+  return kExitOk;
+}
+
+}  // namespace corvanet::cli

@@ -1,0 +1,176 @@
+// list N [EDIT ...]: select list N as its button does, apply the edits in order, then save; with no
+// edit, print the list's items.
+#include <array>
+#include <vector>
+
+#include "cli/commands.h"
+#include "core/lists/download_lists.h"
+#include "core/lists/list_editing.h"
+#include "core/platform/text.h"
+
+namespace corvanet::cli {
+
+namespace {
+
+enum class EditKind { kAdd, kMoveAll, kClear, kRemove, kVendor, kPeriods };
+
+struct Edit {
+  EditKind kind;
+  std::string text;  // search text, item, vendor word or period letters
+};
+
+constexpr std::string_view kUsage = "list";
+
+struct VendorChoice {
+  std::string_view word;
+  bool WindowState::*option;
+};
+constexpr std::array<VendorChoice, 4> kVendorChoices{{
+    {"eSignal", &WindowState::VendoreSignal},
+    {"Reuters", &WindowState::VendorReuters},
+    {"Yahoo", &WindowState::VendorYahoo},
+    {"Other", &WindowState::VendorOther},
+}};
+
+const VendorChoice* FindVendor(std::string_view word) {
+  for (const VendorChoice& vendor : kVendorChoices) {
+    if (EqualsIgnoreCase(word, vendor.word)) return &vendor;
+  }
+  return nullptr;
+}
+
+// "D,W,M,Q" (or the periods' names) as the four box values; false on an unknown part.
+bool ParsePeriods(std::string_view text, std::array<int, 4>& boxes) {
+  constexpr std::array<std::string_view, 4> kNames{"Daily", "Weekly", "Monthly", "Quarterly"};
+  boxes = {0, 0, 0, 0};
+  std::size_t start = 0;
+  for (;;) {
+    const std::size_t comma = text.find(',', start);
+    const std::string_view part = Trim(text.substr(start, comma - start));
+    bool known = false;
+    for (std::size_t i = 0; i < kNames.size(); ++i) {
+      if (EqualsIgnoreCase(part, kNames[i]) || EqualsIgnoreCase(part, kNames[i].substr(0, 1))) {
+        boxes[i] = 1;
+        known = true;
+      }
+    }
+    if (!known) return false;
+    if (comma == std::string_view::npos) return true;
+    start = comma + 1;
+  }
+}
+
+// Parses every edit before anything changes, so a typo changes nothing.
+bool ParseEdits(CommandContext& context, CommandArgs args, std::vector<Edit>& edits, int& status) {
+  for (std::size_t i = 0; i < args.size(); ++i) {
+    const std::string& word = args[i];
+    const bool has_argument = i + 1 < args.size();
+    if (word == "move-all") {
+      edits.push_back({EditKind::kMoveAll, {}});
+    } else if (word == "clear") {
+      edits.push_back({EditKind::kClear, {}});
+    } else if (word == "add" || word == "remove" || word == "vendor" || word == "periods") {
+      if (!has_argument) {
+        status = UsageError(context, kUsage, word + " needs an argument");
+        return false;
+      }
+      const std::string& argument = args[++i];
+      EditKind kind = EditKind::kAdd;
+      if (word == "remove") kind = EditKind::kRemove;
+      if (word == "vendor") {
+        kind = EditKind::kVendor;
+        if (FindVendor(argument) == nullptr) {
+          status = UsageError(context, kUsage,
+                              "vendor takes eSignal, Reuters, Yahoo or Other, not " + argument);
+          return false;
+        }
+      }
+      if (word == "periods") {
+        kind = EditKind::kPeriods;
+        std::array<int, 4> boxes{};
+        if (!ParsePeriods(argument, boxes)) {
+          status = UsageError(context, kUsage, "periods takes letters of D,W,M,Q, not " + argument);
+          return false;
+        }
+      }
+      edits.push_back({kind, argument});
+    } else {
+      status = UsageError(context, kUsage, "unknown edit: " + word);
+      return false;
+    }
+  }
+  return true;
+}
+
+void RemoveItem(CommandContext& context, const std::string& text) {
+  ListBox& box = context.session.ui.List6;
+  bool found = false;
+  for (std::size_t i = 0; i < box.size(); ++i) {
+    box.selected[i] = EqualsIgnoreCase(box.items[i], text);
+    found = found || box.selected[i];
+  }
+  if (!found) {
+    context.err << "corvanet-cli list: no item \"" << text << "\" to remove\n";
+    return;
+  }
+  List6_DblClick(context.session);
+}
+
+void ApplyEdit(CommandContext& context, const Edit& edit) {
+  Session& session = context.session;
+  WindowState& ui = session.ui;
+  switch (edit.kind) {
+    case EditKind::kAdd:
+      ui.Text5 = edit.text;
+      AddByString_Click(session);
+      break;
+    case EditKind::kMoveAll:
+      MoveAllToDownloadList_Click(session);
+      break;
+    case EditKind::kClear:
+      ClearList_Click(session);
+      break;
+    case EditKind::kRemove:
+      RemoveItem(context, edit.text);
+      break;
+    case EditKind::kVendor: {
+      // Option buttons of one frame: choosing one clears the others.
+      const VendorChoice* chosen = FindVendor(edit.text);
+      for (const VendorChoice& vendor : kVendorChoices) ui.*vendor.option = &vendor == chosen;
+      break;
+    }
+    case EditKind::kPeriods: {
+      std::array<int, 4> boxes{};
+      ParsePeriods(edit.text, boxes);
+      ui.DailyInterval = boxes[0];
+      ui.WeeklyInterval = boxes[1];
+      ui.MonthlyInterval = boxes[2];
+      ui.QuarterlyInterval = boxes[3];
+      break;
+    }
+  }
+}
+
+}  // namespace
+
+int ListCommand(CommandContext& context, CommandArgs args) {
+  int list = 0;
+  if (args.empty() || !ParseInteger(args[0], list) || list < 1 || list > 7) {
+    return UsageError(context, kUsage, "expected a list number from 1 to 7");
+  }
+  std::vector<Edit> edits;
+  int status = kExitOk;
+  if (!ParseEdits(context, args.subspan(1), edits, status)) return status;
+
+  Session& session = context.session;
+  DownloadList_Click(session, list);
+  if (edits.empty()) {
+    for (const std::string& item : session.ui.List6.items) context.out << item << '\n';
+    return kExitOk;
+  }
+  for (const Edit& edit : edits) ApplyEdit(context, edit);
+  SaveDownloadList_Click(session);
+  return kExitOk;
+}
+
+}  // namespace corvanet::cli

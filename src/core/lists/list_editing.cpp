@@ -1,0 +1,190 @@
+#include "core/lists/list_editing.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "core/app/log.h"
+#include "core/lists/download_lists.h"
+#include "core/lists/masterfile.h"
+#include "core/platform/field_reader.h"
+#include "core/platform/text.h"
+#include "core/ui/captions.h"
+
+namespace corvanet {
+
+namespace {
+
+constexpr std::string_view kLoadAList = "Please load a download list!";
+
+char LowerAscii(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool ContainsIgnoreCase(std::string_view text, std::string_view lower_needle) {
+  const auto found = std::search(text.begin(), text.end(), lower_needle.begin(), lower_needle.end(),
+                                 [](char a, char b) { return LowerAscii(a) == b; });
+  return found != text.end() || lower_needle.empty();
+}
+
+// The download list's items in lower case: the same test as IsInList, without walking the whole box
+// for every master item (a search with an empty text checks the whole master list).
+class ListLookup {
+ public:
+  explicit ListLookup(const ListBox& box) {
+    items_.reserve(box.size());
+    for (const std::string& item : box.items) items_.insert(ToLower(item));
+  }
+  // Appends the item unless it is empty or already there in any letter case.
+  bool AddIfMissing(ListBox& box, const std::string& item) {
+    if (item.empty() || !items_.insert(ToLower(item)).second) return false;
+    box.Add(item);
+    return true;
+  }
+
+ private:
+  std::unordered_set<std::string> items_;
+};
+
+// Removes every selected item in one pass: the same result as removing them one at a time, and
+// short enough that the window need not repaint in between.
+void RemoveSelectedItems(Session& session) {
+  ListBox& box = session.ui.List6;
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < box.size(); ++i) {
+    if (box.selected[i]) continue;
+    if (kept != i) box.items[kept] = std::move(box.items[i]);
+    ++kept;
+  }
+  box.items.resize(kept);
+  box.selected.assign(kept, false);
+  session.NotifyObserver();
+}
+
+}  // namespace
+
+bool IsInList(const ListBox& box, std::string_view text) {
+  return !text.empty() && box.FindExactIgnoreCase(text) >= 0;
+}
+
+std::string ShortenedIssueName(std::string_view name) {
+  const std::size_t bracket = name.find('(');
+  // Position counted from 1, or the length + 1 when there is no bracket; p - 2 characters stay.
+  const std::size_t p = bracket == std::string_view::npos ? name.size() + 1 : bracket + 1;
+  return std::string(name.substr(0, p < 2 ? 0 : p - 2));
+}
+
+void AddByString_Click(Session& session) {
+  LogEntry(session, "AddByString_Click");
+  const int n = CurrentListNumber(session);
+  if (n == 0) {
+    session.shell.Notify(kLoadAList);
+    return;
+  }
+  if (n > 5) {
+    session.shell.Notify("Cannot add to or change this download list.");
+    return;
+  }
+  const std::string needle = ToLower(session.ui.Text5);
+  ListLookup lookup(session.ui.List6);
+  for (const std::string& item : session.ui.List5.items) {
+    if (ContainsIgnoreCase(item, needle)) lookup.AddIfMissing(session.ui.List6, item);
+  }
+  ChangeCaptionsOnButtons(session);
+}
+
+void MoveAllToDownloadList_Click(Session& session) {
+  LogEntry(session, "MoveAllToDownloadList_Click");
+  const int n = CurrentListNumber(session);
+  if (n == 0) {
+    session.shell.Notify(kLoadAList);
+    return;
+  }
+  if (n > 5) {
+    session.shell.Notify("Cannot change this download list.");
+    return;
+  }
+  ClearList_Click(session);
+  // The master file, not the master list box: only this command drops the bracketed notes.
+  const std::string path = MasterFilePath(session);
+  FieldReader reader;
+  if (!reader.Open(path)) {
+    Log(session, "MoveAllToDownloadList_Click - cannot read " + path);
+  } else {
+    std::string name;
+    std::string symbol;
+    while (!reader.AtEnd()) {
+      if (!reader.ReadRecord(name, symbol)) {
+        Log(session,
+            "MoveAllToDownloadList_Click - the last record of " + path + " has no symbol: " + name);
+        break;
+      }
+      session.ui.List6.Add(ShortenedIssueName(name) + "," + symbol);
+    }
+    if (reader.failed()) Log(session, "MoveAllToDownloadList_Click - read error in " + path);
+  }
+  ChangeCaptionsOnButtons(session);
+}
+
+void ClearList_Click(Session& session) {
+  LogEntry(session, "ClearList_Click");
+  const int n = CurrentListNumber(session);
+  if (n > 5) {
+    session.shell.Notify("Cannot clear this download list.");
+    return;
+  }
+  session.ui.List6.Clear();
+  if (n == 0) {
+    session.shell.Notify(kLoadAList);
+  } else {
+    ChangeCaptionsOnButtons(session);
+  }
+}
+
+std::string List5_OLEStartDrag(Session& session) {
+  LogEntry(session, "List5_OLEStartDrag");
+  if (CurrentListNumber(session) == 0) {
+    session.shell.Notify(kLoadAList);
+    return {};
+  }
+  std::string drag_text;
+  const ListBox& master = session.ui.List5;
+  for (std::size_t i = 0; i < master.size(); ++i) {
+    if (!master.selected[i]) continue;
+    if (!drag_text.empty()) drag_text += '|';
+    drag_text += std::to_string(i);
+  }
+  return drag_text;
+}
+
+void List6_OLEDragDrop(Session& session, std::string_view drag_text) {
+  LogEntry(session, "List6_OLEDragDrop");
+  if (CurrentListNumber(session) == 0) return;
+  const ListBox& master = session.ui.List5;
+  ListLookup lookup(session.ui.List6);
+  std::size_t start = 0;
+  for (;;) {
+    const std::size_t bar = drag_text.find('|', start);
+    const std::string_view part = drag_text.substr(start, bar - start);
+    int position = -1;
+    if (ParseInteger(part, position) && position >= 0 &&
+        static_cast<std::size_t>(position) < master.size()) {
+      lookup.AddIfMissing(session.ui.List6, master.items[static_cast<std::size_t>(position)]);
+    } else if (session.logging()) {
+      Log(session, "List6_OLEDragDrop - \"" + std::string(part) + "\" is no master list position");
+    }
+    if (bar == std::string_view::npos) break;
+    start = bar + 1;
+  }
+}
+
+void List6_DblClick(Session& session) {
+  LogEntry(session, "List6_DblClick");
+  RemoveSelectedItems(session);
+}
+
+void List6_KeyUp(Session& session, int key_code) {
+  LogEntry(session, "List6_KeyUp");
+  if (key_code == kDeleteKeyCode) RemoveSelectedItems(session);
+}
+
+}  // namespace corvanet

@@ -1,0 +1,115 @@
+#include "core/lists/check_lists.h"
+
+#include <gtest/gtest.h>
+
+#include "support/test_session.h"
+
+namespace corvanet::test {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+const Lines kHeader = {"eSignal,eSignal", "DailyInterval,1", "WeeklyInterval,0",
+                       "MonthlyInterval,0", "QuarterlyInterval,0"};
+
+Lines WithHeader(const Lines& issues) {
+  Lines lines = kHeader;
+  lines.insert(lines.end(), issues.begin(), issues.end());
+  return lines;
+}
+
+constexpr std::string_view kReportStart =
+    "Due to an update in Tessaly's Compilation List\r"
+    "the following symbols have been removed from your\r"
+    "download lists:\r";
+
+class CheckListsTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    // Blank lines and blanks around fields are passed over in the master file too.
+    t.WriteMasterfile({"Dow Jones Industrial Ave. (DJIA) ,  $INDU  ", "", "NYSE Composite,$NYA",
+                       "Nasdaq Composite,$COMPQ"},
+                      false);
+  }
+  void Check() { CheckLists(s, s.ui.PathToLists, t.masterfile()); }
+  TestSession t;
+  Session& s = t.session;
+};
+
+TEST_F(CheckListsTest, RemovesWithdrawnSymbolsAndReportsThemPerList) {
+  t.WriteList(2, WithHeader({"Dow,$INDU", "Gone Away,$GONE", "NYSE,$NYA"}));
+  t.WriteList(5, WithHeader({"Nasdaq,$compq"}));  // differs from the master only in case
+  Check();
+  EXPECT_EQ(t.ReadList(2), WithHeader({"Dow,$INDU", "NYSE,$NYA"}));
+  EXPECT_EQ(t.ReadList(5), kHeader);               // a list that lost every issue keeps its header
+  EXPECT_FALSE(Exists(t.lists("Download1.csv")));  // missing lists are skipped
+  EXPECT_TRUE(Exists(t.lists("Temp.csv")));
+  EXPECT_EQ(ReadLines(t.lists("Temp.csv")), kHeader);
+  ASSERT_EQ(t.shell.boxes.size(), 1u);
+  const ScriptedShell::Box& box = t.shell.boxes[0];
+  EXPECT_EQ(box.text, std::string(kReportStart) +
+                          "Download List 2 - Symbol:  $GONE\r"
+                          "Download List 5 - Symbol:  $compq\r");
+  EXPECT_EQ(box.title, "Corvanet Download Lists");
+  EXPECT_EQ(box.icon, Icon::kExclamation);
+  EXPECT_EQ(box.buttons, Buttons::kOk);
+}
+
+TEST_F(CheckListsTest, ListsThatKeepEverySymbolAreRewrittenUnchangedWithoutAMessage) {
+  const Lines lines = WithHeader({"Dow Jones,$INDU", "\"Acme, Inc.\",$NYA"});
+  t.WriteList(1, lines);
+  Check();
+  EXPECT_EQ(t.ReadList(1), lines);
+  EXPECT_TRUE(t.shell.boxes.empty());
+}
+
+TEST_F(CheckListsTest, TheVendorChosenNowDecidesTheReportedForm) {
+  const struct {
+    bool reuters, yahoo;
+    std::string reported;
+  } cases[] = {{true, false, "_DJI"}, {false, true, "^DJI"}, {false, false, "$INDU"}};
+  t.WriteMasterfile({"NYSE Composite,$NYA"}, false);
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.reported);
+    t.shell.Reset();
+    s.ui.VendorReuters = c.reuters;
+    s.ui.VendorYahoo = c.yahoo;
+    t.WriteList(3, WithHeader({"Dow,$INDU"}));
+    Check();
+    ASSERT_EQ(t.shell.boxes.size(), 1u);
+    EXPECT_EQ(t.shell.boxes[0].text,
+              std::string(kReportStart) + "Download List 3 - Symbol:  " + c.reported + "\r");
+  }
+}
+
+TEST_F(CheckListsTest, BrokenListsAreLeftAsTheyStoodWhileTheOthersAreChecked) {
+  t.EnableLog();
+  const Lines short_header = {"eSignal,eSignal", "DailyInterval,1"};
+  const Lines dangling = WithHeader({"Gone,$GONE", "Half"});
+  t.WriteList(1, short_header);
+  t.WriteList(2, dangling);
+  t.WriteList(4, WithHeader({"Gone,$GONE", "NYSE,$NYA"}));
+  Check();
+  EXPECT_EQ(t.ReadList(1), short_header);
+  EXPECT_EQ(t.ReadList(2), dangling);
+  EXPECT_EQ(t.ReadList(4), WithHeader({"NYSE,$NYA"}));
+  ASSERT_EQ(t.shell.boxes.size(), 1u);
+  EXPECT_EQ(t.shell.boxes[0].text,
+            std::string(kReportStart) + "Download List 4 - Symbol:  $GONE\r");
+  const std::string log = t.LogText();
+  EXPECT_NE(log.find("Download1.csv ends within its header; skipped"), std::string::npos);
+  EXPECT_NE(log.find("Download2.csv has no symbol; skipped"), std::string::npos);
+}
+
+TEST_F(CheckListsTest, AnUnreadableOrEmptyMasterFileChangesNoList) {
+  const Lines lines = WithHeader({"Dow,$INDU"});
+  t.WriteList(1, lines);
+  CheckLists(s, s.ui.PathToLists, t.base("Missing.csv"));
+  WriteFile(t.masterfile(), "\r\n\r\n");
+  Check();
+  EXPECT_EQ(t.ReadList(1), lines);
+  EXPECT_TRUE(t.shell.boxes.empty());
+}
+
+}  // namespace
+}  // namespace corvanet::test

@@ -1,0 +1,127 @@
+#include "core/lists/list_editing.h"
+
+#include <gtest/gtest.h>
+
+#include "support/test_session.h"
+
+namespace corvanet::test {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+class ListEditingTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    t.WriteMasterfile({"Dow Jones Industrial Ave. (DJIA),$INDU", "Dow Jones Transports,$TRAN",
+                       "NYSE Composite,$NYA", "Nasdaq (Composite) Index,$COMPQ", "(Unnamed),$UN"});
+    s.app.CurrentListNumber = "3";
+  }
+  void Select(ListBox& box, std::initializer_list<std::size_t> positions) {
+    for (const std::size_t i : positions) box.selected[i] = true;
+  }
+  TestSession t;
+  Session& s = t.session;
+};
+
+TEST_F(ListEditingTest, SearchAddsMatchesInAnyLetterCaseOnce) {
+  s.ui.List6.Add("dow jones transports,$tran");  // present in another letter case
+  s.ui.Text5 = "dOW";
+  AddByString_Click(s);
+  EXPECT_EQ(s.ui.List6.items,
+            (Lines{"dow jones transports,$tran", "Dow Jones Industrial Ave. (DJIA),$INDU"}));
+  AddByString_Click(s);
+  EXPECT_EQ(s.ui.List6.size(), 2u);
+  s.ui.Text5 = "a,$n";  // the comma between name and symbol is searched too
+  AddByString_Click(s);
+  EXPECT_EQ(s.ui.List6.items.back(), "Dow Jones Industrial Ave. (DJIA),$INDU");
+  EXPECT_EQ(s.ui.List6.size(), 2u);
+
+  s.ui.Text5.clear();  // an empty text is in every item: everything missing is added
+  AddByString_Click(s);
+  EXPECT_EQ(s.ui.List6.items,
+            (Lines{"dow jones transports,$tran", "Dow Jones Industrial Ave. (DJIA),$INDU",
+                   "NYSE Composite,$NYA", "Nasdaq (Composite) Index,$COMPQ", "(Unnamed),$UN"}));
+  EXPECT_TRUE(t.shell.boxes.empty());
+}
+
+TEST_F(ListEditingTest, MoveAllShortensNamesBeforeTheirFirstBracket) {
+  s.ui.List6.Add("Old,$OLD");
+  MoveAllToDownloadList_Click(s);
+  EXPECT_EQ(s.ui.List6.items, (Lines{"Dow Jones Industrial Ave.,$INDU", "Dow Jones Transport,$TRAN",
+                                     "NYSE Composit,$NYA", "Nasdaq,$COMPQ", ",$UN"}));
+  EXPECT_EQ(ShortenedIssueName(""), "");
+  EXPECT_EQ(ShortenedIssueName("X"), "");
+  EXPECT_EQ(ShortenedIssueName("A(b)"), "");
+}
+
+TEST_F(ListEditingTest, DragAndDropAppendsTheMissingPositionsInOrder) {
+  s.ui.List6.Add("NYSE COMPOSITE,$NYA");
+  Select(s.ui.List5, {0, 2, 4});
+  const std::string drag = List5_OLEStartDrag(s);
+  EXPECT_EQ(drag, "0|2|4");
+  List6_OLEDragDrop(s, drag);
+  EXPECT_EQ(s.ui.List6.items, (Lines{"NYSE COMPOSITE,$NYA",
+                                     "Dow Jones Industrial Ave. (DJIA),$INDU", "(Unnamed),$UN"}));
+  // Text from elsewhere: every part that names no master position is passed over.
+  t.EnableLog();
+  List6_OLEDragDrop(s, "x|1| 3 |99|-1||2.5");
+  EXPECT_EQ(s.ui.List6.items.size(), 5u);
+  EXPECT_EQ(s.ui.List6.items[3], "Dow Jones Transports,$TRAN");
+  EXPECT_EQ(s.ui.List6.items[4], "Nasdaq (Composite) Index,$COMPQ");
+  EXPECT_NE(t.LogText().find("\"99\" is no master list position"), std::string::npos);
+}
+
+TEST_F(ListEditingTest, DeleteAndDoubleClickRemoveEverySelectedItem) {
+  for (const char* item : {"a,$A", "b,$B", "c,$C", "d,$D", "e,$E", "f,$F"}) s.ui.List6.Add(item);
+  Select(s.ui.List6, {0, 2, 3, 5});
+  List6_KeyUp(s, 13);
+  EXPECT_EQ(s.ui.List6.size(), 6u);
+  List6_KeyUp(s, kDeleteKeyCode);
+  EXPECT_EQ(s.ui.List6.items, (Lines{"b,$B", "e,$E"}));
+  EXPECT_EQ(s.ui.List6.selected, (std::vector<bool>{false, false}));
+  Select(s.ui.List6, {1});
+  List6_DblClick(s);
+  EXPECT_EQ(s.ui.List6.items, Lines{"b,$B"});
+  s.ui.List6.Clear();
+  List6_DblClick(s);  // an empty box: nothing happens
+  EXPECT_TRUE(s.ui.List6.items.empty());
+}
+
+TEST_F(ListEditingTest, NoListLoadedRefusesEveryEditButTheSilentDrop) {
+  s.app.CurrentListNumber = "0";
+  s.ui.List6.Add("kept,$K");
+  Select(s.ui.List5, {1});
+  AddByString_Click(s);
+  MoveAllToDownloadList_Click(s);
+  EXPECT_EQ(List5_OLEStartDrag(s), "");
+  List6_OLEDragDrop(s, "1");
+  EXPECT_EQ(s.ui.List6.items, Lines{"kept,$K"});
+  ClearList_Click(s);  // clears first, then asks for a list
+  EXPECT_TRUE(s.ui.List6.items.empty());
+  EXPECT_EQ(t.shell.texts(), Lines(4, "Please load a download list!"));
+}
+
+TEST_F(ListEditingTest, FullListsRefuseBulkEditsButTakeDropsAndDeletes) {
+  for (const char* list : {"6", "7"}) {
+    SCOPED_TRACE(list);
+    t.shell.Reset();
+    s.app.CurrentListNumber = list;
+    s.ui.List6.Clear();
+    s.ui.List6.Add("kept,$K");
+    AddByString_Click(s);
+    MoveAllToDownloadList_Click(s);
+    ClearList_Click(s);
+    EXPECT_EQ(t.shell.texts(),
+              (Lines{"Cannot add to or change this download list.",
+                     "Cannot change this download list.", "Cannot clear this download list."}));
+    EXPECT_EQ(s.ui.List6.items, Lines{"kept,$K"});
+    List6_OLEDragDrop(s, "2");
+    EXPECT_EQ(s.ui.List6.items, (Lines{"kept,$K", "NYSE Composite,$NYA"}));
+    Select(s.ui.List6, {0});
+    List6_KeyUp(s, kDeleteKeyCode);
+    EXPECT_EQ(s.ui.List6.items, Lines{"NYSE Composite,$NYA"});
+  }
+}
+
+}  // namespace
+}  // namespace corvanet::test

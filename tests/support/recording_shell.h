@@ -1,0 +1,58 @@
+#pragma once
+// A Shell for tests: records every message box and opened document, and answers questions from a
+// queue set up by the test (OK boxes always answer kOk; an empty queue answers No).
+#include <deque>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/platform/shell.h"
+
+namespace corvanet::test {
+
+class ScriptedShell final : public Shell {
+ public:
+  struct Box {
+    std::string text;
+    std::string title;
+    Buttons buttons = Buttons::kOk;
+    Icon icon = Icon::kNone;
+  };
+
+  Answer MessageBox(std::string_view text, std::string_view title, Buttons buttons,
+                    Icon icon) override {
+    boxes.push_back({std::string(text), std::string(title), buttons, icon});
+    if (buttons == Buttons::kOk) return Answer::kOk;
+    if (answers.empty()) return Answer::kNo;
+    const Answer answer = answers.front();
+    answers.pop_front();
+    return answer;
+  }
+  bool OpenDocument(std::string_view target) override {
+    opened.emplace_back(target);
+    return true;
+  }
+  bool StartHidden(const std::string& batch_file, const std::string& working_folder) override {
+    started.push_back(working_folder + batch_file);
+    return true;
+  }
+
+  // The texts of the boxes shown so far, in order.
+  std::vector<std::string> texts() const {
+    std::vector<std::string> result;
+    for (const Box& box : boxes) result.push_back(box.text);
+    return result;
+  }
+  void Reset() {
+    boxes.clear();
+    opened.clear();
+    started.clear();
+  }
+
+  std::vector<Box> boxes;
+  std::vector<std::string> opened;
+  std::vector<std::string> started;  // working folder + batch file of each StartHidden
+  std::deque<Answer> answers;        // replies to Yes/No and Yes/No/Cancel questions
+};
+
+}  // namespace corvanet::test
