@@ -41,6 +41,11 @@ bool ParseGlobalOptions(const std::vector<std::string>& args, GlobalOptions& opt
       }
       options.base_directory = WithTrailingSeparator(args[++i]);
     } else if (StartsWith(arg, "--base-dir=")) {
+      // An empty value would make the file-system root the installation.
+      if (arg.size() == 11) {
+        err << "corvanet-cli: --base-dir needs a folder\n";
+        return false;
+      }
       options.base_directory = WithTrailingSeparator(arg.substr(11));
     } else {
       err << "corvanet-cli: unknown option " << arg << '\n';

@@ -1,6 +1,5 @@
 // run N, and the unattended start from RunListNum.txt.
 #include "cli/commands.h"
-#include "core/app/log.h"
 #include "core/app/startup.h"
 #include "core/platform/text.h"
 
@@ -9,10 +8,8 @@ namespace corvanet::cli {
 namespace {
 
 int PrintRun(CommandContext& context, const RunSummary& summary) {
-  for (const std::string& line : summary.Lines()) {
-    context.out << line << '\n';
-    Log(context.session, "Run summary - " + line);
-  }
+  // The run has logged these lines itself.
+  for (const std::string& line : summary.Lines()) context.out << line << '\n';
   return summary.has_failures() ? kExitRunFailures : kExitOk;
 }
 

@@ -1,5 +1,6 @@
 #include "core/app/installation.h"
 
+#include <filesystem>
 #include <string>
 
 #include "core/app/log.h"
@@ -33,13 +34,20 @@ bool EnsureInstallation(Session& session) {
   ui.PathToDataFiles = app.BaseDirectory + Folder("CSVFiles");
   ui.PathToLists = app.BaseDirectory + Folder("Lists");
   ui.PathToMSPxFiles = app.BaseDirectory + Folder("MetaStock");
-  bool ok = CreateFolders(app.ProgramDirectory);
+  bool ok = true;
   for (const char* folder : {"Base", "Daily", "Weekly", "Monthly", "Quarterly"}) {
     ok = CreateFolders(ui.PathToDataFiles + folder) && ok;
   }
   ok = CreateFolders(ui.PathToLists) && ok;
   ok = WriteResources(ui.PathToLists) && ok;
+  // The program folder is what marks an installation as made, so it comes last and goes again
+  // when its settings file could not be written: the next start then tries afresh.
+  ok = CreateFolders(app.ProgramDirectory) && ok;
   ok = WriteSettingsFile(session) && ok;
+  if (!ok) {
+    std::error_code ec;
+    std::filesystem::remove_all(app.ProgramDirectory, ec);
+  }
   return ok;
 }
 

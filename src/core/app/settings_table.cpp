@@ -1,6 +1,8 @@
 // The one definition of the settings file's keys, forms and controls.
 #include "core/app/settings.h"
 #include "core/lists/masterfile.h"
+#include "core/pricefiles/price_folders.h"
+#include "core/stats/statistic_catalogue.h"
 #include "core/ui/tabs.h"
 
 namespace corvanet {
@@ -13,6 +15,12 @@ using F = SettingForm;
 void OnRetryNumber(Session& s, const SettingDef&) { RetryNumber_Change(s); }
 void OnSpecialFunctions(Session& s, const SettingDef&) { ImplementSpecialFunctions_Click(s); }
 void OnDataSet(Session& s, const SettingDef&) { SelectMasterfile(s); }
+void OnStatistic(Session& s, const SettingDef& def) { StatisticBox_Click(s, def.key); }
+void OnOHLCVV(Session& s, const SettingDef&) { OHLCVV_Click(s); }
+void OnEqWtOHLCVV(Session& s, const SettingDef&) { EqWtOHLCVV_Click(s); }
+void OnUserDefFile1(Session& s, const SettingDef&) { UserDefFile1_Click(s); }
+void OnUserDefFile2(Session& s, const SettingDef&) { UserDefFile2_Click(s); }
+void OnUserDefFile3(Session& s, const SettingDef&) { UserDefFile3_Click(s); }
 
 // Check boxes whose handler arrives with its subsystem keep nullptr until then.
 constexpr SettingDef Check(std::string_view key, int W::*control, ChangeHandler h = nullptr) {
@@ -46,40 +54,40 @@ const SettingDef kSettings[] = {
     Option("SystemMessagesYes", &W::SystemMessagesYes, "SystemMessagesNo"),
     Option("SystemMessagesNo", &W::SystemMessagesNo, "SystemMessagesYes"),
     Text("IPAddress", &W::IPAddress),
-    Check("UpTrends", &W::UpTrends),
-    Check("NewUpTrends", &W::NewUpTrends),
-    Check("DownTrends", &W::DownTrends),
-    Check("NewDownTrends", &W::NewDownTrends),
-    Check("Advances", &W::Advances),
-    Check("Declines", &W::Declines),
-    Check("Unchanged", &W::Unchanged),
-    Check("Traded", &W::Traded),
-    Check("UpVolume", &W::UpVolume),
-    Check("DownVolume", &W::DownVolume),
-    Check("TotalVolume", &W::TotalVolume),
-    Check("NewHighs", &W::NewHighs),
-    Check("NewHighs1stDay", &W::NewHighs1stDay),
-    Check("NewLows", &W::NewLows),
-    Check("NewLows1stDay", &W::NewLows1stDay),
-    Check("QNewHighs", &W::QNewHighs),
-    Check("QNewHighs1stDay", &W::QNewHighs1stDay),
-    Check("QNewLows", &W::QNewLows),
-    Check("QNewLows1stDay", &W::QNewLows1stDay),
-    Check("Above200ma", &W::Above200ma),
-    Check("Below200ma", &W::Below200ma),
-    Check("Equal200ma", &W::Equal200ma),
-    Check("Above30ma", &W::Above30ma),
-    Check("Below30ma", &W::Below30ma),
-    Check("Equal30ma", &W::Equal30ma),
-    Check("Above18ma", &W::Above18ma),
-    Check("Below18ma", &W::Below18ma),
-    Check("Equal18ma", &W::Equal18ma),
-    Check("Above9ma", &W::Above9ma),
-    Check("Below9ma", &W::Below9ma),
-    Check("Equal9ma", &W::Equal9ma),
-    Check("Above4ma", &W::Above4ma),
-    Check("Below4ma", &W::Below4ma),
-    Check("Equal4ma", &W::Equal4ma),
+    Check("UpTrends", &W::UpTrends, &OnStatistic),
+    Check("NewUpTrends", &W::NewUpTrends, &OnStatistic),
+    Check("DownTrends", &W::DownTrends, &OnStatistic),
+    Check("NewDownTrends", &W::NewDownTrends, &OnStatistic),
+    Check("Advances", &W::Advances, &OnStatistic),
+    Check("Declines", &W::Declines, &OnStatistic),
+    Check("Unchanged", &W::Unchanged, &OnStatistic),
+    Check("Traded", &W::Traded, &OnStatistic),
+    Check("UpVolume", &W::UpVolume, &OnStatistic),
+    Check("DownVolume", &W::DownVolume, &OnStatistic),
+    Check("TotalVolume", &W::TotalVolume, &OnStatistic),
+    Check("NewHighs", &W::NewHighs, &OnStatistic),
+    Check("NewHighs1stDay", &W::NewHighs1stDay, &OnStatistic),
+    Check("NewLows", &W::NewLows, &OnStatistic),
+    Check("NewLows1stDay", &W::NewLows1stDay, &OnStatistic),
+    Check("QNewHighs", &W::QNewHighs, &OnStatistic),
+    Check("QNewHighs1stDay", &W::QNewHighs1stDay, &OnStatistic),
+    Check("QNewLows", &W::QNewLows, &OnStatistic),
+    Check("QNewLows1stDay", &W::QNewLows1stDay, &OnStatistic),
+    Check("Above200ma", &W::Above200ma, &OnStatistic),
+    Check("Below200ma", &W::Below200ma, &OnStatistic),
+    Check("Equal200ma", &W::Equal200ma, &OnStatistic),
+    Check("Above30ma", &W::Above30ma, &OnStatistic),
+    Check("Below30ma", &W::Below30ma, &OnStatistic),
+    Check("Equal30ma", &W::Equal30ma, &OnStatistic),
+    Check("Above18ma", &W::Above18ma, &OnStatistic),
+    Check("Below18ma", &W::Below18ma, &OnStatistic),
+    Check("Equal18ma", &W::Equal18ma, &OnStatistic),
+    Check("Above9ma", &W::Above9ma, &OnStatistic),
+    Check("Below9ma", &W::Below9ma, &OnStatistic),
+    Check("Equal9ma", &W::Equal9ma, &OnStatistic),
+    Check("Above4ma", &W::Above4ma, &OnStatistic),
+    Check("Below4ma", &W::Below4ma, &OnStatistic),
+    Check("Equal4ma", &W::Equal4ma, &OnStatistic),
     Check("RunWithList1", &W::RunWithList1),
     Check("RunWithList2", &W::RunWithList2),
     Check("RunWithList3", &W::RunWithList3),
@@ -91,11 +99,11 @@ const SettingDef kSettings[] = {
     Option("PeriodStatFilename", &W::PeriodStatFilename, "StatPeriodFileName"),
     Text("MaxFilenameLength", &W::MaxFilenameLength),
     Check("MakeMetaStockPxFiles", &W::MakeMetaStockPxFiles),
-    Check("OHLCVV", &W::OHLCVV),
-    Check("EqWtOHLCVV", &W::EqWtOHLCVV),
-    Check("UserDefFile1", &W::UserDefFile1),
-    Check("UserDefFile2", &W::UserDefFile2),
-    Check("UserDefFile3", &W::UserDefFile3),
+    Check("OHLCVV", &W::OHLCVV, &OnOHLCVV),
+    Check("EqWtOHLCVV", &W::EqWtOHLCVV, &OnEqWtOHLCVV),
+    Check("UserDefFile1", &W::UserDefFile1, &OnUserDefFile1),
+    Check("UserDefFile2", &W::UserDefFile2, &OnUserDefFile2),
+    Check("UserDefFile3", &W::UserDefFile3, &OnUserDefFile3),
     Check("DoNotMakeMetaStockFormat", &W::DoNotMakeMetaStockFormat),
     Text("Stat1File1", &W::Stat1File1),
     Text("Stat2File1", &W::Stat2File1),

@@ -21,6 +21,15 @@ namespace corvanet {
 namespace {
 constexpr std::string_view kEditionDirectory = "Rondex";
 constexpr std::string_view kVersionText = "5.1";
+
+// The installation root as an absolute folder text: start-up makes ProgramDirectory the current
+// directory, after which a relative root would point somewhere else.
+std::string AbsoluteFolder(const std::string& folder) {
+  std::error_code ec;
+  const std::filesystem::path absolute = std::filesystem::absolute(folder, ec);
+  if (ec) return WithTrailingSeparator(folder);
+  return WithTrailingSeparator(absolute.lexically_normal().string());
+}
 }  // namespace
 
 std::string DefaultBaseDirectory() {
@@ -43,6 +52,8 @@ int ReadAndResetRunListNum(const std::string& path) {
   FieldReader reader(path);
   std::string field;
   if (reader.ReadField(field) && !ParseInteger(field, number)) number = 0;
+  // "0 or less" is an interactive start; holding it as 0 keeps the closing question for it too.
+  if (number < 0) number = 0;
   reader.Close();
   WriteWholeFile(path, "0\r\n");
   return number;
@@ -52,9 +63,11 @@ bool Form_Load(Session& session, const StartupOptions& options) {
   AppState& app = session.app;
   WindowState& ui = session.ui;
   app.LogDetail = "Not Set";
-  app.StartDirectory = options.start_directory;
-  app.BaseDirectory = WithTrailingSeparator(options.base_directory);
-  app.RunListNum = ReadAndResetRunListNum(options.start_directory + "RunListNum.txt");
+  app.StartDirectory =
+      options.start_directory.empty() ? "" : WithTrailingSeparator(options.start_directory);
+  app.BaseDirectory = AbsoluteFolder(options.base_directory);
+  app.ProgramDirectory.clear();  // the report below must go to the start folder
+  app.RunListNum = ReadAndResetRunListNum(app.StartDirectory + "RunListNum.txt");
   ui.PathToDataFiles = app.BaseDirectory + Folder("CSVFiles");
   // Written before ProgramDirectory is known, so it goes to the start directory and shows the
   // design state; kept in this order on purpose.
@@ -87,9 +100,9 @@ RunSummary AutomatedRuns(Session& session) {
 
 bool Form_Unload(Session& session) {
   if (session.app.RunListNum != 0) return false;
-  const Answer answer = session.shell.MessageBox("Save Corvanet settings before closing?",
-                                                 "Save Dialog", Buttons::kYesNoCancel,
-                                                 Icon::kQuestion);
+  const Answer answer =
+      session.shell.MessageBox("Save Corvanet settings before closing?", "Save Dialog",
+                               Buttons::kYesNoCancel, Icon::kQuestion);
   switch (answer) {
     case Answer::kYes:
       SaveToINI_Click(session);

@@ -115,10 +115,23 @@ void RunPeriod(Session& session, int run_total, RunSummary& summary) {
   SingleFileUpdate(session, list, run_total, records, update_rows, summary);
 }
 
-void ShowCompletion(Session& session, int list, const std::string& elapsed) {
+// The status label names what failed, so a run that looks complete in the window says so too.
+std::string StatusText(const RunSummary& summary) {
+  if (!summary.has_failures()) return "Update progress is displayed here";
+  std::string text = std::to_string(summary.failures.size()) + " datafile(s) could not be updated";
+  for (std::size_t i = 0; i < summary.failures.size() && i < 5; ++i) {
+    text += (i == 0 ? ": " : ", ") + summary.failures[i].symbol + " " + summary.failures[i].period;
+  }
+  if (summary.failures.size() > 5) text += ", ...";
+  for (const std::string& problem : summary.period_problems) text += "; " + problem;
+  return text;
+}
+
+void ShowCompletion(Session& session, int list, const RunSummary& summary) {
   WindowState& ui = session.ui;
   const std::string type = DownLoadType(session);
-  ui.Label13.caption = "Update progress is displayed here";
+  const std::string& elapsed = summary.elapsed;
+  ui.Label13.caption = StatusText(summary);
   ui.ButtonBarFrame.caption = "Select a Download List";
   if (list <= 5) {
     ui.DownLoadButton.caption =
@@ -178,8 +191,9 @@ RunSummary DownLoadButton_Click(Session& session) {
   // The converter batch files of the run are started here once they exist.
 
   summary.elapsed = ElapsedText(session.clock.Timer() - run.RunStartTimer);
-  ShowCompletion(session, list, summary.elapsed);
+  ShowCompletion(session, list, summary);
   RetrieveSystemMessages(session, summary.elapsed);
+  for (const std::string& line : summary.Lines()) Log(session, "Run summary - " + line);
   Log(session, "DownLoadButton_Click - Complete!");
   ui.ForceFullDownload = 0;
   return summary;

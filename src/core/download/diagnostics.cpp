@@ -1,0 +1,26 @@
+#include "core/download/diagnostics.h"
+
+#include "core/app/log.h"
+#include "core/platform/files.h"
+#include "core/platform/paths.h"
+#include "core/platform/text.h"
+
+namespace corvanet {
+
+void DeleteDestinationFile(Session& session, const std::string& file_name) {
+  WriteLog(session, "DeleteDestinationFile", session.run.DataPeriod);
+  const std::string path =
+      session.ui.PathToDataFiles + Folder(session.run.DataPeriod) + file_name;
+  if (FileExists(path) && !RemoveFile(path)) {
+    WriteLog(session, "DeleteDestinationFile - could not delete " + path, session.run.DataPeriod);
+  }
+}
+
+void SetDownloadURLPath(Session& session) {
+  WriteLog(session, "SetDownloadURLPath", session.run.DataPeriod);
+  const std::string address = TrimCopy(session.app.DataSetURL);
+  session.shell.Notify(address);
+  WriteLog(session, "DownloadURLPath = " + address, "       ");
+}
+
+}  // namespace corvanet

@@ -1,0 +1,73 @@
+#pragma once
+// Runs corvanet-cli in-process (streams captured, RunListNum.txt and the first report in a start
+// folder of the test's own) or as a real process started from that folder.
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <initializer_list>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "cli/cli.h"
+#include "core/platform/files.h"
+#include "support/test_support.h"
+
+namespace corvanet::test {
+
+struct CliResult {
+  int code = -1;
+  std::string out;
+  std::string err;
+};
+
+class CliTest : public ::testing::Test {
+ protected:
+  CliTest() { CreateFolders(start()); }
+
+  // The installation root as given on the command line (no trailing separator: the CLI adds it).
+  std::string base_arg() const { return dir / "inst"; }
+  std::string base() const { return dir / "inst/"; }
+  std::string start() const { return dir / "start/"; }
+  std::string settings_file() const { return base() + "Rondex/Rondex.ini"; }
+
+  CliResult Run(const std::vector<std::string>& args) const {
+    std::ostringstream out;
+    std::ostringstream err;
+    cli::CliEnvironment environment;
+    environment.start_directory = start();
+    environment.change_directory = false;
+    const int code = cli::RunCli(args, out, err, environment);
+    return {code, out.str(), err.str()};
+  }
+  // The same with "--base-dir" and the test's installation in front.
+  CliResult RunIn(std::initializer_list<std::string> args) const {
+    std::vector<std::string> all = {"--base-dir", base_arg()};
+    all.insert(all.end(), args);
+    return Run(all);
+  }
+
+  // Starts the built program from the start folder with HOME in the temporary folder; `args` is
+  // shell text. Standard error is kept apart from the output.
+  CliResult RunProcess(const std::string& args) const {
+    const std::string command = "cd '" + start() + "' && HOME='" + dir.path() +
+                                "' CORVANET_BASE_DIR= '" + BinaryPath("corvanet-cli") + "' " +
+                                args + " 2>'" + (dir / "stderr.txt") + "'";
+    CliResult result;
+    std::FILE* pipe = ::popen(command.c_str(), "r");
+    if (pipe == nullptr) return result;
+    char buffer[4096];
+    std::size_t got = 0;
+    while ((got = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) result.out.append(buffer, got);
+    const int status = ::pclose(pipe);
+    result.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    result.err = ReadFile(dir / "stderr.txt");
+    return result;
+  }
+
+  TempDir dir;
+};
+
+}  // namespace corvanet::test

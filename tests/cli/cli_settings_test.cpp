@@ -1,0 +1,143 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "cli_fixture.h"
+#include "core/app/settings.h"
+
+namespace corvanet::test {
+namespace {
+
+const std::string kCredentials[] = {"UserName=abc", "Password=pw", "IPAddress=127.0.0.1:9"};
+
+class CliSettingsTest : public CliTest {
+ protected:
+  // The first command of a new user: creates the installation and stores the credentials.
+  void Install() {
+    const CliResult result = RunIn({"settings", kCredentials[0], kCredentials[1], kCredentials[2]});
+    ASSERT_EQ(result.code, 0) << result.err;
+    ASSERT_EQ(result.out, "");
+    ASSERT_EQ(result.err, "");
+  }
+};
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::size_t begin = 0;
+  for (std::size_t end = text.find('\n'); end != std::string::npos; end = text.find('\n', begin)) {
+    lines.push_back(text.substr(begin, end - begin));
+    begin = end + 1;
+  }
+  return lines;
+}
+
+TEST_F(CliSettingsTest, FirstCommandCreatesTheInstallationAndTheSettingsFile) {
+  Install();
+  EXPECT_TRUE(DirectoryExists(base() + "CSVFiles/Base"));
+  EXPECT_TRUE(DirectoryExists(base() + "Lists"));
+  const std::string content = ReadFile(settings_file());
+  const std::vector<std::string> lines = ReadLines(settings_file());
+  ASSERT_EQ(lines.size(), 89U);
+  EXPECT_EQ(std::count(content.begin(), content.end(), '\n'), 89);
+  EXPECT_EQ(std::count(content.begin(), content.end(), '\r'), 89);
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    EXPECT_EQ(lines[i].substr(0, lines[i].find(',')), SettingsTable()[i].key) << i + 1;
+  }
+  EXPECT_EQ(lines[2], "PathToDataFiles,CSVFiles/");
+  EXPECT_EQ(lines[6], "UserName,abc");
+  EXPECT_EQ(lines[7], "Password,pw");
+  struct stat info {};
+  ASSERT_EQ(::stat(settings_file().c_str(), &info), 0);
+  EXPECT_EQ(info.st_mode & 0777U, 0600U);
+  // The start-up report went to the start folder, the settings file was not read from there.
+  EXPECT_TRUE(Exists(start() + "LogFile.txt"));
+  EXPECT_FALSE(Exists(start() + "RunListNum.txt"));
+}
+
+TEST_F(CliSettingsTest, LaterRunsAndOtherProcessesPrintTheValuesBackUnchanged) {
+  Install();
+  const std::string stored = ReadFile(settings_file());
+  const CliResult printed = RunIn({"settings"});
+  ASSERT_EQ(printed.code, 0) << printed.err;
+  const std::vector<std::string> lines = Lines(printed.out);
+  EXPECT_EQ(lines.size(), 88U);  // Stat1File3 once
+  for (const char* expected :
+       {"UserName=abc", "Password=pw", "IPAddress=127.0.0.1:9", "Plus=0",
+        "DownloadCompleteMessageYes=True", "RetryNumber=3", "Stat1File3=Select One"}) {
+    EXPECT_NE(std::find(lines.begin(), lines.end(), expected), lines.end()) << expected;
+  }
+  EXPECT_NE(std::find(lines.begin(), lines.end(), "PathToDataFiles=" + base() + "CSVFiles/"),
+            lines.end());
+
+  const CliResult process = RunProcess("--base-dir '" + base_arg() + "' settings");
+  EXPECT_EQ(process.code, 0) << process.err;
+  EXPECT_EQ(process.out, printed.out);
+  EXPECT_EQ(ReadFile(settings_file()), stored);  // printing writes nothing
+}
+
+TEST_F(CliSettingsTest, ValuesAreSetAsAUserWouldSetThem) {
+  Install();
+  const CliResult result = RunIn({"settings", "UpTrends=1", "DownloadCompleteMessageNo=True",
+                                  "RetryNumber=0", "PathToLists=" + base() + "MyLists/"});
+  ASSERT_EQ(result.code, 0) << result.err;
+  // The retry field refuses 0 with its message box: printed, CR as a new line, then an empty line.
+  EXPECT_EQ(result.out,
+            "Please enter a whole numerical value.\n"
+            "Retry number will now be reset to the default value.\n\n");
+  const std::vector<std::string> lines = ReadLines(settings_file());
+  EXPECT_EQ(lines[3], "PathToLists,MyLists/");
+  EXPECT_EQ(lines[8], "RetryNumber,3");
+  EXPECT_EQ(lines[9], "DownloadCompleteMessageYes,False");
+  EXPECT_EQ(lines[10], "DownloadCompleteMessageNo,True");
+  EXPECT_EQ(lines[14], "UpTrends, 1");
+}
+
+TEST_F(CliSettingsTest, ABadValueChangesNothing) {
+  Install();
+  const std::string stored = ReadFile(settings_file());
+  const std::vector<std::vector<std::string>> bad = {
+      {"settings", "UserName=zzz", "UpTrends=2"},
+      {"settings", "UserName=zzz", "SystemMessagesNo=perhaps"},
+      {"settings", "UserName=zzz", "NoSuchKey=1"},
+      {"settings", "username=zzz"},
+      {"settings", "Stat2File3=Advances"},  // a control the file does not keep
+      {"settings", "UserName"},
+  };
+  for (const auto& args : bad) {
+    std::vector<std::string> all = {"--base-dir", base_arg()};
+    all.insert(all.end(), args.begin(), args.end());
+    const CliResult result = Run(all);
+    EXPECT_EQ(result.code, 2) << args.back();
+    EXPECT_NE(result.err.find("usage: corvanet-cli"), std::string::npos) << args.back();
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(ReadFile(settings_file()), stored) << args.back();
+  }
+}
+
+TEST_F(CliSettingsTest, SavingWithoutCredentialsIsRefusedWithAMessage) {
+  const CliResult result = RunIn({"settings", "UpTrends=1"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(result.out.rfind("Please enter your username and password.\n", 0), 0U);
+  EXPECT_TRUE(result.out.ends_with("\n\n"));
+  // The new installation's own defaults stay as they were written.
+  EXPECT_NE(ReadFile(settings_file()).find("UpTrends, 0\r\n"), std::string::npos);
+}
+
+TEST_F(CliSettingsTest, RelativeBaseDirectoryIsTheSameFolderAfterStartUp) {
+  // The real program makes the program folder current, so a relative root must be resolved first.
+  const CliResult made =
+      RunProcess("--base-dir rel settings UserName=abc Password=pw IPAddress=127.0.0.1:9");
+  ASSERT_EQ(made.code, 0) << made.err;
+  EXPECT_EQ(made.out, "");
+  ASSERT_EQ(ReadLines(start() + "rel/Rondex/Rondex.ini").size(), 89U);
+  const CliResult printed = RunProcess("--base-dir rel settings");
+  EXPECT_NE(printed.out.find("\nUserName=abc\n"), std::string::npos) << printed.out;
+  EXPECT_NE(printed.out.find("\nPathToDataFiles=" + start() + "rel/CSVFiles/\n"), std::string::npos)
+      << printed.out;
+}
+
+}  // namespace
+}  // namespace corvanet::test

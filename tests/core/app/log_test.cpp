@@ -1,0 +1,126 @@
+#include "core/app/log.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "core/app/settings.h"
+#include "core/platform/files.h"
+#include "support/test_session.h"
+
+namespace corvanet::test {
+namespace {
+
+void SetTime(ManualClock& clock) {
+  clock.now.year = 2026;
+  clock.now.month = 11;
+  clock.now.day = 23;
+  clock.now.hour = 14;
+  clock.now.minute = 5;
+  clock.now.second = 9;
+}
+
+unsigned Mode(const std::string& path) {
+  struct stat info {};
+  if (::stat(path.c_str(), &info) != 0) return 0;
+  return info.st_mode & 0777U;
+}
+
+TEST(WriteLogTest, LineIsTimeDetailAndMessage) {
+  TestSession t;
+  Session& s = t.session;
+  SetTime(t.clock);
+  t.EnableLog();
+  LogEntry(s, "LoadINI");
+  s.app.LogDetail = "$NYA Daily";
+  Log(s, "UpdateDatafile - no match");
+  Log(s, "forged\r\n14:00:00 - Not Set - line");  // text from outside stays on its line
+  EXPECT_EQ(t.LogText(),
+            "14:05:09 - Not Set - LoadINI\r\n"
+            "14:05:09 - $NYA Daily - UpdateDatafile - no match\r\n"
+            "14:05:09 - $NYA Daily - forged??14:00:00 - Not Set - line\r\n");
+  EXPECT_EQ(Mode(LogFilePath(s)), 0600U);
+}
+
+TEST(WriteLogTest, NothingIsAddedWhileTheBoxIsUnticked) {
+  TestSession t;
+  Session& s = t.session;
+  WriteSettingsReport(s);
+  const std::string report = t.LogText();
+  LogEntry(s, "LoadINI");
+  WriteLog(s, "direct call", s.app.LogDetail);
+  LoadINI(s);
+  SaveToINI_Click(s);
+  EXPECT_EQ(t.LogText(), report);
+}
+
+TEST(SettingsReportTest, SixteenLinesOfTheMainSettings) {
+  TestSession t;
+  Session& s = t.session;
+  SetTime(t.clock);
+  const std::string base = s.app.BaseDirectory;
+  s.ui.ImplementSpecialFunctions = 1;
+  s.ui.SystemMessagesYes = false;
+  s.ui.SystemMessagesNo = true;
+  s.ui.RetryNumber = "2.5";
+  WriteSettingsReport(s);
+  const std::vector<std::string> expected = {
+      "2026-11-23",
+      "",
+      "ProgramDirectory:  " + base + "Rondex/",
+      "PathToDataFiles.Text:  :" + base + "CSVFiles/",
+      "PathToLists.Text:  " + base + "Lists/",
+      "ImplementSpecialFunctions.Value:   1",
+      "MakeMetaStockPxFiles.Value:   0",
+      "PathToMSPxFiles.Text:  " + base + "MetaStock/",
+      "UserName.Text:  user",
+      "Password.Text:  secret",
+      "RetryNumber.Text:  2.5",
+      "DownloadCompleteMessageYes.Value:  True",
+      "DownloadCompleteMessageNo.Value:  False",
+      "SystemMessagesYes.Value:  False",
+      "SystemMessagesNo.Value:  True",
+      "",
+  };
+  EXPECT_EQ(ReadLines(LogFilePath(s)), expected);
+  const std::string text = t.LogText();
+  EXPECT_TRUE(text.ends_with("True\r\n\r\n"));
+  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 16);
+  EXPECT_EQ(std::count(text.begin(), text.end(), '\r'), 16);
+  EXPECT_EQ(Mode(LogFilePath(s)), 0600U);  // the report holds the password
+}
+
+TEST(SettingsReportTest, ClickingTheBoxEitherWayStartsTheLogAfresh) {
+  TestSession t;
+  Session& s = t.session;
+  t.EnableLog();
+  GenerateLogFile_Click(s);
+  const std::string report = t.LogText();
+  Log(s, "something - happened");
+  EXPECT_EQ(ReadLines(LogFilePath(s)).size(), 17U);
+
+  s.ui.GenerateLogFile = 0;
+  GenerateLogFile_Click(s);
+  EXPECT_EQ(t.LogText(), report);
+  s.ui.GenerateLogFile = 1;
+  Log(s, "again");
+  GenerateLogFile_Click(s);
+  EXPECT_EQ(t.LogText(), report);
+}
+
+TEST(SettingsReportTest, BeforeStartUpFixesTheProgramFolderItGoesToTheStartFolder) {
+  TestSession t;
+  Session& s = t.session;
+  s.app.ProgramDirectory.clear();
+  s.app.StartDirectory = t.dir / "start/";
+  CreateFolders(s.app.StartDirectory);
+  WriteSettingsReport(s);
+  EXPECT_EQ(LogFilePath(s), t.dir / "start/LogFile.txt");
+  EXPECT_EQ(ReadLines(t.dir / "start/LogFile.txt").at(2), "ProgramDirectory:  ");
+}
+
+}  // namespace
+}  // namespace corvanet::test

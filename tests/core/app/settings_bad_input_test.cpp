@@ -1,0 +1,123 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+
+#include "core/app/log.h"
+#include "core/app/settings.h"
+#include "support/test_session.h"
+
+namespace corvanet::test {
+namespace {
+
+Session FreshSession(TestSession& t) {
+  Session fresh(t.shell, t.http, t.clock);
+  fresh.app = t.session.app;
+  fresh.ui.GenerateLogFile = 1;  // so skipped lines can be seen in the log
+  return fresh;
+}
+
+std::string SettingsFile(TestSession& t) {
+  return SettingsFilePath(t.session);
+}
+
+TEST(SettingsBadInputTest, UnusableLinesAreSkippedAndTheRestRead) {
+  TestSession t;
+  std::string content;
+  content += "this line has no comma\r\n";
+  content += std::string("\x00\x01\xff\xfe,\x80garbage", 13) + "\r\n";
+  content += "UserName,first\r\n";
+  content += "Password," + std::string(300 * 1024, 'p') + "\r\n";  // a very long line
+  content += "Unknown,1\r\n";
+  content += "UpTrends,2\r\n";    // not a check value
+  content += "Advances,yes\r\n";  // nor this
+  content += "Declines, 1\r\n";
+  content += "SystemMessagesNo,perhaps\r\n";
+  content += "IPAddress\r\n";  // a key without a value
+  content += "\r\n";
+  content += "UserName,second\r\n";                    // a repeated key: the later line wins
+  content += std::string(100 * 1024, 'k') + ",1\r\n";  // a very long unknown key
+  content += "RetryNumber,4";                          // no line end at the very end
+  WriteFile(SettingsFile(t), content);
+
+  Session fresh = FreshSession(t);
+  fresh.ui.IPAddress = "old.host";
+  LoadINI(fresh);
+  EXPECT_EQ(fresh.ui.UserName, "second");
+  EXPECT_EQ(fresh.ui.Password, std::string(300 * 1024, 'p'));
+  EXPECT_EQ(fresh.ui.UpTrends, 0);
+  EXPECT_EQ(fresh.ui.Advances, 0);
+  EXPECT_EQ(fresh.ui.Declines, 1);
+  EXPECT_TRUE(fresh.ui.SystemMessagesYes);
+  EXPECT_FALSE(fresh.ui.SystemMessagesNo);
+  EXPECT_EQ(fresh.ui.IPAddress, "");
+  EXPECT_EQ(fresh.ui.RetryNumber, "4");
+  EXPECT_TRUE(t.shell.boxes.empty());
+
+  const std::string log = ReadFile(LogFilePath(fresh));
+  EXPECT_NE(log.find("LoadINI - line 1 - unknown key this line has no comma skipped"),
+            std::string::npos);
+  EXPECT_NE(log.find("LoadINI - line 5 - unknown key Unknown skipped"), std::string::npos);
+  EXPECT_NE(log.find("LoadINI - line 6 - UpTrends has a value of the wrong form, skipped"),
+            std::string::npos);
+  EXPECT_NE(log.find("LoadINI - line 10 - IPAddress has no value, skipped"), std::string::npos);
+  // Bytes from the file reach the log only as printable text, and never at length.
+  EXPECT_EQ(log.find('\xff'), std::string::npos);
+  EXPECT_NE(log.find(std::string(40, 'k')), std::string::npos);
+  EXPECT_EQ(log.find(std::string(41, 'k')), std::string::npos);
+}
+
+TEST(SettingsBadInputTest, ValueHoldingACommaLosesItsTailToTheNextKey) {
+  TestSession t;
+  WriteLines(SettingsFile(t), {"UserName,ab,Password,cd", "IPAddress,host", "Password,\"x,y\""});
+  Session fresh = FreshSession(t);
+  LoadINI(fresh);
+  EXPECT_EQ(fresh.ui.UserName, "ab");
+  // The tail stays on its own line: the lines after it are read as written.
+  EXPECT_EQ(fresh.ui.IPAddress, "host");
+  EXPECT_EQ(fresh.ui.Password, "x,y");  // a quoted value keeps its comma
+
+  // Values lose their surrounding blanks, and an unquoted comma does not survive a save.
+  t.session.ui.UserName = "  spaced  ";
+  t.session.ui.Password = "p,w";
+  SaveToINI_Click(t.session);
+  Session again = FreshSession(t);
+  LoadINI(again);
+  EXPECT_EQ(again.ui.UserName, "spaced");
+  EXPECT_EQ(again.ui.Password, "p");
+}
+
+TEST(SettingsBadInputTest, UnreadableFileLeavesTheControlsAsTheyWere) {
+  TestSession t;
+  // A folder where the file should be: no user can read it as a file, root included.
+  std::filesystem::create_directory(SettingsFile(t));
+  Session fresh = FreshSession(t);
+  fresh.ui.UserName = "kept";
+  LoadINI(fresh);
+  EXPECT_EQ(fresh.ui.UserName, "kept");
+  EXPECT_TRUE(t.shell.boxes.empty());
+
+  // Saving over it fails, says so once, and leaves no temporary file behind.
+  SaveToINI_Click(t.session);
+  EXPECT_EQ(t.shell.boxes.size(), 1U);
+  EXPECT_TRUE(std::filesystem::is_directory(SettingsFile(t)));
+  for (const auto& entry : std::filesystem::directory_iterator(t.session.app.ProgramDirectory)) {
+    EXPECT_EQ(entry.path().filename().string().find(".tmp"), std::string::npos) << entry.path();
+  }
+}
+
+TEST(SettingsBadInputTest, FileWithoutReadPermission) {
+  if (::geteuid() == 0) GTEST_SKIP() << "root reads files whatever their mode";
+  TestSession t;
+  WriteLines(SettingsFile(t), {"UserName,hidden"});
+  std::filesystem::permissions(SettingsFile(t), std::filesystem::perms::none);
+  Session fresh = FreshSession(t);
+  fresh.ui.UserName = "kept";
+  LoadINI(fresh);
+  EXPECT_EQ(fresh.ui.UserName, "kept");
+  EXPECT_NE(ReadFile(LogFilePath(fresh)).find("LoadINI - cannot read"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace corvanet::test

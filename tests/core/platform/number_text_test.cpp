@@ -1,0 +1,144 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <new>
+
+#include "core/platform/text.h"
+
+// Counts every allocation of this executable, so a test can prove that formatting a number
+// allocates nothing: the number rule runs once per value of every datafile written.
+namespace {
+std::atomic<long> g_allocations{0};
+}  // namespace
+
+void* operator new(std::size_t size) {
+  g_allocations.fetch_add(1, std::memory_order_relaxed);
+  if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;
+  throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
+
+namespace corvanet {
+namespace {
+
+struct NumberCase {
+  double value;
+  const char* text;
+};
+
+TEST(NumberTextTest, SignBlankDigitsAndPoint) {
+  const NumberCase cases[] = {
+      {0, " 0"},
+      {-0.0, " 0"},  // a negative zero is still zero: no minus sign
+      {.5, " .5"},
+      {-.5, "-.5"},
+      {-3, "-3"},
+      {1234, " 1234"},
+      {1.25, " 1.25"},
+      {100, " 100"},  // trailing zeros of the whole part stay
+      {0.1 + 0.2, " .3"},
+      {0.0001, " .0001"},
+      {-0.00012, "-.00012"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(NumberText(c.value), c.text) << c.value;
+}
+
+TEST(NumberTextTest, FifteenSignificantDigitsRoundedOnce) {
+  EXPECT_EQ(NumberText(1.0 / 3), " .333333333333333");
+  EXPECT_EQ(NumberText(2.0 / 3), " .666666666666667");
+  EXPECT_EQ(NumberText(-2.0 / 3), "-.666666666666667");
+  EXPECT_EQ(NumberText(999999999999999), " 999999999999999");
+  EXPECT_EQ(NumberText(12345.678901234567), " 12345.6789012346");
+  // Rounding to 15 digits can carry into a new power of ten; the form follows the rounded value.
+  EXPECT_EQ(NumberText(999999999999999.9), " 1E+15");
+  EXPECT_EQ(NumberText(0.00009999999999999999), " .0001");
+}
+
+TEST(NumberTextTest, ExponentFormForHugeAndTinyMagnitudes) {
+  const NumberCase cases[] = {
+      {1E15, " 1E+15"},
+      {-1E15, "-1E+15"},
+      {1E-05, " 1E-05"},
+      {-1.5E-05, "-1.5E-05"},
+      {123456789012345678.0, " 1.23456789012346E+17"},
+      {1E100, " 1E+100"},
+      {2.5E-300, " 2.5E-300"},
+      {std::numeric_limits<double>::max(), " 1.79769313486232E+308"},
+      {std::numeric_limits<double>::denorm_min(), " 4.94065645841247E-324"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(NumberText(c.value), c.text) << c.value;
+}
+
+TEST(NumberTextTest, TrimmedAndAppendedForms) {
+  EXPECT_EQ(TrimmedNumberText(.5), ".5");
+  EXPECT_EQ(TrimmedNumberText(-3), "-3");
+  std::string line = "Close,";
+  AppendNumber(line, 12.5);
+  EXPECT_EQ(line, "Close, 12.5");
+}
+
+TEST(FormatNumberTest, WritesIntoTheCallersBufferWithoutAllocating) {
+  char buffer[kNumberTextCapacity];
+  const double values[] = {0, -3, 1.0 / 3, 123456789012345678.0, -1.5E-05, 1E-300, 999999.125};
+  const long before = g_allocations.load();
+  std::size_t total = 0;
+  for (int round = 0; round < 1000; ++round) {
+    for (const double value : values) {
+      const std::string_view text = FormatNumber(value, buffer);
+      total += text.size();
+      if (text.data() != buffer) ADD_FAILURE() << "text outside the given buffer";
+    }
+  }
+  EXPECT_EQ(g_allocations.load() - before, 0);
+  EXPECT_GT(total, 0U);
+  // The longest forms fit the documented capacity.
+  EXPECT_LE(FormatNumber(-1.23456789012345E-100, buffer).size(), kNumberTextCapacity);
+  EXPECT_LE(FormatNumber(-0.000123456789012345, buffer).size(), kNumberTextCapacity);
+}
+
+TEST(LeadingNumberTest, TakesTheNumberATextBeginsWith) {
+  EXPECT_DOUBLE_EQ(LeadingNumber("2.5x"), 2.5);
+  EXPECT_DOUBLE_EQ(LeadingNumber(" -1"), -1);
+  EXPECT_DOUBLE_EQ(LeadingNumber("1e3"), 1000);
+  EXPECT_DOUBLE_EQ(LeadingNumber("1e"), 1);  // an exponent without digits is not taken
+  EXPECT_DOUBLE_EQ(LeadingNumber(".5"), .5);
+  EXPECT_DOUBLE_EQ(LeadingNumber("+7 apples"), 7);
+  for (const char* none : {"abc", "", ".", "-", " ", "e5"}) {
+    EXPECT_EQ(LeadingNumber(none), 0) << '"' << none << '"';
+  }
+}
+
+TEST(ParseTextTest, WholeTextMustBeTheNumber) {
+  int whole = 0;
+  EXPECT_TRUE(ParseInteger(" 1", whole));
+  EXPECT_EQ(whole, 1);
+  EXPECT_TRUE(ParseInteger("-2", whole));
+  EXPECT_EQ(whole, -2);
+  for (const char* bad : {"", "+", "1.0", "1x", "99999999999"}) {
+    EXPECT_FALSE(ParseInteger(bad, whole)) << bad;
+  }
+  double number = 0;
+  EXPECT_TRUE(ParseNumber(" 2.5 ", number));
+  EXPECT_DOUBLE_EQ(number, 2.5);
+  EXPECT_FALSE(ParseNumber("2.5x", number));
+  EXPECT_FALSE(ParseNumber("", number));
+}
+
+TEST(TextTest, TrimAndLetterCase) {
+  EXPECT_EQ(Trim(" \t a b \t"), "a b");
+  EXPECT_EQ(Trim("   "), "");
+  EXPECT_TRUE(EqualsIgnoreCase("$IndU", "$INDU"));
+  EXPECT_FALSE(EqualsIgnoreCase("$INDU", "$INDUX"));
+  EXPECT_EQ(ToLower("Daily-ABC"), "daily-abc");
+}
+
+}  // namespace
+}  // namespace corvanet
