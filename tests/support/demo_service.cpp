@@ -1,0 +1,180 @@
+#include "support/demo_service.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <stdexcept>
+
+#include "core/platform/text.h"
+
+extern char** environ;
+
+namespace corvanet::test {
+
+namespace {
+
+const std::string& ToolPath() {
+  static const std::string path = BinaryPath("corvanet-demo-service");
+  return path;
+}
+
+// Starts `path` with stdin from /dev/null and stdout, stderr appended to the given files.
+pid_t Spawn(const std::string& path, const std::vector<std::string>& args,
+            const std::string& out_file, const std::string& err_file) {
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
+  posix_spawn_file_actions_addopen(&actions, 1, out_file.c_str(), O_WRONLY | O_CREAT | O_APPEND,
+                                   0600);
+  posix_spawn_file_actions_addopen(&actions, 2, err_file.c_str(), O_WRONLY | O_CREAT | O_APPEND,
+                                   0600);
+  std::vector<std::string> words = {path};
+  words.insert(words.end(), args.begin(), args.end());
+  std::vector<char*> argv;
+  for (std::string& word : words) argv.push_back(word.data());
+  argv.push_back(nullptr);
+  pid_t pid = -1;
+  const int error = posix_spawn(&pid, path.c_str(), &actions, nullptr, argv.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  if (error != 0) throw std::runtime_error("cannot start " + path);
+  return pid;
+}
+
+// Waits for the child to end; its exit status, or -1 when it was killed or did not end in time
+// (it is then killed).
+int WaitForExit(pid_t pid, std::chrono::milliseconds limit) {
+  int status = 0;
+  bool ended = false;
+  WaitFor([&] { return ended = ::waitpid(pid, &status, WNOHANG) == pid; }, limit);
+  if (!ended) {
+    ::kill(pid, SIGKILL);
+    ::waitpid(pid, &status, 0);
+    return -1;
+  }
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+}  // namespace
+
+ProgramResult RunProgram(const std::string& path, const std::vector<std::string>& args,
+                         std::chrono::milliseconds limit) {
+  TempDir scratch;
+  const pid_t pid = Spawn(path, args, scratch / "out", scratch / "err");
+  ProgramResult result;
+  result.exit_code = WaitForExit(pid, limit);
+  result.out = ReadFile(scratch / "out");
+  result.err = ReadFile(scratch / "err");
+  return result;
+}
+
+DemoService::DemoService(DemoServiceOptions options)
+    : options_(std::move(options)),
+      root_(dir_ / "root/"),
+      faults_file_(dir_ / "faults.txt"),
+      port_file_(dir_ / "port"),
+      log_file_(dir_ / "serve.log") {
+  const ProgramResult generated = RunProgram(
+      ToolPath(), {"generate", "--root", root_, "--composites", std::to_string(options_.composites),
+                   "--years", std::to_string(options_.years), "--seed",
+                   std::to_string(options_.seed), "--message-kind", options_.message_kind});
+  if (generated.exit_code != 0) {
+    throw std::runtime_error("corvanet-demo-service generate failed: " + generated.err);
+  }
+  SetFaults(options_.faults);
+  if (options_.start) Start();
+}
+
+DemoService::~DemoService() {
+  Stop();
+}
+
+std::string DemoService::data_set_folder(std::string_view data_set) const {
+  return root_ + "ovalith/" + std::string(data_set) + "/";
+}
+
+std::string DemoService::host_and_port() const {
+  return "127.0.0.1:" + std::to_string(port_);
+}
+
+std::string DemoService::url(std::string_view path) const {
+  return "http://" + host_and_port() + std::string(path);
+}
+
+void DemoService::SetFaults(const std::vector<std::string>& rules) {
+  // Written beside and renamed over, so the server never reads half a file.
+  std::string content;
+  for (const std::string& rule : rules) content += rule + "\n";
+  const std::string temporary = faults_file_ + ".new";
+  WriteFile(temporary, content);
+  if (::rename(temporary.c_str(), faults_file_.c_str()) != 0) {
+    throw std::runtime_error("cannot write " + faults_file_);
+  }
+}
+
+void DemoService::Restart(const std::vector<std::string>& rules) {
+  Stop();
+  SetFaults(rules);
+  Start();
+}
+
+void DemoService::Start() {
+  if (running()) return;
+  // The same port again if it was used before, so a client's settings stay valid; another one
+  // only when it was taken meanwhile.
+  if (port_ != 0 && StartOn(port_)) return;
+  if (!StartOn(0)) throw std::runtime_error("corvanet-demo-service serve failed: " + log());
+}
+
+bool DemoService::StartOn(int port) {
+  ::unlink(port_file_.c_str());
+  pid_ = Spawn(ToolPath(),
+               {"serve", "--root", root_, "--host", "127.0.0.1", "--port", std::to_string(port),
+                "--user", options_.user, "--password", options_.password, "--faults", faults_file_,
+                "--port-file", port_file_},
+               dir_ / "serve.out", log_file_);
+  int status = 0;
+  bool exited = false;
+  WaitFor([&] {
+    exited = ::waitpid(pid_, &status, WNOHANG) == pid_;
+    return exited || !ReadFile(port_file_).empty();
+  });
+  std::string port_text = ReadFile(port_file_);
+  while (!port_text.empty() && (port_text.back() == '\n' || port_text.back() == '\r')) {
+    port_text.pop_back();
+  }
+  int bound = 0;
+  if (exited || !ParseInteger(port_text, bound) || bound <= 0) {
+    if (!exited) {
+      ::kill(pid_, SIGKILL);
+      ::waitpid(pid_, &status, 0);
+    }
+    pid_ = -1;
+    return false;
+  }
+  port_ = bound;
+  return true;
+}
+
+void DemoService::Stop() {
+  if (!running()) return;
+  ::kill(pid_, SIGTERM);
+  last_exit_status_ = WaitForExit(pid_, std::chrono::seconds(10));
+  pid_ = -1;
+}
+
+void DemoService::Advance(int bars) {
+  const ProgramResult result =
+      RunProgram(ToolPath(), {"advance", "--root", root_, "--bars", std::to_string(bars)});
+  if (result.exit_code != 0) {
+    throw std::runtime_error("corvanet-demo-service advance failed: " + result.err);
+  }
+}
+
+std::string DemoService::log() const {
+  return ReadFile(log_file_);
+}
+
+}  // namespace corvanet::test

@@ -1,0 +1,154 @@
+// `serve`: the data tree over HTTP with basic authentication and fault injection, until SIGINT or
+// SIGTERM.
+#include <pthread.h>
+#include <signal.h>
+#include <sys/socket.h>
+
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <ostream>
+#include <thread>
+
+#include <httplib.h>
+
+#include "core/platform/files.h"
+#include "demo_service/commands.h"
+#include "demo_service/connections.h"
+#include "demo_service/data_tree.h"
+#include "demo_service/options.h"
+#include "demo_service/request_handler.h"
+
+namespace corvanet::demo {
+
+namespace {
+
+// Enough for a client's keep-alive connection, a few concurrent tests and some delayed requests.
+constexpr std::size_t kWorkers = 16;
+constexpr time_t kKeepAliveSeconds = 5;
+// On a stop signal, answers under way get this long before every connection is closed; idle
+// keep-alive connections would otherwise hold the exit up until they time out.
+constexpr auto kStopGrace = std::chrono::milliseconds(200);
+
+std::vector<FaultRule> CommandLineFaults(const Options& options) {
+  std::vector<FaultRule> rules;
+  for (const std::string& text : options.All("fault")) {
+    FaultRule rule;
+    std::string error;
+    if (!ParseFaultRule(text, rule, error)) throw UsageError("option --fault: " + error);
+    rules.push_back(std::move(rule));
+  }
+  return rules;
+}
+
+// SIGINT and SIGTERM are taken by one thread with sigwait, so the server is stopped from an
+// ordinary thread rather than from a signal handler. Blocked before any thread starts, so every
+// thread inherits the mask.
+sigset_t BlockStopSignals() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, SIGINT);
+  sigaddset(&signals, SIGTERM);
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  // A client that hangs up mid-answer must not end the server.
+  ::signal(SIGPIPE, SIG_IGN);
+  return signals;
+}
+
+int Bind(httplib::Server& server, const std::string& host, int port) {
+  errno = 0;
+  const int bound =
+      port == 0 ? server.bind_to_any_port(host) : (server.bind_to_port(host, port) ? port : -1);
+  if (bound > 0) return bound;
+  const int error = errno;
+  throw RunError("cannot listen on " + host + ":" + std::to_string(port) + ": " +
+                 (error != 0 ? std::strerror(error) : "address in use or not available"));
+}
+
+}  // namespace
+
+int Serve(const std::vector<std::string>& args, std::ostream& out, std::ostream& log) {
+  const Options options(args, {{"root"},
+                               {"host"},
+                               {"port"},
+                               {"user"},
+                               {"password"},
+                               {"faults"},
+                               {"fault", true},
+                               {"port-file"}});
+  const std::string root = RootFolder(options);
+  const std::string host = options.Text("host", "127.0.0.1");
+  const int port = static_cast<int>(options.Integer("port", 8080, 0, 65535));
+  Credentials credentials{options.Required("user"), options.Required("password")};
+  // Basic authentication splits at the first ':', so a user name cannot hold one.
+  if (credentials.user.find(':') != std::string::npos) {
+    throw UsageError("option --user cannot hold ':'");
+  }
+  const std::string port_file = options.Text("port-file", "");
+  std::vector<FaultRule> command_line_faults = CommandLineFaults(options);
+  if (!DirectoryExists(root + std::string(kServedTop))) {
+    throw RunError("no data tree under " + root + " (run generate first)");
+  }
+  FaultBook faults(std::move(command_line_faults), options.Text("faults", ""));
+  std::string error;
+  if (!faults.Load(error)) throw RunError(error);
+
+  const sigset_t stop_signals = BlockStopSignals();
+  RequestLog request_log(log);
+  StopSignal stop;
+  RequestHandler handler(root, std::move(credentials), faults, request_log, stop);
+
+  httplib::Server server;
+  server.new_task_queue = [] { return new httplib::ThreadPool(kWorkers); };
+  // Only SO_REUSEADDR: the library's default also sets SO_REUSEPORT, with which a second server
+  // on a port already in use would start without an error.
+  server.set_socket_options([](socket_t socket) {
+    int yes = 1;
+    ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+  });
+  server.set_keep_alive_max_count(1000);
+  server.set_keep_alive_timeout(kKeepAliveSeconds);
+  server.set_pre_routing_handler([&](const httplib::Request& request, httplib::Response& response) {
+    handler.Handle(request, response);
+    return httplib::Server::HandlerResponse::Handled;
+  });
+
+  const int bound = Bind(server, host, port);
+  if (!port_file.empty() && !WriteWholeFile(port_file, std::to_string(bound) + "\n")) {
+    throw RunError("cannot write the port file " + port_file);
+  }
+  out << "listening on " << host << ":" << bound << std::endl;
+
+  std::atomic<bool> listening_done{false};
+  std::atomic<int> stopped_by{0};
+  std::thread signal_thread([&] {
+    int signal_number = 0;
+    sigwait(&stop_signals, &signal_number);
+    if (listening_done) return;
+    stopped_by = signal_number;
+    stop.Stop();
+    server.stop();
+    const auto grace_ends = std::chrono::steady_clock::now() + kStopGrace;
+    // Repeated: a signal that lands before the listen loop has started is lost by one stop().
+    while (!listening_done) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+      server.stop();
+      if (std::chrono::steady_clock::now() >= grace_ends) ShutdownAllConnections();
+    }
+  });
+  const bool listened = server.listen_after_bind();
+  listening_done = true;
+  if (stopped_by == 0) pthread_kill(signal_thread.native_handle(), SIGTERM);
+  signal_thread.join();
+
+  if (!port_file.empty()) RemoveFile(port_file);
+  if (stopped_by != 0) {
+    request_log.Note(std::string("stopped by ") + (stopped_by == SIGINT ? "SIGINT" : "SIGTERM"));
+    return 0;
+  }
+  if (!listened) throw RunError("the server stopped unexpectedly");
+  return 0;
+}
+
+}  // namespace corvanet::demo
