@@ -1,0 +1,21 @@
+#pragma once
+// A help page view: shows a local HTML file named by a path that may end in "#anchor".
+#include <QTextBrowser>
+#include <string>
+
+namespace corvanet::gui {
+
+class HelpBrowser final : public QTextBrowser {
+  Q_OBJECT
+
+ public:
+  explicit HelpBrowser(QWidget* parent = nullptr);
+  // Loads the page when the path differs from the one shown, then scrolls to its anchor.
+  void ShowPage(const std::string& path_and_anchor);
+  const std::string& shown() const { return shown_; }
+
+ private:
+  std::string shown_;
+};
+
+}  // namespace corvanet::gui

@@ -1,0 +1,157 @@
+// "General Settings": log-in, data set, messages, special functions, log file, folders, server.
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+#include "core/app/log.h"
+#include "core/app/settings.h"
+#include "core/lists/clear_datafiles.h"
+#include "gui/folder_browse.h"
+#include "gui/page.h"
+
+namespace corvanet::gui {
+
+namespace {
+
+constexpr std::string_view kPasswordPlaceholder = "Enter password here";
+
+QGroupBox* Group(const char* name, const QString& title, QLayout* content) {
+  auto* frame = new QGroupBox(title);
+  frame->setObjectName(name);
+  frame->setLayout(content);
+  return frame;
+}
+
+QLabel* Note(const QString& text) {
+  auto* label = new QLabel(text);
+  label->setWordWrap(true);
+  return label;
+}
+
+// Clearing deletes every datafile, and the core asks nothing first, so the window asks.
+void AskAndClearDataFiles(Session& session) {
+  const Answer answer = session.shell.MessageBox(
+      "Delete every datafile in " + session.ui.PathToDataFiles +
+          " and its period folders?\rThe next download then fetches every datafile in full.",
+      "Clear Datafiles", Buttons::kYesNo, Icon::kQuestion);
+  if (answer == Answer::kYes) ClearDataFiles_Click(session);
+}
+
+class GeneralPage final : public Page {
+ public:
+  explicit GeneralPage(PageHost& host) : Page(host) {
+    auto* columns = new QHBoxLayout(this);
+    auto* left = new QVBoxLayout;
+    auto* right = new QVBoxLayout;
+    columns->addLayout(left, 3);
+    columns->addLayout(right, 2);
+
+    auto* login = new QGridLayout;
+    login->addWidget(new QLabel("User Name"), 0, 0);
+    login->addWidget(bind_.SettingText("UserName"), 0, 1);
+    login->addWidget(new QLabel("Password"), 1, 0);
+    password_ = bind_.SettingText("Password");
+    login->addWidget(password_, 1, 1);
+    login->addWidget(Note("Both are case sensitive."), 2, 1);
+    left->addWidget(Group("Frame4", "Log In Info", login));
+
+    auto* data_set = new QVBoxLayout;
+    auto* boxes = new QHBoxLayout;
+    boxes->addWidget(bind_.SettingCheck("Plus", "Plus"));
+    boxes->addWidget(bind_.SettingCheck("AllUS", "All US"));
+    boxes->addStretch();
+    data_set->addLayout(boxes);
+    data_set->addWidget(bind_.Label("FullPath", &WindowState::FullPath));
+    left->addWidget(Group("Frame12", "Data Set", data_set));
+
+    auto* paths = new QGridLayout;
+    AddPathRow(paths, 0, "Directory To Download .csv Files Into", "PathToDataFiles",
+               "BrowseToDownloadPath", FolderKind::kDataFiles);
+    AddPathRow(paths, 2, "Directory Containing Download Lists", "PathToLists",
+               "BrowseToCompositeListPath", FolderKind::kLists);
+    left->addWidget(Group("Frame5", "File Paths", paths));
+
+    auto* server = new QGridLayout;
+    server->addWidget(new QLabel("Data Service Address"), 0, 0);
+    server->addWidget(bind_.SettingText("IPAddress"), 0, 1);
+    server->addWidget(new QLabel("Retries"), 1, 0);
+    auto* retries = bind_.SettingText("RetryNumber");
+    retries->setMaximumWidth(80);
+    server->addWidget(retries, 1, 1, Qt::AlignLeft);
+    left->addWidget(Group("FrameServer", "Data Service", server));
+    left->addStretch();
+
+    right->addWidget(
+        Group("Frame11", "System Messages", OptionPair("SystemMessagesYes", "SystemMessagesNo")));
+    right->addWidget(Group("Frame10", "\"Download Complete\" Pop-Up Message",
+                           OptionPair("DownloadCompleteMessageYes", "DownloadCompleteMessageNo")));
+    auto* special = new QVBoxLayout;
+    special->addWidget(
+        bind_.SettingCheck("ImplementSpecialFunctions", "Implement Special Functions"));
+    right->addWidget(Group("Frame15", "Special Functions", special));
+    auto* log = new QVBoxLayout;
+    log->addWidget(bind_.PlainCheck("GenerateLogFile", &WindowState::GenerateLogFile,
+                                    "Generate Log File", &GenerateLogFile_Click));
+    log->addWidget(Note("This must be selected upon each new run."));
+    right->addWidget(Group("Frame16", "Generate Log File", log));
+    right->addStretch();
+
+    auto* buttons = new QGridLayout;
+    buttons->addWidget(bind_.Button("SaveToINI", "Save Settings", &SaveToINI_Click), 0, 0);
+    // Reloading fetches a fresh master file from the service, which may take a while.
+    buttons->addWidget(
+        bind_.WorkerButton("LoadConfiguration", "Reload Saved Settings", &LoadConfiguration_Click),
+        0, 1);
+    buttons->addWidget(bind_.Button("ClearDataFiles", "Clear Datafiles", &AskAndClearDataFiles), 1,
+                       0);
+    auto* exit = new QPushButton("Exit");
+    exit->setObjectName("Exit2");
+    connect(exit, &QPushButton::clicked, this, [this] { host_.ExitClicked(2); });
+    buttons->addWidget(exit, 1, 1);
+    right->addLayout(buttons);
+  }
+
+  void Render(const WindowState& state) override {
+    bind_.Render(state);
+    // The placeholder stays readable; a real password is shown only while it is being typed.
+    const bool placeholder = state.Password.empty() || state.Password == kPasswordPlaceholder;
+    password_->setEchoMode(placeholder ? QLineEdit::Normal : QLineEdit::PasswordEchoOnEdit);
+  }
+
+ private:
+  QLayout* OptionPair(std::string_view yes, std::string_view no) {
+    auto* row = new QHBoxLayout;
+    row->addWidget(bind_.SettingOption(yes, "Yes"));
+    row->addWidget(bind_.SettingOption(no, "No"));
+    row->addStretch();
+    return row;
+  }
+
+  void AddPathRow(QGridLayout* grid, int row, const QString& label, std::string_view key,
+                  const char* browse_name, FolderKind kind) {
+    grid->addWidget(new QLabel(label), row, 0, 1, 2);
+    grid->addWidget(bind_.SettingText(key), row + 1, 0);
+    auto* browse = new QPushButton("Browse To Directory");
+    browse->setObjectName(browse_name);
+    connect(browse, &QPushButton::clicked, this, [this, kind] {
+      host_.Handle([this, kind](Session& s) { BrowseToDirectory(s, kind, this); });
+    });
+    grid->addWidget(browse, row + 1, 1);
+  }
+
+  QLineEdit* password_ = nullptr;
+};
+
+}  // namespace
+
+Page* MakeGeneralPage(PageHost& host) {
+  return new GeneralPage(host);
+}
+
+}  // namespace corvanet::gui

@@ -1,2 +1,0 @@
-// The window's library; its classes arrive with the window.
-namespace corvanet::gui {}
