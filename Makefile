@@ -1,4 +1,5 @@
 # The two first commands of the README: `make demo` and `make test`.
+MAKEFLAGS += --no-print-directory
 BUILD ?= build
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 CMAKE_FLAGS ?=

@@ -21,7 +21,7 @@ cli=("$bin/corvanet-cli" --base-dir "$work/install/")
 cd "$work"
 "${cli[@]}" settings UserName=bench Password=bench "IPAddress=127.0.0.1:$port" \
   DownloadCompleteMessageNo=True SystemMessagesNo=True >/dev/null
-"${cli[@]}" list 7 vendor eSignal >/dev/null
+"${cli[@]}" list 7 vendor eSignal periods D,W,M,Q >/dev/null
 "${cli[@]}" run 7 >/dev/null          # first run: every base copy fetched whole
 "$bin/corvanet-demo-service" advance --root "$work/service" --bars 1 >/dev/null
 

@@ -30,7 +30,7 @@ echo "== Demo service listening on 127.0.0.1:$port"
 cli=("$bin/corvanet-cli" --base-dir "$install")
 cd "$demo"   # RunListNum.txt and the first report live in the start folder
 "${cli[@]}" settings "UserName=$user" "Password=$password" "IPAddress=127.0.0.1:$port" >/dev/null
-"${cli[@]}" list 7 vendor eSignal >/dev/null
+"${cli[@]}" list 7 vendor eSignal periods D,W,M,Q >/dev/null
 
 echo "== First run: every datafile fetched whole"
 status=0

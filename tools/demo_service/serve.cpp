@@ -107,6 +107,8 @@ int Serve(const std::vector<std::string>& args, std::ostream& out, std::ostream&
     int yes = 1;
     ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
   });
+  // Headers and body go out in separate writes; without this each answer waits on a delayed ACK.
+  server.set_tcp_nodelay(true);
   server.set_keep_alive_max_count(1000);
   server.set_keep_alive_timeout(kKeepAliveSeconds);
   server.set_pre_routing_handler([&](const httplib::Request& request, httplib::Response& response) {
