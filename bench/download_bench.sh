@@ -12,7 +12,7 @@ trap 'kill ${service_pid:-0} 2>/dev/null || true; rm -rf "$work"' EXIT
 "$bin/corvanet-demo-service" generate --root "$work/service" --composites "$composites" \
   --years "$years" --seed 3 >/dev/null
 "$bin/corvanet-demo-service" serve --root "$work/service" --port 0 --port-file "$work/port" \
-  --user bench --password bench 2>/dev/null &
+  --user bench --password bench >/dev/null 2>&1 &
 service_pid=$!
 for _ in $(seq 1 100); do [ -s "$work/port" ] && break; sleep 0.05; done
 port=$(cat "$work/port")

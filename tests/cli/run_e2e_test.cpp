@@ -1,0 +1,165 @@
+// Whole runs of corvanet-cli against the demo data service.
+#include <gtest/gtest.h>
+
+#include "cli/run_fixture.h"
+#include "core/platform/text.h"
+
+namespace corvanet::test {
+namespace {
+
+// The newest row of a service symbol in the service's update file of a period.
+std::string NewestUpdateRow(const std::string& update_file, const std::string& symbol) {
+  std::string newest;
+  for (const std::string& line : ReadLines(update_file)) {
+    if (line.substr(0, 15).find_first_not_of(' ') != std::string::npos &&
+        std::string(Trim(line.substr(0, 15))) == symbol) {
+      newest = line.substr(16);
+    }
+  }
+  return newest;
+}
+
+bool Contains(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+TEST_F(RunTest, FirstRunFetchesEveryBaseCopyAndTheNextRunOnlyMerges) {
+  MakeList(2, "eSignal", "D", {"$NYA", "$INDU", "$SOX"});
+  const CliResult first = RunList(2);
+  ASSERT_EQ(first.code, 0) << first.out << first.err;
+  EXPECT_TRUE(Contains(first.out, "Datafiles fetched whole: 3")) << first.out;
+  for (const char* name : {"Daily/$NYA.csv", "Daily/$INDU.csv", "Daily/$SOX.csv"}) {
+    EXPECT_EQ(ValidateDatafile(data(name)), std::vector<std::string>{}) << name;
+  }
+
+  service.Advance(1);
+  const int whole_fetches = Requests("CompositeStats.csv");
+  const CliResult second = RunList(2);
+  ASSERT_EQ(second.code, 0) << second.out;
+  EXPECT_TRUE(Contains(second.out, "Datafiles updated by merge: 3")) << second.out;
+  EXPECT_TRUE(Contains(second.out, "Datafiles fetched whole: 0"));
+  EXPECT_EQ(Requests("CompositeStats.csv"), whole_fetches) << "no datafile fetched whole";
+  const std::string update = ServiceFile("Update-Daily.csv");
+  EXPECT_EQ(LastRow("Daily/$NYA.csv"), NewestUpdateRow(update, "NYSE"));
+  EXPECT_EQ(LastRow("Daily/$INDU.csv"), NewestUpdateRow(update, "DJ30"));
+  EXPECT_EQ(LastRow("Daily/$SOX.csv"), NewestUpdateRow(update, "SOX"));
+  EXPECT_EQ(ValidateDatafile(data("Daily/$NYA.csv")), std::vector<std::string>{});
+}
+
+TEST_F(RunTest, MoreThanFiveBarsBehindFetchesEachDatafileOnceThenMerges) {
+  MakeList(2, "eSignal", "D", {"$NYA", "$SOX"});
+  ASSERT_EQ(RunList(2).code, 0);
+  service.Advance(7);
+  const int before = Requests("NYSEDaily-CompositeStats.csv");
+  const CliResult run = RunList(2);
+  ASSERT_EQ(run.code, 0) << run.out;
+  EXPECT_TRUE(Contains(run.out, "Datafiles fetched whole: 2")) << run.out;
+  EXPECT_EQ(Requests("NYSEDaily-CompositeStats.csv"), before + 1);
+  EXPECT_EQ(LastRow("Daily/$NYA.csv"),
+            NewestUpdateRow(ServiceFile("Update-Daily.csv"), "NYSE"));
+  EXPECT_EQ(ValidateDatafile(data("Daily/$SOX.csv")), std::vector<std::string>{});
+}
+
+TEST_F(RunTest, EachVendorNamesItsDatafilesItsOwnWay) {
+  const std::vector<std::string> issues{"$INDU", "$SOX"};
+  const struct {
+    const char* vendor;
+    std::vector<std::string> files;
+  } cases[] = {
+      {"eSignal", {"Daily/$INDU.csv", "Daily/$SOX.csv"}},
+      {"Reuters", {"Daily/_DJI.csv", "Daily/_SOXX.csv"}},
+      {"Yahoo", {"Daily/^DJI.csv", "Daily/^SOX.csv"}},
+      {"Other", {"DJ30Daily-CompositeStats.csv", "SOXDaily-CompositeStats.csv"}},
+  };
+  for (const auto& c : cases) {
+    MakeList(1, c.vendor, "D", issues);
+    ASSERT_EQ(RunList(1).code, 0) << c.vendor;
+    for (const std::string& file : c.files) {
+      EXPECT_EQ(ValidateDatafile(data(file)), std::vector<std::string>{}) << c.vendor << file;
+    }
+  }
+}
+
+TEST_F(RunTest, OnlyTheTickedPeriodsRunAndQuarterlySkipsTheBroadIndexes) {
+  MakeList(3, "eSignal", "W,Q", {"$NYA", "$SOX"});
+  ASSERT_EQ(RunList(3).code, 0);
+  EXPECT_EQ(Requests("/Update-Weekly.csv"), 1);
+  EXPECT_EQ(Requests("/Update-Quarterly.csv"), 1);
+  EXPECT_EQ(Requests("/Update-Daily.csv"), 0);
+  EXPECT_EQ(Requests("/Update-Monthly.csv"), 0);
+  EXPECT_TRUE(Exists(data("Weekly/$NYA.csv")));
+  EXPECT_TRUE(Exists(data("Quarterly/$SOX.csv")));
+  EXPECT_FALSE(Exists(data("Quarterly/$NYA.csv")));
+  EXPECT_EQ(Requests("NYSEQuarterly"), 0);
+}
+
+TEST_F(RunTest, AllDailyWithForceFullFetchesTheWholeMasterListEveryRun) {
+  ASSERT_EQ(RunIn({"settings", "AllDailyForceFull=1"}).code, 0);
+  ASSERT_EQ(RunIn({"list", "6", "vendor", "eSignal", "periods", "D"}).code, 0);
+  ASSERT_EQ(RunList(6).code, 0);
+  const CliResult second = RunList(6);
+  ASSERT_EQ(second.code, 0) << second.out;
+  EXPECT_TRUE(Contains(second.out, "Datafiles fetched whole: 12")) << second.out;
+  EXPECT_EQ(Requests("XLKDaily-CompositeStats.csv"), 2);
+}
+
+TEST_F(RunTest, AWithdrawnSymbolLeavesTheUserListsWithAReport) {
+  MakeList(2, "eSignal", "D", {"$NYA", "$SOX"});
+  std::string master;
+  for (const std::string& line : ReadLines(ServiceFile("Masterfile2.csv"))) {
+    if (!Contains(line, "$SOX")) master += line + "\r\n";
+  }
+  WriteFile(ServiceFile("Masterfile2.csv"), master);
+  const CliResult run = RunList(2);
+  EXPECT_TRUE(Contains(run.out,
+                       "Due to an update in Tessaly's Compilation List\n"
+                       "the following symbols have been removed from your\n"
+                       "download lists:\n"
+                       "Download List 2 - Symbol:  $SOX\n"))
+      << run.out;
+  const std::string list = ReadFile(base() + "Lists/Download2.csv");
+  EXPECT_FALSE(Contains(list, "$SOX"));
+  EXPECT_TRUE(Contains(list, "$NYA"));
+  EXPECT_FALSE(Contains(ReadFile(base() + "Masterfile2.csv"), "$SOX"));
+}
+
+TEST_F(RunTest, SystemMessagesAreShownAsTheOptionsAsk) {
+  MakeList(2, "eSignal", "D", {"$NYA"});
+  ASSERT_EQ(RunIn({"settings", "SystemMessagesYes=True", "DownloadCompleteMessageYes=True"}).code,
+            0);
+  const auto message = [&](const std::vector<std::string>& lines) {
+    WriteLines(ServiceFile("Zennor_System.txt"), lines);
+  };
+  message({"-1", "", "Hidden"});
+  CliResult run = RunList(2);
+  EXPECT_FALSE(Contains(run.out, "Hidden"));
+  EXPECT_TRUE(Contains(run.out, "Update for Download List 2 completed on "));
+
+  message({"0", "", "Corvanet 4.2 is out", "exit", "never shown"});
+  run = RunList(2);
+  EXPECT_TRUE(Contains(run.out, "Corvanet 5.2 is out \nUpdate for Download List 2")) << run.out;
+  EXPECT_FALSE(Contains(run.out, "never shown"));
+
+  message({"1", "http://127.0.0.1/news", "Visit us"});
+  run = RunIn({"--yes", "run", "2"});
+  EXPECT_TRUE(Contains(run.out, "Do you want to go to the web site now?")) << run.out;
+  EXPECT_TRUE(Contains(run.out, "Open: http://127.0.0.1/news"));
+
+  std::filesystem::remove(ServiceFile("Zennor_System.txt"));
+  run = RunList(2);
+  EXPECT_EQ(run.code, 0) << "a missing message file never fails the run";
+  EXPECT_TRUE(Contains(run.out, "Update for Download List 2 completed on "));
+}
+
+TEST_F(RunTest, RunListNumStartsOneUnattendedRun) {
+  MakeList(4, "eSignal", "D", {"$INDU"});
+  WriteFile(start() + "RunListNum.txt", "4\r\n");
+  const CliResult run = Run({"--base-dir", base_arg()});
+  EXPECT_EQ(run.code, 0) << run.out;
+  EXPECT_TRUE(Contains(run.out, "Datafiles fetched whole: 1"));
+  EXPECT_EQ(ReadFile(start() + "RunListNum.txt"), "0\r\n");
+  EXPECT_TRUE(Exists(data("Daily/$INDU.csv")));
+}
+
+}  // namespace
+}  // namespace corvanet::test

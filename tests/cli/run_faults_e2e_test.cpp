@@ -1,0 +1,173 @@
+// Faults of the data service and bad files on disk, run by corvanet-cli against the demo service:
+// the datafile in question fails with a log line and a summary line, the others are updated, and
+// nothing already on disk is damaged.
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+
+#include "cli/run_fixture.h"
+
+namespace corvanet::test {
+namespace {
+
+bool Contains(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+class RunFaultsTest : public RunTest {
+ protected:
+  void SetUp() override {
+    RunTest::SetUp();
+    MakeList(2, "eSignal", "D", {"$NYA", "$INDU", "$SOX"});
+    ASSERT_EQ(RunList(2).code, 0);
+    before_ = Snapshot("Daily");
+  }
+  // The content a datafile had after the first good run.
+  std::string Before(const std::string& name) const {
+    for (const auto& [file, content] : before_) {
+      if (file == name) return content;
+    }
+    return {};
+  }
+  // Runs list 2 with logging on and checks the failing datafile and the others.
+  void ExpectOnlyNyaFails(const std::string& reason) {
+    const CliResult run = RunIn({"--log", "run", "2"});
+    EXPECT_EQ(run.code, 3) << run.out;
+    EXPECT_TRUE(Contains(run.out, "Datafiles failed: 1")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "  $NYA Daily: " + reason)) << run.out;
+    EXPECT_EQ(ReadFile(data("Daily/$NYA.csv")), Before("$NYA.csv"));
+    EXPECT_NE(ReadFile(data("Daily/$SOX.csv")), Before("$SOX.csv")) << "the others are updated";
+    EXPECT_EQ(ValidateDatafile(data("Daily/$INDU.csv")), std::vector<std::string>{});
+    const std::string log = ReadFile(base() + "Rondex/LogFile.txt");
+    EXPECT_TRUE(Contains(log, "NYSEDaily-CompositeStats.csv")) << log;
+    // Only the settings report names the password (the file is its owner's alone).
+    for (const std::string& line : ReadLines(base() + "Rondex/LogFile.txt")) {
+      if (line.rfind("Password.Text:", 0) == 0) continue;
+      EXPECT_FALSE(Contains(line, service.password())) << line;
+      EXPECT_FALSE(Contains(line, service.user() + ":")) << line;
+    }
+  }
+  std::vector<std::pair<std::string, std::string>> before_;
+};
+
+// Every fault of a whole-file fetch: the service falls behind, so each datafile needs one.
+TEST_F(RunFaultsTest, AFailedWholeFetchFailsOnlyItsDatafile) {
+  service.Advance(7);
+  const struct {
+    const char* rule;
+    const char* reason;
+  } faults[] = {{"status 500", "HTTP 500"},
+                {"status 404", "HTTP 404"},
+                {"truncate", "body cut short"},
+                {"drop", "connection dropped"}};
+  for (const auto& fault : faults) {
+    SCOPED_TRACE(fault.rule);
+    service.SetFaults({std::string("*/NYSEDaily-CompositeStats.csv ") + fault.rule});
+    ExpectOnlyNyaFails(fault.reason);
+    EXPECT_EQ(ReadFile(data("Base/NYSEDaily-CompositeStats.csv")).size(),
+              std::filesystem::file_size(data("Base/NYSEDaily-CompositeStats.csv")));
+  }
+}
+
+TEST_F(RunFaultsTest, ATimeOutFailsOnlyItsDatafile) {
+  service.Advance(7);
+  ::setenv("CORVANET_HTTP_TIMEOUT", "1", 1);
+  service.SetFaults({"*/NYSEDaily-CompositeStats.csv delay 2500"});
+  ExpectOnlyNyaFails("timed out");
+  ::unsetenv("CORVANET_HTTP_TIMEOUT");
+}
+
+TEST_F(RunFaultsTest, WrongCredentialsFailEveryDatafileAndWriteNothing) {
+  ASSERT_EQ(RunIn({"settings", "Password=wrong"}).code, 0);
+  service.Advance(1);
+  const CliResult run = RunList(2);
+  EXPECT_EQ(run.code, 3);
+  EXPECT_TRUE(Contains(run.out, "Problem: Update-Daily.csv: HTTP 401")) << run.out;
+  EXPECT_EQ(Snapshot("Daily"), before_) << "merged from the old update file: nothing new";
+}
+
+TEST_F(RunFaultsTest, GarbledUpdateLinesAreLeftOutAndTheRestMerges) {
+  service.Advance(1);
+  std::string update = "garbage\r\n\r\nNYSE\r\nSOX             D,2024,short\r\n";
+  update += ReadFile(ServiceFile("Update-Daily.csv"));
+  WriteFile(ServiceFile("Update-Daily.csv"), update);
+  const CliResult run = RunList(2);
+  EXPECT_EQ(run.code, 0) << run.out;
+  EXPECT_TRUE(Contains(run.out, "Datafiles updated by merge: 3")) << run.out;
+  EXPECT_EQ(ValidateDatafile(data("Daily/$SOX.csv")), std::vector<std::string>{});
+}
+
+TEST_F(RunFaultsTest, AGarbledBaseCopyIsReplacedOrLeavesTheDatafileAlone) {
+  service.Advance(1);
+  const std::string base_copy = data("Base/NYSEDaily-CompositeStats.csv");
+  std::vector<std::string> lines = ReadLines(base_copy);
+  lines[lines.size() / 2] = "D,2025,garbled";
+  WriteLines(base_copy, lines);
+  service.SetFaults({"*/NYSEDaily-CompositeStats.csv status 500"});
+  ExpectOnlyNyaFails("HTTP 500");
+
+  service.SetFaults({});
+  const CliResult healed = RunList(2);
+  EXPECT_EQ(healed.code, 0) << healed.out;
+  EXPECT_EQ(ValidateDatafile(data("Daily/$NYA.csv")), std::vector<std::string>{});
+}
+
+TEST_F(RunFaultsTest, AMissingDestinationFolderFailsItsDatafilesAndKeepsTheRest) {
+  std::filesystem::remove_all(data("Daily"));
+  const CliResult run = RunList(2);
+  EXPECT_EQ(run.code, 3);
+  EXPECT_TRUE(Contains(run.out, "Datafiles failed: 3")) << run.out;
+  EXPECT_TRUE(Contains(run.out, "cannot write")) << run.out;
+  EXPECT_TRUE(Exists(data("Base/NYSEDaily-CompositeStats.csv")));
+}
+
+TEST_F(RunFaultsTest, SymbolsThatCannotBeFileNamesAreSkipped) {
+  std::vector<std::string> list = ReadLines(base() + "Lists/Download2.csv");
+  list.insert(list.begin() + 6, {"Escape,$../../x", "Slash,$A/B"});
+  WriteLines(base() + "Lists/Download2.csv", list);
+  // The service lists them too, so the list check keeps them and they reach the run.
+  std::string master = ReadFile(ServiceFile("Masterfile2.csv"));
+  master += "Escape,$../../x\r\nSlash,$A/B\r\n";
+  WriteFile(ServiceFile("Masterfile2.csv"), master);
+  const CliResult run = RunIn({"--log", "run", "2"});
+  EXPECT_EQ(run.code, 3);
+  EXPECT_TRUE(Contains(run.out, "$../../x Daily: symbol cannot be used in a file name")) << run.out;
+  EXPECT_TRUE(Contains(run.out, "$A/B Daily: symbol cannot be used in a file name"));
+  EXPECT_TRUE(Contains(run.out, "Datafiles failed: 2"));
+  EXPECT_FALSE(Exists(base() + "CSVFiles/x.csv"));
+  EXPECT_TRUE(Contains(ReadFile(base() + "Rondex/LogFile.txt"), "cannot be used in a file name"));
+}
+
+// A run killed while it writes leaves every datafile whole: the old content or the new.
+TEST_F(RunFaultsTest, AKilledRunLeavesEveryDatafileOldOrNew) {
+  service.Advance(7);
+  service.SetFaults({"*/DJ30Daily-CompositeStats.csv delay 3000"});
+  const std::string command = "cd '" + start() + "' && exec '" + BinaryPath("corvanet-cli") +
+                              "' --base-dir '" + base_arg() + "' run 2 >/dev/null 2>&1";
+  const pid_t child = ::fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    ::execl("/bin/sh", "sh", "-c", command.c_str(), static_cast<char*>(nullptr));
+    ::_exit(127);
+  }
+  // $NYA comes first in the list: once it holds the new bars the run waits on $INDU's fetch.
+  ASSERT_TRUE(WaitFor([&] { return ReadFile(data("Daily/$NYA.csv")) != Before("$NYA.csv"); }));
+  ::kill(child, SIGKILL);
+  // What a process killed in the middle of a write leaves behind.
+  WriteFile(data("Daily/$SOX.csv.tmp-999999-0"), "D,2025");
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  for (const auto& [name, content] : Snapshot("Daily")) {
+    if (name.find(".tmp-") != std::string::npos) continue;  // swept by the next run
+    EXPECT_EQ(ValidateDatafile(data("Daily/" + name)), std::vector<std::string>{}) << name;
+  }
+  service.SetFaults({});
+  ASSERT_EQ(RunList(2).code, 0);
+  for (const auto& [name, content] : Snapshot("Daily")) {
+    EXPECT_EQ(name.find(".tmp-"), std::string::npos) << name;
+  }
+}
+
+}  // namespace
+}  // namespace corvanet::test

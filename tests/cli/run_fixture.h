@@ -1,0 +1,71 @@
+#pragma once
+// corvanet-cli runs against the demo data service on 127.0.0.1: an installation set up with the
+// service's address and credentials, and helpers to look at what the runs left on disk.
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "cli/cli_fixture.h"
+#include "support/datafile_validator.h"
+#include "support/demo_service.h"
+
+namespace corvanet::test {
+
+class RunTest : public CliTest {
+ protected:
+  explicit RunTest(DemoServiceOptions options = {}) : service(std::move(options)) {}
+
+  void SetUp() override {
+    // Message boxes at the end of a run are tested on their own; here they would only add noise.
+    ASSERT_EQ(RunIn({"settings", "UserName=" + service.user(), "Password=" + service.password(),
+                     "IPAddress=" + service.host_and_port(), "DownloadCompleteMessageNo=True",
+                     "SystemMessagesNo=True"})
+                  .code,
+              0);
+  }
+
+  // Saves user list `n` with a vendor, periods ("D,W") and the master items holding each text.
+  void MakeList(int n, const std::string& vendor, const std::string& periods,
+                const std::vector<std::string>& adds) {
+    std::vector<std::string> args{"--base-dir", base_arg(), "list",    std::to_string(n),
+                                  "vendor",     vendor,     "periods", periods};
+    for (const std::string& text : adds) {
+      args.push_back("add");
+      args.push_back(text);
+    }
+    ASSERT_EQ(Run(args).code, 0);
+  }
+  CliResult RunList(int n) { return RunIn({"run", std::to_string(n)}); }
+
+  std::string data(const std::string& relative) const { return base() + "CSVFiles/" + relative; }
+  std::string LastRow(const std::string& relative) const {
+    const std::vector<std::string> lines = ReadLines(data(relative));
+    return lines.empty() ? "" : lines.back();
+  }
+  std::string ServiceFile(const std::string& name) const {
+    return service.data_set_folder("data") + name;
+  }
+  // The datafiles of a period folder with their content, to prove a run changed nothing there.
+  std::vector<std::pair<std::string, std::string>> Snapshot(const std::string& folder) const {
+    std::vector<std::pair<std::string, std::string>> files;
+    for (const auto& entry : std::filesystem::directory_iterator(data(folder))) {
+      files.emplace_back(entry.path().filename().string(), ReadFile(entry.path().string()));
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+  }
+  int Requests(const std::string& path_part) const {
+    int count = 0;
+    const std::string log = service.log();
+    for (std::size_t pos = log.find(path_part); pos != std::string::npos;
+         pos = log.find(path_part, pos + 1)) {
+      ++count;
+    }
+    return count;
+  }
+
+  DemoService service;
+};
+
+}  // namespace corvanet::test
