@@ -101,6 +101,10 @@ class DownloadPage final : public Page {
     progress_->setObjectName("ProgressBar1");
     progress_layout->addWidget(progress_);
     progress_layout->addWidget(bind_.Label("Label13", &WindowState::Label13));
+    QLabel* problems = bind_.Label("RunProblems", &WindowState::RunProblems);
+    problems->setWordWrap(true);
+    problems->setStyleSheet("color: #b00020;");
+    progress_layout->addWidget(problems);
     bottom->addWidget(progress_frame, 2);
 
     auto* buttons = new QVBoxLayout;

@@ -148,6 +148,7 @@ TEST_F(RunTest, SystemMessagesAreShownAsTheOptionsAsk) {
   std::filesystem::remove(ServiceFile("Zennor_System.txt"));
   run = RunList(2);
   EXPECT_EQ(run.code, 0) << "a missing message file never fails the run";
+  EXPECT_FALSE(Contains(run.out, "Visit us")) << "a withdrawn message is not shown again";
   EXPECT_TRUE(Contains(run.out, "Update for Download List 2 completed on "));
 }
 

@@ -154,6 +154,13 @@ void LoadINI(Session& session) {
         // to be read as the next key, while a broken line cannot shift the lines after it.
         for (std::size_t i = 0; i < fields.size(); i += 2) {
           const SettingDef* def = FindSetting(fields[i]);
+          if (def == nullptr && i > 0) {
+            // The tail of a value that held a comma, perhaps of the password: never echoed.
+            Log(session, "LoadINI - line " + std::to_string(line_number) +
+                             " - text after a comma in the value of " + Excerpt(fields[0]) +
+                             " skipped");
+            continue;
+          }
           if (def == nullptr) {
             Log(session, "LoadINI - line " + std::to_string(line_number) + " - unknown key " +
                              Excerpt(fields[i]) + " skipped");

@@ -7,7 +7,8 @@
 namespace corvanet {
 
 void DetermineInterval(Session& session, int period_number) {
-  LogEntry(session, "DetermineInterval");
+  // Written on entry, so the line carries the period set by the previous call.
+  WriteLog(session, "DetermineInterval", session.run.DataPeriod);
   const WindowState& ui = session.ui;
   const int boxes[] = {ui.DailyInterval, ui.WeeklyInterval, ui.MonthlyInterval,
                        ui.QuarterlyInterval};
@@ -17,7 +18,7 @@ void DetermineInterval(Session& session, int period_number) {
 }
 
 bool SetDatafileNames(Session& session) {
-  LogEntry(session, "SetDatafileNames");
+  WriteLog(session, "SetDatafileNames", session.run.DataPeriod);
   RunState& run = session.run;
   run.RemoteFileName = run.WebSymbol + run.DataPeriod + "-CompositeStats.csv";
   run.RemoteUpdateFileName = run.WebSymbol + run.DataPeriod + "-Update.csv";
@@ -32,8 +33,10 @@ bool SetDatafileNames(Session& session) {
     run.DestinationUpdateFileName = run.DownloadSymbol + "-Update.csv";
   }
   if (IsSafeFileNamePart(run.WebSymbol) && IsSafeFileNamePart(run.DestinationFileName)) return true;
-  Log(session, "SetDatafileNames - symbol " + run.DownloadSymbol +
-                   " cannot be used in a file name; skipped");
+  WriteLog(
+      session,
+      "SetDatafileNames - symbol " + run.DownloadSymbol + " cannot be used in a file name; skipped",
+      run.DataPeriod);
   return false;
 }
 

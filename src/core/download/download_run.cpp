@@ -115,9 +115,9 @@ void RunPeriod(Session& session, int run_total, RunSummary& summary) {
   SingleFileUpdate(session, list, run_total, records, update_rows, summary);
 }
 
-// The status label names what failed, so a run that looks complete in the window says so too.
-std::string StatusText(const RunSummary& summary) {
-  if (!summary.has_failures()) return "Update progress is displayed here";
+// Names what failed, so a run that looks complete in the window says so too.
+std::string ProblemsText(const RunSummary& summary) {
+  if (!summary.has_failures()) return {};
   std::string text = std::to_string(summary.failures.size()) + " datafile(s) could not be updated";
   for (std::size_t i = 0; i < summary.failures.size() && i < 5; ++i) {
     text += (i == 0 ? ": " : ", ") + summary.failures[i].symbol + " " + summary.failures[i].period;
@@ -131,7 +131,9 @@ void ShowCompletion(Session& session, int list, const RunSummary& summary) {
   WindowState& ui = session.ui;
   const std::string type = DownLoadType(session);
   const std::string& elapsed = summary.elapsed;
-  ui.Label13.caption = StatusText(summary);
+  ui.Label13.caption = "Update progress is displayed here";
+  ui.RunProblems.caption = ProblemsText(summary);
+  ui.RunProblems.visible = summary.has_failures();
   ui.ButtonBarFrame.caption = "Select a Download List";
   if (list <= 5) {
     ui.DownLoadButton.caption =
@@ -161,6 +163,7 @@ RunSummary DownLoadButton_Click(Session& session) {
   const int list = CurrentListNumber(session);
 
   ui.DownLoadButton.bold = true;
+  ui.RunProblems = {"", false};
   SaveDownloadList_Click(session);
   run.RunStartTimer = session.clock.Timer();
   run.RunStartTime = session.clock.Now();
@@ -186,7 +189,10 @@ RunSummary DownLoadButton_Click(Session& session) {
 
   // Single-statistic files of the run are made here once they exist.
   const std::string message_file = GetSystemMessageFileName(session);
-  RetrieveDataFile(session, message_file, message_file);
+  if (!RetrieveDataFile(session, message_file, message_file).ok()) {
+    // A failed fetch keeps the old copy, and an old message must not be shown again as new.
+    RemoveFile(BaseFolder(session) + message_file.substr(1));
+  }
   RefreshMasterfile(session);
   // The converter batch files of the run are started here once they exist.
 

@@ -12,7 +12,8 @@ std::string BaseFolder(const Session& session) {
 
 FetchResult RetrieveDataFile(Session& session, std::string_view remote_path,
                              std::string_view local_name) {
-  LogEntry(session, "RetrieveDataFile");
+  // The fetch steps of a run log the period in hand as their lines' middle field.
+  WriteLog(session, "RetrieveDataFile", session.run.DataPeriod);
   if (session.run.GetFileCount < INT16_MAX) ++session.run.GetFileCount;
   FetchRequest request{ServiceUrl(session.app.DataSetURL, remote_path), session.ui.UserName,
                        session.ui.Password, session.http_timeout_seconds};
@@ -21,16 +22,20 @@ FetchResult RetrieveDataFile(Session& session, std::string_view remote_path,
   for (const char c : local_name) local_path += c == '\\' ? kSep : c;
   FetchResult result = session.http.FetchToFile(request, local_path);
   if (!result.ok()) {
-    Log(session, "RetrieveDataFile - " + std::string(remote_path) + " - " + result.Describe() +
-                     " - nothing saved");
+    WriteLog(session,
+             "RetrieveDataFile - " + std::string(remote_path) + " - " + result.Describe() +
+                 " - nothing saved",
+             session.run.DataPeriod);
   }
   return result;
 }
 
 bool CopyFile(Session& session, const std::string& source, const std::string& destination) {
-  Log(session, "CopyFile - FileToCopy:  " + source + " CopyToDestination:  " + destination);
+  WriteLog(session, "CopyFile - FileToCopy:  " + source + " CopyToDestination:  " + destination,
+           session.run.DataPeriod);
   if (CopyFileReplacing(source, destination)) return true;
-  Log(session, "CopyFile - could not copy " + source + " to " + destination);
+  WriteLog(session, "CopyFile - could not copy " + source + " to " + destination,
+           session.run.DataPeriod);
   return false;
 }
 

@@ -69,7 +69,7 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
     run.DownloadSymbol = symbol;
     if (session.logging()) WriteLog(session, "Downloading " + symbol + " - " + name, "");
     run.GetFileCount = 0;
-    ++run.DatafileCounter;
+    if (run.DatafileCounter < INT16_MAX) ++run.DatafileCounter;
     WebSymbolCorrection(session, symbol);
     if (!SetDatafileNames(session)) {
       summary.failures.push_back({symbol, run.DataPeriod, "symbol cannot be used in a file name"});

@@ -21,8 +21,16 @@ void LogPeriod(Session& session, std::string_view text) {
   WriteLog(session, text, session.run.DataPeriod);
 }
 
+// The commas that separate fields: a quoted text field may hold commas of its own (a header name,
+// say), and those must not make a row look garbled.
 std::size_t CountCommas(std::string_view text) {
-  return static_cast<std::size_t>(std::count(text.begin(), text.end(), ','));
+  std::size_t commas = 0;
+  bool quoted = false;
+  for (const char c : text) {
+    if (c == '"') quoted = !quoted;
+    if (c == ',' && !quoted) ++commas;
+  }
+  return commas;
 }
 
 enum class Pass {

@@ -1,5 +1,6 @@
 #include "core/platform/files.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstring>
@@ -8,6 +9,7 @@
 #include <utility>
 
 #ifndef _WIN32
+#include <fcntl.h>
 #include <unistd.h>
 #else
 #include <process.h>
@@ -35,6 +37,36 @@ std::string TempNameFor(const std::string& target) {
   static std::atomic<unsigned> counter{0};
   return target + std::string(kTempMarker) + std::to_string(ProcessId()) + "-" +
          std::to_string(counter++);
+}
+
+bool AllDigits(std::string_view text) {
+  return !text.empty() &&
+         std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+// ".tmp-<process id>-<counter>", the end of every name TempNameFor makes.
+bool IsTempSuffix(std::string_view suffix) {
+  suffix.remove_prefix(kTempMarker.size());
+  const std::size_t dash = suffix.find('-');
+  return dash != std::string_view::npos && AllDigits(suffix.substr(0, dash)) &&
+         AllDigits(suffix.substr(dash + 1));
+}
+
+// Opens a file for writing, created with the owner-only mode from the start when asked, so no other
+// user can open it in the moment before its mode is narrowed.
+std::FILE* OpenForWriting(const std::string& path, FileAccess access, bool exclusive) {
+#ifndef _WIN32
+  const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | (exclusive ? O_EXCL : O_APPEND);
+  const mode_t mode = access == FileAccess::kOwnerOnly ? 0600 : 0666;
+  const int fd = ::open(path.c_str(), flags, mode);
+  if (fd < 0) return nullptr;
+  std::FILE* file = ::fdopen(fd, exclusive ? "wb" : "ab");
+  if (file == nullptr) ::close(fd);
+  return file;
+#else
+  (void)access;
+  return std::fopen(path.c_str(), exclusive ? "wbx" : "ab");
+#endif
 }
 
 void RestrictToOwner(const std::string& path) {
@@ -72,8 +104,8 @@ bool AtomicFileWriter::Open(std::string target, FileAccess access) {
   temp_ = TempNameFor(target_);
   error_.clear();
   failed_ = false;
-  // "x": never reuse a file someone else left under the temporary name.
-  file_ = std::fopen(temp_.c_str(), "wbx");
+  // Exclusive: never reuse a file someone else left under the temporary name.
+  file_ = OpenForWriting(temp_, access, true);
   if (file_ == nullptr) {
     error_ = std::strerror(errno);
     failed_ = true;
@@ -134,7 +166,7 @@ bool WriteWholeFile(const std::string& path, std::string_view content, FileAcces
 
 bool AppendLine(const std::string& path, std::string_view line, FileAccess access) {
   const bool existed = FileExists(path);
-  std::FILE* file = std::fopen(path.c_str(), "ab");
+  std::FILE* file = OpenForWriting(path, access, false);
   if (file == nullptr) return false;
   if (!existed && access == FileAccess::kOwnerOnly) RestrictToOwner(path);
   bool ok = std::fwrite(line.data(), 1, line.size(), file) == line.size();
@@ -199,7 +231,12 @@ int RemoveStaleTemporaryFiles(const std::string& folder) {
   for (const auto& entry : fs::directory_iterator(folder, ec)) {
     const std::string name = entry.path().filename().string();
     const std::size_t marker = name.rfind(kTempMarker);
-    if (marker == std::string::npos || name.compare(marker, own.size(), own) == 0) continue;
+    // Only the exact names TempNameFor gives: a datafile whose symbol happens to hold ".tmp-"
+    // is somebody's data.
+    if (marker == std::string::npos || !IsTempSuffix(std::string_view(name).substr(marker)) ||
+        name.compare(marker, own.size(), own) == 0) {
+      continue;
+    }
     std::error_code remove_ec;
     if (entry.is_regular_file(remove_ec) && fs::remove(entry.path(), remove_ec)) ++removed;
   }

@@ -24,8 +24,11 @@ bool StartHiddenBatch(const std::string& batch_file, const std::string& working_
   // Everything the child needs is built before fork: after it only async-signal-safe calls.
   const char* old_path = std::getenv("PATH");
   const std::string path_variable =
-      "PATH=" + program_folder + (old_path != nullptr ? std::string(":") + old_path : "");
-  const std::string script = "Call() { \"$@\"; }; . \"./$1\"";
+      "PATH=" + program_folder + ":" + (old_path != nullptr ? old_path : "/usr/bin:/bin");
+  // The batch file's lines end in CR LF, which sh would take as part of each line's last word
+  // ("Complete.exe\r" is no command): the carriage returns go before the lines are run. "$1" is
+  // the name as given, relative to the working folder or absolute.
+  const std::string script = "Call() { \"$@\"; }; eval \"$(tr -d '\\r' < \"$1\")\"";
   const char* argv[] = {"sh", "-c", script.c_str(), "sh", batch_file.c_str(), nullptr};
   std::vector<const char*> envp;
   for (char** entry = environ; *entry != nullptr; ++entry) {

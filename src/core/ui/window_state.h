@@ -128,6 +128,8 @@ struct WindowState {
   ControlView DownloadProgressFrame{"Download Progress"};
   ControlView Frame2{"Start Download"};
   ControlView Label13{"Download progress is displayed here"};
+  // Which datafiles the last run could not update; shown only after a run with failures.
+  ControlView RunProblems{"", false};
   ControlView ButtonBarFrame{"Select a Download List"};
   ProgressBar ProgressBar1;
   ControlView FullPath{"/ovalith/data/"};

@@ -88,6 +88,19 @@ TEST(SettingsBadInputTest, ValueHoldingACommaLosesItsTailToTheNextKey) {
   EXPECT_EQ(again.ui.Password, "p");
 }
 
+TEST(SettingsBadInputTest, TheTailOfAPasswordWithACommaNeverReachesTheLog) {
+  TestSession t;
+  WriteLines(SettingsFile(t), {"Password,open,Sesame-42", "Bogus,1"});
+  Session fresh = FreshSession(t);
+  LoadINI(fresh);
+  EXPECT_EQ(fresh.ui.Password, "open");
+  const std::string log = ReadFile(LogFilePath(fresh));
+  EXPECT_EQ(log.find("Sesame-42"), std::string::npos) << log;
+  EXPECT_NE(log.find("LoadINI - line 1 - text after a comma in the value of Password skipped"),
+            std::string::npos);
+  EXPECT_NE(log.find("LoadINI - line 2 - unknown key Bogus skipped"), std::string::npos);
+}
+
 TEST(SettingsBadInputTest, UnreadableFileLeavesTheControlsAsTheyWere) {
   TestSession t;
   // A folder where the file should be: no user can read it as a file, root included.

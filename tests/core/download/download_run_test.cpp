@@ -158,6 +158,16 @@ TEST_F(DownloadRunTest, OneFailingDatafileLeavesTheOthersUpdated) {
   EXPECT_EQ(ReadFile(daily("$NYA.csv")), "old content");
   EXPECT_EQ(ReadLines(daily("$INDU.csv")).back(), Row(5));
   EXPECT_TRUE(summary.has_failures());
+  EXPECT_EQ(session.ui.Label13.caption, "Update progress is displayed here");
+  EXPECT_TRUE(session.ui.RunProblems.visible);
+  EXPECT_EQ(session.ui.RunProblems.caption.rfind("2 datafile(s) could not be updated: $NYA Daily", 0),
+            0u)
+      << session.ui.RunProblems.caption;
+
+  service.SetStatus("/ovalith/data/NYSEDaily-CompositeStats.csv", 200);
+  UseList(3, "eSignal", "D", {"NYSE Composite,$NYA"});
+  EXPECT_FALSE(DownLoadButton_Click(session).has_failures());
+  EXPECT_FALSE(session.ui.RunProblems.visible) << "a good run clears the last run's problems";
 }
 
 TEST_F(DownloadRunTest, ChecksBeforeARunStopItBeforeAnyFetch) {

@@ -8,6 +8,7 @@
 
 #include "core/platform/text.h"
 
+#include "core/download/datafile_names.h"
 #include "core/download/download_fixture.h"
 #include "core/platform/files.h"
 
@@ -55,6 +56,17 @@ TEST_F(UpdateDatafileTest, AppendsTheUpdateRowsNewerThanTheLastCommonRow) {
   EXPECT_EQ(service.total_requests(), 0);
 }
 
+TEST_F(UpdateDatafileTest, QuotedHeaderNamesHoldingCommasDoNotMakeTheBaseLookGarbled) {
+  std::string header = Header();
+  header.replace(0, header.find(','), "\"Period, letter\"");
+  WriteFile(base("NYSEDaily-CompositeStats.csv"),
+            header + "\r\n" + Row(2) + "\r\n" + Row(3) + "\r\n");
+  UpdateRowsFor({3, 4});
+  EXPECT_EQ(Merge().kind, Kind::kMerged);
+  EXPECT_EQ(Destination(), (std::vector<std::string>{header, Row(2), Row(3), Row(4)}));
+  EXPECT_EQ(service.total_requests(), 0);
+}
+
 TEST_F(UpdateDatafileTest, UsesOnlyTheFiveOldestRowsOfASymbol) {
   WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2, 3}));
   UpdateRowsFor({2, 3, 4, 5, 6, 7, 8});
@@ -97,6 +109,22 @@ TEST_F(UpdateDatafileTest, OneRowBehindFetchesAFreshBaseOnceAndMergesIt) {
   EXPECT_NE(ReadFile(session.app.ProgramDirectory + "LogFile.txt")
                 .find("UpdateDatafile - $NYA.csv$NYA - Can't update - getting full file"),
             std::string::npos);
+}
+
+TEST_F(UpdateDatafileTest, TheStepsOfADatafileLogThePeriodAsTheirDetail) {
+  WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2, 3}));
+  UpdateRowsFor({5, 6});
+  service.SetFile(kRemote, Datafile({1, 2, 3, 4, 5}));
+  session.app.LogDetail = "Not Set";
+  session.ui.GenerateLogFile = 1;
+  SetDatafileNames(session);
+  EXPECT_EQ(Merge().kind, Kind::kFetchedWhole);
+  const std::string log = ReadFile(session.app.ProgramDirectory + "LogFile.txt");
+  for (const char* step : {"SetDatafileNames", "UpdateDatafile", "RetrieveDataFile",
+                           "UpdateDatafile - $NYA.csv$NYA - Can't update - getting full file"}) {
+    EXPECT_NE(log.find(std::string(" - Daily - ") + step + "\r\n"), std::string::npos) << step;
+  }
+  EXPECT_EQ(log.find("Not Set"), std::string::npos) << log;
 }
 
 TEST_F(UpdateDatafileTest, ASecondFreshBaseWithoutOverlapIsKeptAndReportedAsFailure) {

@@ -149,5 +149,21 @@ TEST(FileOperationsTest, CopyDeleteAndTouch) {
   EXPECT_FALSE(DeleteFilesIn(dir / "missing/"));
 }
 
+TEST(FileOperationsTest, OnlyTemporaryFilesOfOtherProcessesAreSwept) {
+  TempDir dir;
+  WriteFile(dir / "$NYA.csv.tmp-999999-0", "left by a killed run");
+  WriteFile(dir / "$X.tmp-A.csv", "a datafile");
+  WriteFile(dir / "notes.tmp-old", "the user's");
+  WriteFile(dir / "$NYA.csv", "kept");
+  AtomicFileWriter own(dir / "$SOX.csv");  // this process's, still being written
+  ASSERT_TRUE(own.is_open());
+  EXPECT_EQ(RemoveStaleTemporaryFiles(dir.path()), 1);
+  const std::set<std::string> left = Entries(dir.path());
+  EXPECT_EQ(left.count("$NYA.csv.tmp-999999-0"), 0U);
+  EXPECT_EQ(left.size(), 4U);
+  EXPECT_TRUE(own.Commit());
+  EXPECT_TRUE(Exists(dir / "$SOX.csv"));
+}
+
 }  // namespace
 }  // namespace corvanet::test
