@@ -1,0 +1,27 @@
+// stats N: the single-statistic page's list button N (1-5 the user lists, 6 "All Daily", 7 "All
+// Periods"), which ticks that list's RunWith box and makes the files now.
+#include "cli/commands.h"
+#include "core/app/log.h"
+#include "core/platform/text.h"
+#include "core/stats/single_stat_files.h"
+
+namespace corvanet::cli {
+
+int StatsCommand(CommandContext& context, CommandArgs args) {
+  int list = 0;
+  if (args.size() != 1 || !ParseInteger(args[0], list) || list < 1 || list > 7) {
+    return UsageError(context, "stats", "expected one list number from 1 to 7");
+  }
+  StatFilesSummary summary;
+  MakeListStatFiles_Click(context.session, list, &summary);
+  std::ostream& out = context.out;
+  out << context.session.ui.DownLoadButton.caption << '\n'
+      << "Datafiles split: " << summary.datafiles << '\n'
+      << "Datafiles failed: " << summary.failures.size() << '\n';
+  for (const DatafileFailure& failure : summary.failures) {
+    out << "  " << failure.symbol << ' ' << failure.period << ": " << failure.reason << '\n';
+  }
+  return summary.failures.empty() ? kExitOk : kExitRunFailures;
+}
+
+}  // namespace corvanet::cli

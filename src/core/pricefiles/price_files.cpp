@@ -1,0 +1,215 @@
+#include "core/pricefiles/price_files.h"
+
+#include "core/app/log.h"
+#include "core/download/datafile_names.h"
+#include "core/platform/paths.h"
+#include "core/stats/composite_row.h"
+#include "core/stats/value_text.h"
+
+namespace corvanet {
+
+namespace {
+
+using W = WindowState;
+
+constexpr std::array<std::string W::*, 6> kNoChoice{};
+
+const std::array<PriceFileKind, 5> kKinds = {{
+    {"OHLCVV",
+     &W::OHLCVV,
+     "PX",
+     {"OpenPx", "HighPx", "LowPx", "ClosePx", "TotalVolume", "TradeVolume"},
+     kNoChoice},
+    {"EqWtOHLCVV",
+     &W::EqWtOHLCVV,
+     "PxEqWt",
+     {"EqWtOpen", "EqWtHigh", "EqWtLow", "EqWtClose", "TotalVolume", "TradeVolume"},
+     kNoChoice},
+    {"UserDefFile1",
+     &W::UserDefFile1,
+     "PxFile1",
+     {},
+     {&W::Stat1File1, &W::Stat2File1, &W::Stat3File1, &W::Stat4File1, &W::Stat5File1,
+      &W::Stat6File1}},
+    {"UserDefFile2",
+     &W::UserDefFile2,
+     "PxFile2",
+     {},
+     {&W::Stat1File2, &W::Stat2File2, &W::Stat3File2, &W::Stat4File2, &W::Stat5File2,
+      &W::Stat6File2}},
+    {"UserDefFile3",
+     &W::UserDefFile3,
+     "PxFile3",
+     {},
+     {&W::Stat1File3, &W::Stat2File3, &W::Stat3File3, &W::Stat4File3, &W::Stat5File3,
+      &W::Stat6File3}},
+}};
+
+// Lines are handed to the file in blocks of this size: few write calls, bounded memory.
+constexpr std::size_t kBlockSize = 64 * 1024;
+
+// A ticked kind while one datafile is written: its file, pending lines and resolved columns.
+struct OpenKind {
+  AtomicFileWriter file;
+  std::string* block = nullptr;
+  std::array<int, 6> columns{};  // 0 = a name the catalogue does not know: the value is 0
+};
+
+// Kept from one datafile to the next: the run calls this for every datafile, and handing these
+// buffers back each time made the allocator return the memory to the system and fault it in
+// again for the next datafile.
+struct ReusedBuffers {
+  CompositeFile datafile;
+  std::array<std::string, 5> blocks;
+};
+ReusedBuffers& Buffers() {
+  thread_local ReusedBuffers buffers;
+  return buffers;
+}
+struct CloseOnReturn {
+  CompositeFile& file;
+  ~CloseOnReturn() { file.Close(); }
+};
+
+bool Fail(DatafileError& error, int number, std::string detail) {
+  error.number = number;
+  error.description = ErrorDescription(number);
+  error.detail = std::move(detail);
+  return false;
+}
+
+// The whole job for one datafile; nothing is committed unless every row was read and converted,
+// so a failure leaves each price file as it was before (a half file would reach the converter and
+// the charts as if it were complete).
+bool WritePriceFiles(Session& session, DatafileError& error) {
+  const WindowState& ui = session.ui;
+  const RunState& run = session.run;
+  bool any = false;
+  for (const PriceFileKind& kind : kKinds) any = any || ui.*kind.ticked != 0;
+  if (!any) return true;
+  ReusedBuffers& buffers = Buffers();
+  CompositeFile& datafile = buffers.datafile;
+  const CloseOnReturn close{datafile};
+  // The datafile first: when it is missing no file is even started.
+  if (!datafile.Open(DestinationPath(session)) || !ReadCompositeHeader(datafile)) {
+    error = datafile.error();
+    return false;
+  }
+  // The choices are taken once per datafile, so every line of a file has the same columns.
+  std::array<OpenKind, 5> kinds;
+  std::array<OpenKind*, 5> ticked{};
+  std::size_t count = 0;
+  for (std::size_t k = 0; k < kKinds.size(); ++k) {
+    const PriceFileKind& kind = kKinds[k];
+    if (ui.*kind.ticked == 0) continue;
+    OpenKind& open = kinds[k];
+    for (std::size_t j = 0; j < 6; ++j) {
+      const std::string_view name = kind.chosen_columns[j] != nullptr
+                                        ? std::string_view(ui.*kind.chosen_columns[j])
+                                        : kind.columns[j];
+      open.columns[j] = FindColumn(name);
+    }
+    const std::string path = PriceFilePath(session, kind);
+    if (!CreatePriceFile(session, path, open.file)) {
+      return Fail(error, kErrorPathNotFound, path + ": " + open.file.error());
+    }
+    open.block = &buffers.blocks[k];
+    open.block->clear();
+    ticked[count++] = &open;
+  }
+  ColumnSet wanted;
+  wanted.set(0).set(1);  // Period, RowDate
+  for (std::size_t t = 0; t < count; ++t) {
+    for (const int column : ticked[t]->columns) {
+      if (column != 0) wanted.set(static_cast<std::size_t>(column - 1));
+    }
+  }
+  CompositeRow row;
+  std::array<double, 6> values{};
+  std::size_t rows = 0;
+  while (ReadCompositeRow(datafile, row, wanted)) {
+    ++rows;
+    // Quarterly bars go to the converter as monthly ones.
+    const std::string_view per = row.Period == "Q" ? std::string_view("M") : row.Period;
+    for (std::size_t t = 0; t < count; ++t) {
+      OpenKind& open = *ticked[t];
+      for (std::size_t j = 0; j < 6; ++j) {
+        if (!ColumnValue(row, open.columns[j]).ToDouble(values[j])) {
+          return Fail(error, kErrorTypeMismatch,
+                      "row " + std::to_string(rows) + ": column " +
+                          std::string(ColumnName(open.columns[j])) + " holds text");
+        }
+      }
+      WritePriceLine(*open.block, run.DownloadSymbol, run.DownloadName, per, row.RowDate, values);
+      if (open.block->size() >= kBlockSize) {
+        open.file.Write(*open.block);
+        open.block->clear();
+      }
+    }
+  }
+  if (datafile.error().has_error()) {
+    error = datafile.error();
+    return false;
+  }
+  for (std::size_t t = 0; t < count; ++t) {
+    OpenKind& open = *ticked[t];
+    open.file.Write(*open.block);
+    if (!open.file.Commit()) {
+      return Fail(error, kErrorFileAccess, open.file.target() + ": " + open.file.error());
+    }
+  }
+  // ---- Converter calls ----------------------------------------------------------------------
+  // The MetaStock conversion appends here, for each kind written above and in the same order, one
+  // call of the converter on the file just committed, unless DoNotMakeMetaStockFormat is ticked.
+  // It comes after the commits so a batch file never names a price file that was not written.
+  // ---------------------------------------------------------------------------------------------
+  return true;
+}
+
+}  // namespace
+
+const std::array<PriceFileKind, 5>& PriceFileKinds() {
+  return kKinds;
+}
+
+std::string PriceFilePath(const Session& session, const PriceFileKind& kind) {
+  return session.ui.PathToDataFiles + Folder(kind.folder) + Folder(session.run.DataPeriod) +
+         session.run.DestinationFileName;
+}
+
+bool CreatePriceFile(const Session& session, const std::string& path, AtomicFileWriter& file) {
+  if (!file.Open(path)) return false;
+  if (session.ui.DoNotMakeMetaStockFormat == 0) file.WriteLine(kPriceFileHeader);
+  return true;
+}
+
+void WritePriceLine(std::string& out, std::string_view ticker, std::string_view name,
+                    std::string_view per, std::int32_t date, const std::array<double, 6>& values) {
+  out += ticker;
+  out += ',';
+  out += name;
+  out += ',';
+  out += per;
+  out += ',';
+  AppendValue(out, date, false);
+  for (const double value : values) {
+    out += ',';
+    AppendValue(out, value, false);
+  }
+  out += kLineEnd;
+}
+
+void CreateMetaStockPxFiles(Session& session) {
+  if (session.logging()) WriteLog(session, "CreateMetaStockPxFiles", session.run.DataPeriod);
+  if (session.ui.MakeMetaStockPxFiles == 0) {
+    Log(session, "Exiting CreateMetaStockPxFiles");
+    return;
+  }
+  DatafileError error;
+  if (!WritePriceFiles(session, error)) {
+    Log(session, ErrorTrapLine("CreateMetaStockPxFiles", error, session.run.DestinationFileName,
+                               session.run.DataPeriod));
+  }
+}
+
+}  // namespace corvanet

@@ -1,0 +1,151 @@
+// The pass of the single-statistic files over a download list, and the page's list buttons.
+#include "core/stats/single_stat_files.h"
+
+#include <algorithm>
+
+#include "core/app/log.h"
+#include "core/app/settings.h"
+#include "core/download/datafile_names.h"
+#include "core/download/run_total.h"
+#include "core/download/symbols.h"
+#include "core/lists/download_lists.h"
+#include "core/lists/masterfile.h"
+#include "core/platform/field_reader.h"
+#include "core/platform/paths.h"
+#include "core/platform/text.h"
+
+namespace corvanet {
+
+namespace {
+
+constexpr std::string_view kRunWithBoxes[] = {"RunWithList1",     "RunWithList2", "RunWithList3",
+                                              "RunWithList4",     "RunWithList5", "RunWithAllDaily",
+                                              "RunWithAllPeriods"};
+constexpr std::string_view kButtonNames[] = {
+    "MakeList1StatFiles_Click",     "MakeList2StatFiles_Click", "MakeList3StatFiles_Click",
+    "MakeList4StatFiles_Click",     "MakeList5StatFiles_Click", "MakeAllDailyStatFiles_Click",
+    "MakeAllPeriodsStatFiles_Click"};
+
+bool RunWithTicked(const WindowState& ui, int list) {
+  const int boxes[] = {ui.RunWithList1, ui.RunWithList2,    ui.RunWithList3,     ui.RunWithList4,
+                       ui.RunWithList5, ui.RunWithAllDaily, ui.RunWithAllPeriods};
+  return list >= 1 && list <= 7 && boxes[list - 1] != 0;
+}
+
+void Failed(StatFilesSummary* summary, const std::string& symbol, const std::string& period,
+            std::string reason) {
+  if (summary != nullptr) summary->failures.push_back({symbol, period, std::move(reason)});
+}
+
+// Every entry of the open list for the period in run.DataPeriod.
+void MakePeriodStatFiles(Session& session, FieldReader& list, int count,
+                         StatFilesSummary* summary) {
+  WindowState& ui = session.ui;
+  RunState& run = session.run;
+  const bool quarterly = run.DataPeriod == "Quarterly";
+  const std::string tail =
+      " composites of " + std::to_string(count) + " for " + DownLoadType(session);
+  int counter = 0;
+  std::string name;
+  std::string symbol;
+  while (!list.AtEnd()) {
+    ui.ProgressBar1.value =
+        std::clamp(counter + 1, ui.ProgressBar1.minimum, ui.ProgressBar1.maximum);
+    ui.DownLoadButton.caption =
+        "Making single statistic datafiles for " + std::to_string(counter + 1) + tail;
+    Pause(session, 0.05);
+    if (!list.ReadRecord(name, symbol)) {
+      Log(session, "MakeSingleStatFiles - the list ends with a name without a symbol: " + name);
+      break;
+    }
+    name = TrimCopy(name);
+    symbol = TrimCopy(symbol);
+    // The service keeps no quarterly files for these composites.
+    if (quarterly && IsSkippedInQuarterly(symbol)) continue;
+    ++counter;
+    run.DownloadName = name;
+    run.DownloadSymbol = symbol;
+    WebSymbolCorrection(session, symbol);
+    if (!SetDatafileNames(session)) {
+      Failed(summary, symbol, run.DataPeriod, "symbol cannot be used in a file name");
+      continue;
+    }
+    // The statistic files carry the listed symbol itself in their names.
+    if (!IsSafeFileNamePart(symbol)) {
+      Log(session,
+          "MakeSingleStatFiles - symbol " + symbol + " cannot be used in a file name; skipped");
+      Failed(summary, symbol, run.DataPeriod, "symbol cannot be used in a file name");
+      continue;
+    }
+    std::string problem;
+    if (MakeIndividualStatFile(session, symbol, &problem)) {
+      if (summary != nullptr) ++summary->datafiles;
+    } else {
+      Failed(summary, symbol, run.DataPeriod, problem);
+    }
+  }
+}
+
+void ShowCompletion(Session& session) {
+  WindowState& ui = session.ui;
+  const double elapsed = session.clock.Timer() - session.run.RunStartTimer;
+  ui.ProgressBar1.visible = false;
+  ui.DownLoadButton.caption =
+      "Single Statistic Files Created ... (Elapsed time:  " + ElapsedText(elapsed) + ")";
+  ui.DownloadProgressFrame.caption = "File creation complete";
+  ui.Label13.caption = "Single statistic files created";
+  session.NotifyObserver();
+}
+
+}  // namespace
+
+void MakeSingleStatFiles(Session& session, StatFilesSummary* summary) {
+  LogEntry(session, "MakeSingleStatFiles");
+  WindowState& ui = session.ui;
+  RunState& run = session.run;
+  if (RunWithTicked(ui, CurrentListNumber(session))) {
+    SelectMasterfile(session);
+    const int count = CountRunDatafiles(session);
+    ui.ProgressBar1.minimum = 0;
+    ui.ProgressBar1.maximum = count;
+    ui.ProgressBar1.value = 0;
+    ui.ProgressBar1.visible = true;
+    ui.DownloadProgressFrame.caption = "Generating Single Statistic Files";
+    ui.Frame2.caption = "Create One Stat Datafiles Started at " + FormatClockAmPm(run.RunStartTime);
+    Pause(session, 0.05);
+    for (int period = 1; period <= 4; ++period) {
+      DetermineInterval(session, period);
+      if (run.DataPeriod.empty()) continue;
+      if (session.logging()) WriteLog(session, "MakeSingleStatFiles", run.DataPeriod);
+      FieldReader list;
+      if (!OpenDownloadList(session, list)) {
+        Log(session, "MakeSingleStatFiles - the download list could not be opened");
+        Failed(summary, "", run.DataPeriod, "the download list could not be opened");
+        continue;
+      }
+      MakePeriodStatFiles(session, list, count, summary);
+      list.Close();
+    }
+  }
+  ShowCompletion(session);
+}
+
+void RunSingleStatFilesNow(Session& session, StatFilesSummary* summary) {
+  LogEntry(session, "RunSingleStatFilesNow");
+  session.ui.CurrentTab = kDownloadTab;
+  Pause(session, 0.05);
+  session.run.RunStartTimer = session.clock.Timer();
+  session.run.RunStartTime = session.clock.Now();
+  LoadDownloadFile_Click(session);
+  MakeSingleStatFiles(session, summary);
+}
+
+void MakeListStatFiles_Click(Session& session, int list, StatFilesSummary* summary) {
+  if (list < 1 || list > 7) return;
+  LogEntry(session, kButtonNames[list - 1]);
+  session.app.CurrentListNumber = std::to_string(list);
+  SetCheck(session, kRunWithBoxes[list - 1], 1);
+  RunSingleStatFilesNow(session, summary);
+}
+
+}  // namespace corvanet

@@ -1,0 +1,173 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+
+#include "core/app/settings.h"
+#include "core/pricefiles/price_files.h"
+#include "core/stats/composite_fixture.h"
+#include "support/test_session.h"
+
+namespace corvanet {
+namespace {
+
+using test::CompositeLine;
+using test::Exists;
+using test::ReadFile;
+using test::ReadLines;
+using test::WriteDatafile;
+using Lines = std::vector<std::string>;
+
+const std::string kHeader(kPriceFileHeader);
+
+// The run state of $NYA's daily datafile just after its update, price files switched on.
+class PriceFilesTest : public ::testing::Test {
+ protected:
+  PriceFilesTest() {
+    RunState& run = ts.session.run;
+    run.DownloadSymbol = "$NYA";
+    run.DownloadName = "NYSE Composite";
+    run.DataPeriod = "Daily";
+    run.DestinationFileName = "$NYA.csv";
+    ts.session.ui.MakeMetaStockPxFiles = 1;
+  }
+
+  void Tick(std::string_view box) { SetCheck(ts.session, box, 1); }
+  void Choose(std::string_view drop_down, std::string_view column) {
+    SetSetting(ts.session, *FindSetting(drop_down), column, ValueSource::kUser);
+  }
+  std::string data(const std::string& relative) const { return ts.data(relative); }
+
+  test::TestSession ts;
+};
+
+TEST_F(PriceFilesTest, TraditionalAndEqualWeightFilesCarryTheirColumns) {
+  Tick("OHLCVV");
+  Tick("EqWtOHLCVV");
+  WriteDatafile(data("Daily/$NYA.csv"),
+                {CompositeLine("D", 20121101),
+                 CompositeLine("Q", 20121231).Set("OpenPx", "-3").Set("ClosePx", "0.5")});
+  CreateMetaStockPxFiles(ts.session);
+  EXPECT_EQ(ReadFile(data("PX/Daily/$NYA.csv")),
+            kHeader + "\r\n" +
+                "$NYA,NYSE Composite,D, 20121101, 4, 5, 6, 7, 15, 54\r\n"
+                "$NYA,NYSE Composite,M, 20121231,-3, 5, 6, .5, 15, 54\r\n");
+  EXPECT_EQ(ReadLines(data("PxEqWt/Daily/$NYA.csv")),
+            (Lines{kHeader, "$NYA,NYSE Composite,D, 20121101, 50, 51, 52, 53, 15, 54",
+                   "$NYA,NYSE Composite,M, 20121231, 50, 51, 52, 53, 15, 54"}));
+  EXPECT_FALSE(Exists(data("PxFile1/Daily/$NYA.csv")));
+}
+
+TEST_F(PriceFilesTest, UserColumnsAreLookedUpByNameAndUnknownNamesGiveZero) {
+  Tick("UserDefFile1");
+  Tick("UserDefFile3");
+  Choose("Stat1File1", "ClosePx");
+  ts.session.ui.Stat2File3 = "FV15";  // no settings line of its own, still a column
+  Choose("Stat6File3", "NewHighs1stDay");
+  WriteDatafile(data("Daily/$NYA.csv"), {CompositeLine().Set("FV15", "1E-05")});
+  CreateMetaStockPxFiles(ts.session);
+  EXPECT_EQ(ReadLines(data("PxFile1/Daily/$NYA.csv")),
+            (Lines{kHeader, "$NYA,NYSE Composite,D, 20121102, 7, 0, 0, 0, 0, 0"}));
+  EXPECT_EQ(ReadLines(data("PxFile3/Daily/$NYA.csv")),
+            (Lines{kHeader, "$NYA,NYSE Composite,D, 20121102, 0, 1E-05, 0, 0, 0, 46"}));
+}
+
+TEST_F(PriceFilesTest, HeaderOnlyWhenConversionIsOn) {
+  Tick("OHLCVV");
+  WriteDatafile(data("Daily/$NYA.csv"), {});
+  CreateMetaStockPxFiles(ts.session);
+  EXPECT_EQ(ReadLines(data("PX/Daily/$NYA.csv")), Lines{kHeader});
+
+  ts.session.ui.DoNotMakeMetaStockFormat = 1;
+  CreateMetaStockPxFiles(ts.session);
+  EXPECT_EQ(ReadFile(data("PX/Daily/$NYA.csv")), "");
+  WriteDatafile(data("Daily/$NYA.csv"), {CompositeLine()});
+  CreateMetaStockPxFiles(ts.session);
+  EXPECT_EQ(ReadLines(data("PX/Daily/$NYA.csv")),
+            Lines{"$NYA,NYSE Composite,D, 20121102, 4, 5, 6, 7, 15, 54"});
+}
+
+TEST_F(PriceFilesTest, MasterSwitchOffWritesNothing) {
+  Tick("OHLCVV");
+  ts.EnableLog();
+  ts.session.ui.MakeMetaStockPxFiles = 0;
+  WriteDatafile(data("Daily/$NYA.csv"), {CompositeLine()});
+  CreateMetaStockPxFiles(ts.session);
+  EXPECT_FALSE(Exists(data("PX/Daily/$NYA.csv")));
+  EXPECT_NE(ts.LogText().find(" - Daily - CreateMetaStockPxFiles"), std::string::npos);
+  EXPECT_NE(ts.LogText().find("Exiting CreateMetaStockPxFiles"), std::string::npos);
+}
+
+// Every failure leaves all of the datafile's price files as they were and logs the trap line.
+TEST_F(PriceFilesTest, FailuresLogTheTrapLineAndKeepTheOldFiles) {
+  Tick("OHLCVV");
+  Tick("UserDefFile2");
+  ts.EnableLog();
+  const std::string px = data("PX/Daily/$NYA.csv");
+  const std::string user = data("PxFile2/Daily/$NYA.csv");
+  std::string short_row = CompositeLine().Text();
+  short_row.resize(short_row.rfind(','));
+  struct Case {
+    const char* what;
+    std::function<void()> arrange;
+    std::string logged;
+  };
+  const Case cases[] = {
+      {"user column naming Period",
+       [&] {
+         Choose("Stat4File2", "Period");
+         WriteDatafile(data("Daily/$NYA.csv"), {CompositeLine(), CompositeLine()});
+       },
+       "CreateMetaStockPxFiles Error #  13 - Type mismatch (row 1: column Period holds text) - "
+       "$NYA.csv - Daily"},
+      {"short row",
+       [&] {
+         Choose("Stat4File2", "Select One");
+         WriteDatafile(data("Daily/$NYA.csv"), {CompositeLine(), short_row});
+       },
+       "CreateMetaStockPxFiles Error #  62 - Input past end of file (line 3 holds 67 of 68 "
+       "fields) - $NYA.csv - Daily"},
+      {"empty datafile", [&] { test::WriteFile(data("Daily/$NYA.csv"), ""); },
+       "CreateMetaStockPxFiles Error #  62 - Input past end of file (no header line) - $NYA.csv - "
+       "Daily"},
+      {"missing datafile", [&] { std::filesystem::remove(data("Daily/$NYA.csv")); },
+       "CreateMetaStockPxFiles Error #  53 - File not found ("},
+      {"missing kind folder",
+       [&] {
+         WriteDatafile(data("Daily/$NYA.csv"), {CompositeLine()});
+         ts.session.ui.UserDefFile1 = 1;  // ticked without its handler: no PxFile1 folders
+       },
+       "CreateMetaStockPxFiles Error #  76 - Path not found ("},
+  };
+  for (const Case& c : cases) {
+    test::WriteFile(px, "old px\r\n");
+    test::WriteFile(user, "old user\r\n");
+    c.arrange();
+    CreateMetaStockPxFiles(ts.session);
+    EXPECT_EQ(ReadFile(px), "old px\r\n") << c.what;
+    EXPECT_EQ(ReadFile(user), "old user\r\n") << c.what;
+    EXPECT_NE(ts.LogText().find(c.logged), std::string::npos) << c.what << "\n" << ts.LogText();
+  }
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(data("PX/Daily")), {}), 1)
+      << "no temporary file is left behind";
+}
+
+TEST_F(PriceFilesTest, FolderHandlersMakeTheKindsFoldersWhenTicked) {
+  const WindowState& ui = ts.session.ui;
+  Tick("OHLCVV");
+  Tick("EqWtOHLCVV");
+  Tick("UserDefFile2");
+  for (const char* period : {"Daily", "Weekly", "Monthly", "Quarterly"}) {
+    const std::string p(period);
+    EXPECT_TRUE(Exists(data("PX/" + p)));
+    EXPECT_TRUE(Exists(data("PxEqWt/" + p)));
+    EXPECT_TRUE(Exists(ui.PathToMSPxFiles + "EqWtPriceFiles/" + p));
+    EXPECT_TRUE(Exists(data("PxFile2/" + p)));
+    EXPECT_TRUE(Exists(ui.PathToMSPxFiles + "PxFile2/" + p));
+  }
+  EXPECT_FALSE(Exists(ui.PathToMSPxFiles + "PX"));
+  EXPECT_FALSE(Exists(data("PxFile1")));
+}
+
+}  // namespace
+}  // namespace corvanet

@@ -1,0 +1,307 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+
+#include "core/app/settings.h"
+#include "core/stats/composite_fixture.h"
+#include "core/stats/single_stat_files.h"
+#include "core/stats/statistic_catalogue.h"
+#include "core/stats/statistic_choices.h"
+#include "support/test_session.h"
+
+namespace corvanet {
+namespace {
+
+using test::CompositeLine;
+using test::Exists;
+using test::ReadFile;
+using test::ReadLines;
+using test::WriteDatafile;
+using test::WriteLines;
+using Lines = std::vector<std::string>;
+
+// An installation with the composites $NYA and $INDU on user list 3 (Daily) and on the master
+// file, and the single-statistic page at its defaults.
+class SingleStatFilesTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ts.WriteMasterfile({"NYSE Composite,$NYA", "Dow Industrials,$INDU"});
+    WriteList(3, {1, 0, 0, 0});
+  }
+
+  void WriteList(int n, std::array<int, 4> periods) {
+    Lines lines{"eSignal,eSignal", "DailyInterval," + std::to_string(periods[0]),
+                "WeeklyInterval," + std::to_string(periods[1]),
+                "MonthlyInterval," + std::to_string(periods[2]),
+                "QuarterlyInterval," + std::to_string(periods[3])};
+    if (n <= 5) {
+      lines.insert(lines.end(), {"NYSE Composite,$NYA", "Dow Industrials,$INDU"});
+    }
+    ts.WriteList(n, lines);
+  }
+
+  std::string data(const std::string& relative) const { return ts.data(relative); }
+  void Tick(std::string_view statistic) { SetCheck(ts.session, statistic, 1); }
+  void Set(std::string_view key, std::string_view value) {
+    ASSERT_TRUE(SetSetting(ts.session, *FindSetting(key), value, ValueSource::kUser));
+  }
+  StatFilesSummary Run(int list) {
+    StatFilesSummary summary;
+    MakeListStatFiles_Click(ts.session, list, &summary);
+    return summary;
+  }
+
+  test::TestSession ts;
+};
+
+TEST_F(SingleStatFilesTest, StatisticFirstStructureWritesDateAndValuePerRow) {
+  Tick("UpTrends");
+  Tick("UpVolume");
+  Set("MaxFilenameLength", "");
+  // Texts in another form than the written one are converted and written by the number rule;
+  // text in a column no file takes holds nothing up.
+  WriteDatafile(data("Daily/$NYA.csv"),
+                {CompositeLine("D", 20121101).Set("UpVolume", "0.5").Set("UpTrends", "007"),
+                 CompositeLine("D", 20121102).Set("UpTrends", "-3").Set("UpVolume", "1234.25"),
+                 CompositeLine("D", 20121105).Set("UpTrends", "\"12.0\"").Set("UpVolume", "1e3"),
+                 CompositeLine("D", 20121106).Set("UpTrends", "-0").Set("Pivot", "n/a")});
+  WriteDatafile(data("Daily/$INDU.csv"), {CompositeLine("D", 20121102)});
+
+  const StatFilesSummary summary = Run(3);
+  EXPECT_EQ(summary.datafiles, 2);
+  EXPECT_TRUE(summary.failures.empty());
+  EXPECT_EQ(ReadFile(data("UpTrends/Daily/$NYA-UpTrends.csv")),
+            "20121101,7\r\n20121102,-3\r\n20121105,12\r\n20121106,0\r\n");
+  EXPECT_EQ(ReadFile(data("UpVolume/Daily/$NYA-UpVolume.csv")),
+            "20121101,.5\r\n20121102,1234.25\r\n20121105,1000\r\n20121106,18\r\n");
+  EXPECT_EQ(ReadLines(data("UpTrends/Daily/$INDU-UpTrends.csv")), Lines{"20121102,11"});
+  EXPECT_FALSE(Exists(data("UpTrends/Weekly/$NYA-UpTrends.csv")));
+  EXPECT_EQ(ts.session.ui.RunWithList3, 1) << "the button ticks its list's box";
+}
+
+TEST_F(SingleStatFilesTest, PeriodFirstStructureUsesItsOwnFolders) {
+  Set("PeriodStatFilename", "True");
+  Tick("Advances");
+  EXPECT_TRUE(test::Exists(data("Quarterly/Advances")));
+  WriteDatafile(data("Daily/$NYA.csv"), {CompositeLine()});
+  Run(3);
+  EXPECT_EQ(ReadLines(data("Daily/Advances/$NYA-Advances.csv")), Lines{"20121102,16"});
+  EXPECT_FALSE(Exists(data("Advances/Daily/$NYA-Advances.csv")));
+}
+
+TEST_F(SingleStatFilesTest, NameRuleCutsBlindlyAndEachStatisticKeepsItsFolder) {
+  for (const char* statistic : {"NewHighs1stDay", "NewHighs", "NewLows"}) Tick(statistic);
+  WriteDatafile(data("Daily/$NYA.csv"), {CompositeLine()});
+
+  Set("MaxFilenameLength", "Limit to 8 Characters");
+  Run(3);
+  EXPECT_EQ(ReadLines(data("NewHighs1stDay/Daily/$NYA-New.csv")), Lines{"20121102,46"});
+  EXPECT_EQ(ReadLines(data("NewHighs/Daily/$NYA-New.csv")), Lines{"20121102,20"});
+  EXPECT_EQ(ReadLines(data("NewLows/Daily/$NYA-New.csv")), Lines{"20121102,21"});
+
+  Set("MaxFilenameLength", "Use Issue Symbol");
+  Run(3);
+  EXPECT_EQ(ReadLines(data("NewLows/Daily/$NYA.csv")), Lines{"20121102,21"});
+
+  ts.session.run.DataPeriod = "Daily";  // a pass leaves the last period's (unticked) blank
+  for (const char* other : {"Select One", "Use Issue Symbol - Statistic Name",
+                            "limit to 8 characters", "Limit to 16 Characters"}) {
+    Set("MaxFilenameLength", other);
+    EXPECT_EQ(StatisticFilePath(ts.session, "$NYA", "NewHighs1stDay"),
+              data("NewHighs1stDay/Daily/$NYA-NewHighs1stDay.csv"))
+        << other;
+  }
+}
+
+TEST_F(SingleStatFilesTest, ZeroReplacementAndDateForms) {
+  Tick("Unchanged");
+  WriteDatafile(data("Daily/$NYA.csv"), {CompositeLine("D", 20121102).Set("Unchanged", "0"),
+                                         CompositeLine("D", 20121105).Set("Unchanged", "1234")});
+  const std::string file = data("Unchanged/Daily/$NYA-Unchanged.csv");
+  const std::pair<const char*, const char*> replacements[] = {
+      {"0.00001", "0.00001"},        {"-1", "-1"}, {"0", "0"}, {"", "0"},
+      {" 0.5 apples", "0.5 apples"}, {"abc", "0"}};
+  for (const auto& [setting, written] : replacements) {
+    Set("ReplaceZeroValues", setting);
+    Run(3);
+    EXPECT_EQ(ReadLines(file), (Lines{std::string("20121102,") + written, "20121105,1234"}))
+        << setting;
+  }
+  Set("ReplaceZeroValues", "0");
+  Set("DateFormatMMDDYYYY", "True");
+  Run(3);
+  EXPECT_EQ(ReadLines(file), (Lines{"11/02/2012,0", "11/05/2012,1234"}));
+}
+
+TEST_F(SingleStatFilesTest, UntickedListGivesNoFilesButTheCompletionTexts) {
+  Tick("UpTrends");
+  WriteList(6, {1, 0, 0, 0});
+  WriteDatafile(data("Daily/$NYA.csv"), {CompositeLine()});
+  ts.session.app.CurrentListNumber = "6";
+  ts.session.ui.DailyInterval = 1;
+  ts.clock.timer = 100;
+  ts.session.run.RunStartTimer = 40;
+  MakeSingleStatFiles(ts.session);
+  EXPECT_FALSE(Exists(data("UpTrends/Daily/$NYA-UpTrends.csv")));
+  const WindowState& ui = ts.session.ui;
+  EXPECT_EQ(ui.DownLoadButton.caption,
+            "Single Statistic Files Created ... (Elapsed time:  60.00 Seconds)");
+  EXPECT_EQ(ui.DownloadProgressFrame.caption, "File creation complete");
+  EXPECT_EQ(ui.Label13.caption, "Single statistic files created");
+  EXPECT_FALSE(ui.ProgressBar1.visible);
+}
+
+class CaptionRecorder : public StateObserver {
+ public:
+  void StateChanged(const WindowState& state) override {
+    if (captions.empty() || captions.back() != state.DownLoadButton.caption) {
+      captions.push_back(state.DownLoadButton.caption);
+    }
+  }
+  Lines captions;
+};
+
+TEST_F(SingleStatFilesTest, AllPeriodsSkipsQuarterlyFilesOfTheThreeBigComposites) {
+  Tick("UpTrends");
+  WriteList(7, {1, 1, 1, 1});
+  for (const char* period : {"Daily", "Weekly", "Monthly", "Quarterly"}) {
+    for (const char* symbol : {"$NYA", "$INDU"}) {
+      WriteDatafile(data(std::string(period) + "/" + symbol + ".csv"),
+                    {CompositeLine(std::string(1, period[0]))});
+    }
+  }
+  CaptionRecorder recorder;
+  ts.session.observer = &recorder;
+  const StatFilesSummary summary = Run(7);
+  EXPECT_EQ(summary.datafiles, 7);
+  EXPECT_TRUE(Exists(data("UpTrends/Monthly/$NYA-UpTrends.csv")));
+  EXPECT_TRUE(Exists(data("UpTrends/Quarterly/$INDU-UpTrends.csv")));
+  EXPECT_FALSE(Exists(data("UpTrends/Quarterly/$NYA-UpTrends.csv")));
+  EXPECT_EQ(ts.session.ui.CurrentTab, kDownloadTab);
+  const auto shown = [&](const std::string& caption) {
+    return std::find(recorder.captions.begin(), recorder.captions.end(), caption);
+  };
+  const auto first =
+      shown("Making single statistic datafiles for 1 composites of 7 for 'All Periods'");
+  const auto second =
+      shown("Making single statistic datafiles for 2 composites of 7 for 'All Periods'");
+  EXPECT_NE(first, recorder.captions.end());
+  EXPECT_NE(second, recorder.captions.end());
+  EXPECT_LT(first, second);
+}
+
+TEST_F(SingleStatFilesTest, HeaderOnlyDatafileGivesEmptyFiles) {
+  Tick("Traded");
+  WriteDatafile(data("Daily/$NYA.csv"), {});
+  Run(3);
+  const std::string file = data("Traded/Daily/$NYA-Traded.csv");
+  ASSERT_TRUE(Exists(file));
+  EXPECT_EQ(ReadFile(file), "");
+}
+
+// A bad datafile ends the work for that composite and period only: its old files stay whole,
+// the log names the failure, and the next composite is written.
+TEST_F(SingleStatFilesTest, BadInputKeepsTheOldFilesAndGoesOn) {
+  Tick("UpTrends");
+  Tick("Declines");
+  ts.EnableLog();
+  const std::string nya = data("UpTrends/Daily/$NYA-UpTrends.csv");
+  const std::string indu = data("UpTrends/Daily/$INDU-UpTrends.csv");
+  std::string short_row = CompositeLine().Text();
+  short_row.resize(short_row.rfind(','));
+  struct Case {
+    const char* what;
+    std::vector<std::string> rows;
+    bool empty_file;  // not even a header
+    std::string logged;
+  };
+  const Case cases[] = {
+      {"short row",
+       {CompositeLine(), short_row, CompositeLine()},
+       false,
+       "MakeIndividualStatFile Error #  62 - Input past end of file (line 3 holds 67 of 68 "
+       "fields) - $NYA.csv - Daily"},
+      {"text in a count",
+       {CompositeLine().Set("Declines", "none")},
+       false,
+       "MakeIndividualStatFile Error #  13 - Type mismatch (line 2, column 17 Declines: "
+       "\"none\") - $NYA.csv - Daily"},
+      {"empty file", {}, true, "MakeIndividualStatFile Error #  62 - Input past end of file"},
+  };
+  for (const Case& c : cases) {
+    test::WriteFile(nya, "20000101,5\r\n");
+    if (c.empty_file) {
+      test::WriteFile(data("Daily/$NYA.csv"), "");
+    } else {
+      WriteDatafile(data("Daily/$NYA.csv"), c.rows);
+    }
+    WriteDatafile(data("Daily/$INDU.csv"), {CompositeLine("D", 20121102 + 1)});
+    const StatFilesSummary summary = Run(3);
+    EXPECT_EQ(ReadFile(nya), "20000101,5\r\n") << c.what;
+    EXPECT_EQ(ReadLines(indu), Lines{"20121103,11"}) << c.what;
+    EXPECT_NE(ts.LogText().find(c.logged), std::string::npos) << c.what << "\n" << ts.LogText();
+    ASSERT_EQ(summary.failures.size(), 1u) << c.what;
+    EXPECT_EQ(summary.failures[0].symbol, "$NYA");
+  }
+  // No temporary file is left beside the kept one.
+  Lines names;
+  for (const auto& entry : std::filesystem::directory_iterator(data("UpTrends/Daily"))) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  EXPECT_EQ(names, (Lines{"$INDU-UpTrends.csv", "$NYA-UpTrends.csv"}));
+}
+
+TEST_F(SingleStatFilesTest, MissingFolderOrDatafileFailsThatCompositeOnly) {
+  ts.EnableLog();
+  ts.session.ui.Equal4ma = 1;  // ticked without its handler: no folders
+  WriteDatafile(data("Daily/$INDU.csv"), {CompositeLine()});
+  StatFilesSummary summary = Run(3);
+  EXPECT_EQ(summary.failures.size(), 2u);
+  EXPECT_NE(ts.LogText().find("MakeIndividualStatFile Error #  76 - Path not found"),
+            std::string::npos);
+
+  SetCheck(ts.session, "Equal4ma", 0);
+  Tick("Equal4ma");
+  summary = Run(3);
+  ASSERT_EQ(summary.failures.size(), 1u) << "$NYA has no datafile";
+  EXPECT_NE(summary.failures[0].reason.find("File not found"), std::string::npos);
+  EXPECT_EQ(ReadLines(data("Equal4ma/Daily/$INDU-Equal4ma.csv")), Lines{"20121102,43"});
+}
+
+TEST_F(SingleStatFilesTest, SelectAllAndClearAllWalkTheBoxesInCatalogueOrder) {
+  ts.EnableLog();
+  SelectAllStatFiles_Click(ts.session);
+  for (const StatisticDef& statistic : StatisticCatalogue()) {
+    EXPECT_EQ(ts.session.ui.*statistic.box, 1) << statistic.name;
+    EXPECT_TRUE(Exists(data(std::string(statistic.name) + "/Quarterly"))) << statistic.name;
+  }
+  const std::string log = ts.LogText();
+  std::size_t at = 0;
+  for (const StatisticDef& statistic : StatisticCatalogue()) {
+    at = log.find(" - " + std::string(statistic.name) + "_Click", at);
+    ASSERT_NE(at, std::string::npos) << statistic.name << " out of order";
+  }
+  EXPECT_LT(log.find("NewLows1stDay_Click"), log.find("QNewHighs_Click"));
+  EXPECT_LT(log.find("Equal200ma_Click"), log.find("Above30ma_Click"));
+
+  ClearAllStatFiles_Click(ts.session);
+  for (const StatisticDef& statistic : StatisticCatalogue()) {
+    EXPECT_EQ(ts.session.ui.*statistic.box, 0) << statistic.name;
+  }
+}
+
+TEST_F(SingleStatFilesTest, StatisticChoicesComeFromStatsCsvAndFixedItems) {
+  WriteLines(ts.lists("Stats.csv"), {"Select One", "ClosePx, UpTrends", "FV15"});
+  LoadStatisticChoices(ts.session);
+  const WindowState& ui = ts.session.ui;
+  EXPECT_EQ(ui.StatisticColumnItems, (Lines{"Select One", "ClosePx", "UpTrends", "FV15"}));
+  ASSERT_EQ(ui.MaxFilenameLengthItems.size(), 10u);
+  EXPECT_EQ(ui.MaxFilenameLengthItems[2], "Limit to 8 Characters");
+  EXPECT_EQ(ui.ReplaceZeroValuesItems, (Lines{"0", "0.0000001", "0.000001", "0.00001", "-1"}));
+}
+
+}  // namespace
+}  // namespace corvanet
