@@ -15,6 +15,7 @@
 #include "core/lists/masterfile.h"
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
+#include "core/stats/single_stat_files.h"
 #include "core/ui/tabs.h"
 
 namespace corvanet {
@@ -187,7 +188,11 @@ RunSummary DownLoadButton_Click(Session& session) {
     RunPeriod(session, run_total, summary);
   }
 
-  // Single-statistic files of the run are made here once they exist.
+  if (ui.AutoCreateOneStatFiles != 0) {
+    StatFilesSummary statistics;
+    MakeSingleStatFiles(session, &statistics);
+    summary.statistic_failures = std::move(statistics.failures);
+  }
   const std::string message_file = GetSystemMessageFileName(session);
   if (!RetrieveDataFile(session, message_file, message_file).ok()) {
     // A failed fetch keeps the old copy, and an old message must not be shown again as new.

@@ -14,6 +14,12 @@ std::vector<std::string> RunSummary::Lines() const {
   for (const DatafileFailure& failure : failures) {
     lines.push_back("  " + failure.symbol + " " + failure.period + ": " + failure.reason);
   }
+  if (!statistic_failures.empty()) {
+    lines.push_back("Statistic files failed: " + std::to_string(statistic_failures.size()));
+    for (const DatafileFailure& failure : statistic_failures) {
+      lines.push_back("  " + failure.symbol + " " + failure.period + ": " + failure.reason);
+    }
+  }
   for (const std::string& problem : period_problems) lines.push_back("Problem: " + problem);
   if (!elapsed.empty()) lines.push_back("Elapsed time: " + elapsed);
   return lines;

@@ -19,9 +19,13 @@ struct RunSummary {
   // Fetches of a whole period that failed (its update file): the period's datafiles were merged
   // from the update file of an earlier run, so they may lack the newest rows.
   std::vector<std::string> period_problems;
+  // Datafiles whose single-statistic files could not be made after the periods.
+  std::vector<DatafileFailure> statistic_failures;
   std::string elapsed;   // the elapsed-time text of the run
 
-  bool has_failures() const { return !failures.empty() || !period_problems.empty(); }
+  bool has_failures() const {
+    return !failures.empty() || !period_problems.empty() || !statistic_failures.empty();
+  }
   // Lines for the user: counts, then one line per failed datafile.
   std::vector<std::string> Lines() const;
 };

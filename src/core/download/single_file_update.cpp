@@ -10,6 +10,7 @@
 #include "core/download/update_datafile.h"
 #include "core/lists/download_lists.h"
 #include "core/platform/text.h"
+#include "core/pricefiles/price_files.h"
 
 namespace corvanet {
 
@@ -96,7 +97,8 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
         summary.failures.push_back({symbol, run.DataPeriod, outcome.reason});
         break;
     }
-    // Price files of this datafile are made here once they exist.
+    // A datafile that could not be updated keeps its old price files too.
+    if (outcome.ok() && ui.MakeMetaStockPxFiles != 0) CreateMetaStockPxFiles(session);
   }
 }
 
