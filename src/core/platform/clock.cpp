@@ -56,13 +56,17 @@ std::string FormatClockAmPm(const LocalDateTime& t) {
 std::string FormatThousands2(double value) {
   const bool negative = value < 0;
   const auto cents = static_cast<long long>(std::llround(std::fabs(value) * 100.0));
-  std::string whole = std::to_string(cents / 100);
-  for (int i = static_cast<int>(whole.size()) - 3; i > 0; i -= 3) {
-    whole.insert(static_cast<std::size_t>(i), ",");
+  const std::string digits = std::to_string(cents / 100);
+  std::string text = negative ? "-" : "";
+  for (std::size_t i = 0; i < digits.size(); ++i) {
+    if (i > 0 && (digits.size() - i) % 3 == 0) text += ',';
+    text += digits[i];
   }
   char fraction[4];
   std::snprintf(fraction, sizeof fraction, "%02lld", cents % 100);
-  return (negative ? "-" : "") + whole + "." + fraction;
+  text += '.';
+  text += fraction;
+  return text;
 }
 
 std::string ElapsedText(double seconds) {
