@@ -71,6 +71,29 @@ struct CloseOnReturn {
   ~CloseOnReturn() { file.Close(); }
 };
 
+// "," and a field already in the number rule's form, with the blank the rule puts before a value
+// of 0 and above.
+void AppendWrittenText(std::string& out, std::string_view text) {
+  out += text.front() == '-' ? "," : ", ";
+  out += text;
+}
+
+// "," and a numeric column of the row read last, copied when already in written form, else
+// converted and written by the rule. False (file.error() says why) when it is no number.
+bool AppendField(std::string& out, CompositeFile& file, CompositeRow& row, int column) {
+  const std::string_view text = file.FieldText(column);
+  if (IsNumberRuleText(text)) {
+    AppendWrittenText(out, text);
+    return true;
+  }
+  if (!ReadCompositeColumn(file, row, column)) return false;
+  double value = 0;
+  ColumnValue(row, column).ToDouble(value);
+  out += ',';
+  AppendValue(out, value, false);
+  return true;
+}
+
 bool Fail(DatafileError& error, int number, std::string detail) {
   error.number = number;
   error.description = ErrorDescription(number);
@@ -117,30 +140,46 @@ bool WritePriceFiles(Session& session, DatafileError& error) {
     open.block->clear();
     ticked[count++] = &open;
   }
+  // Value columns are converted only when their text is not already in written form.
   ColumnSet wanted;
-  wanted.set(0).set(1);  // Period, RowDate
-  for (std::size_t t = 0; t < count; ++t) {
-    for (const int column : ticked[t]->columns) {
-      if (column != 0) wanted.set(static_cast<std::size_t>(column - 1));
-    }
-  }
+  wanted.set(0);  // Period
   CompositeRow row;
   std::array<double, 6> values{};
   std::size_t rows = 0;
+  std::string head;  // ticker, name, period letter and date: the same for every kind
+  std::string line;
   while (ReadCompositeRow(datafile, row, wanted)) {
     ++rows;
+    head.assign(run.DownloadSymbol).append(",").append(run.DownloadName).append(",");
     // Quarterly bars go to the converter as monthly ones.
-    const std::string_view per = row.Period == "Q" ? std::string_view("M") : row.Period;
+    head.append(row.Period == "Q" ? std::string_view("M") : std::string_view(row.Period));
+    if (!AppendField(head, datafile, row, 2)) {
+      error = datafile.error();
+      return false;
+    }
     for (std::size_t t = 0; t < count; ++t) {
       OpenKind& open = *ticked[t];
+      std::string& out = line;
+      out = head;
       for (std::size_t j = 0; j < 6; ++j) {
-        if (!ColumnValue(row, open.columns[j]).ToDouble(values[j])) {
+        const int column = open.columns[j];
+        if (column != 0 && IsNumberRuleText(datafile.FieldText(column))) {
+          AppendWrittenText(out, datafile.FieldText(column));
+          continue;
+        }
+        if (!ReadCompositeColumn(datafile, row, column)) {
+          error = datafile.error();
+          return false;
+        }
+        if (!ColumnValue(row, column).ToDouble(values[j])) {
           return Fail(error, kErrorTypeMismatch,
                       "row " + std::to_string(rows) + ": column " +
-                          std::string(ColumnName(open.columns[j])) + " holds text");
+                          std::string(ColumnName(column)) + " holds text");
         }
+        out += ',';
+        AppendValue(out, values[j], false);
       }
-      WritePriceLine(*open.block, run.DownloadSymbol, run.DownloadName, per, row.RowDate, values);
+      WritePriceLine(*open.block, line);
       if (open.block->size() >= kBlockSize) {
         open.file.Write(*open.block);
         open.block->clear();
@@ -183,19 +222,8 @@ bool CreatePriceFile(const Session& session, const std::string& path, AtomicFile
   return true;
 }
 
-void WritePriceLine(std::string& out, std::string_view ticker, std::string_view name,
-                    std::string_view per, std::int32_t date, const std::array<double, 6>& values) {
-  out += ticker;
-  out += ',';
-  out += name;
-  out += ',';
-  out += per;
-  out += ',';
-  AppendValue(out, date, false);
-  for (const double value : values) {
-    out += ',';
-    AppendValue(out, value, false);
-  }
+void WritePriceLine(std::string& out, std::string_view text) {
+  out += text;
   out += kLineEnd;
 }
 

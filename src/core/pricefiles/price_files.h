@@ -3,7 +3,6 @@
 // equal weight, three user-defined), each row giving ticker, name, period letter, date and six
 // values. They are what the MetaStock converter reads.
 #include <array>
-#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -38,9 +37,9 @@ std::string PriceFilePath(const Session& session, const PriceFileKind& kind);
 // Starts the file (a temporary beside it until committed) with the header line unless
 // DoNotMakeMetaStockFormat is ticked. False when the kind's folder is missing.
 bool CreatePriceFile(const Session& session, const std::string& path, AtomicFileWriter& file);
-// Appends one row's line to `out`: ticker, name and period letter as they stand, then the date and
-// the six values by the number rule untrimmed, so each number >= 0 follows its comma with a blank.
-void WritePriceLine(std::string& out, std::string_view ticker, std::string_view name,
-                    std::string_view per, std::int32_t date, const std::array<double, 6>& values);
+// Appends one line of a price file and its line end to `out`, the file's pending block. A line is
+// ticker, name and period letter as they stand, then the date and the six values by the number
+// rule untrimmed, so each number >= 0 follows its comma with a blank.
+void WritePriceLine(std::string& out, std::string_view text);
 
 }  // namespace corvanet

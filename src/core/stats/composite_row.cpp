@@ -302,12 +302,14 @@ bool ReadCompositeRow(CompositeFile& file, CompositeRow& row) {
 bool ReadCompositeRow(CompositeFile& file, CompositeRow& row, const ColumnSet& wanted) {
   std::string_view line;
   if (!file.NextLine(line)) return false;
-  std::array<std::string_view, kCompositeColumnCount>& fields = file.fields_;
-  const std::size_t count = SplitFieldsInPlace(line, fields);
+  std::size_t count = 0;
+  file.line_ = line;
+  file.quoted_ = line.size() > UINT32_MAX || !FindFieldEnds(line, file.ends_, count);
+  if (file.quoted_) count = SplitFieldsInPlace(line, file.fields_);
   // Built only when a row is refused: reading a good row allocates nothing.
   const auto where = [&] { return "line " + std::to_string(file.line_number_); };
-  if (count != fields.size()) {
-    const bool short_row = count < fields.size();
+  if (count != kCompositeColumnCount) {
+    const bool short_row = count < kCompositeColumnCount;
     file.Fail(short_row ? kErrorInputPastEnd : kErrorTypeMismatch,
               where() + " holds " + std::to_string(count) + (short_row ? " of " : " fields, not ") +
                   std::to_string(kCompositeColumnCount) + (short_row ? " fields" : ""));
@@ -324,7 +326,7 @@ bool ReadCompositeRow(CompositeFile& file, CompositeRow& row, const ColumnSet& w
 bool ReadCompositeColumn(CompositeFile& file, CompositeRow& row, int column) {
   if (column < 1 || column > kCompositeColumnCount) return true;
   const ColumnDef& def = kColumns[column - 1];
-  const std::string_view field = file.fields_[static_cast<std::size_t>(column - 1)];
+  const std::string_view field = file.FieldText(column);
   const int error = ConvertField(def, field, row);
   if (error == 0) return true;
   file.Fail(error, "line " + std::to_string(file.line_number_) + ", column " +

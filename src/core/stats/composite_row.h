@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "core/platform/line_reader.h"
+#include "core/stats/field_split.h"
 
 namespace corvanet {
 
@@ -116,7 +117,9 @@ class CompositeFile {
   // The text of a column (1-68) of the row read last, as split from its line: valid until the
   // next read. Lets a writer copy a field that is already in the written form.
   std::string_view FieldText(int column) const {
-    return fields_[static_cast<std::size_t>(column - 1)];
+    const auto i = static_cast<std::size_t>(column - 1);
+    if (quoted_) return fields_[i];
+    return FieldBetween(line_, i == 0 ? 0 : ends_[i - 1] + 1, ends_[i]);
   }
 
  private:
@@ -129,6 +132,11 @@ class CompositeFile {
   LineReader lines_;
   std::size_t line_number_ = 0;
   DatafileError error_;
+  // The row read last: a plain line keeps where its fields end and cuts a field out only when it
+  // is asked for (most rows are read for a few columns); a line with quotes is split whole.
+  std::string_view line_;
+  std::array<std::uint32_t, kCompositeColumnCount> ends_{};
+  bool quoted_ = false;
   std::array<std::string_view, kCompositeColumnCount> fields_{};
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 // Single-statistic files: for every composite of a download list and every period of the run, one
 // CSV per selected statistic with a date and the statistic's value on each line.
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,10 +40,38 @@ bool MakeIndividualStatFile(Session& session, std::string_view listed_symbol,
 // PathToDataFiles + the two folders of the chosen structure + the name rule + ".csv".
 std::string StatisticFilePath(const Session& session, std::string_view listed_symbol,
                               std::string_view statistic);
-// Starts the statistic's file (a temporary beside it until committed). False when its folder is
-// missing: folders are made by the statistic boxes, never here.
+
+// A statistic file being written: its writer (a temporary beside the file until committed) and
+// the lines not yet handed to it, gathered in one block so a file takes a write call per 64 KiB
+// rather than per line.
+class StatisticFile {
+ public:
+  static constexpr std::size_t kBlockSize = 64 * 1024;
+
+  StatisticFile();
+  bool Open(const std::string& path);
+  // Appends head + tail + CR LF.
+  void WriteLine(std::string_view head, std::string_view tail);
+  // The same for a head of at most 16 characters in a buffer of 16: copied whole, without a call.
+  void WriteLine(const char (&head)[16], std::size_t head_size, std::string_view tail);
+  // Hands over what is left and replaces the file; false (old file kept) on any failure.
+  bool Commit();
+  // Drops everything written; the old file stays.
+  void Discard();
+  const AtomicFileWriter& writer() const { return writer_; }
+
+ private:
+  void Flush();
+
+  AtomicFileWriter writer_;
+  std::unique_ptr<char[]> block_;
+  std::size_t used_ = 0;
+};
+
+// Starts the statistic's file. False when its folder is missing: folders are made by the
+// statistic boxes, never here.
 bool OpenStatisticFile(const Session& session, std::string_view listed_symbol,
-                       std::string_view statistic, AtomicFileWriter& file);
+                       std::string_view statistic, StatisticFile& file);
 
 // The ReplaceZeroValues rule, taken once per pass: replace only when the text begins with a
 // non-zero number ("0" and a blank box never replace), and write the text as typed.
@@ -51,8 +80,8 @@ struct ZeroReplacement {
   std::string text;
 };
 ZeroReplacement ZeroReplacementOf(std::string_view replace_zero_values);
-// Appends "date,value" and the line end to `out`, the value replaced when it reads as zero.
-void WriteStatisticRow(std::string& out, std::string_view date_text, std::string_view value_text,
+// Writes "date,value" and the line end, the value replaced when it reads as zero.
+void WriteStatisticRow(StatisticFile& file, std::string_view date_text, std::string_view value_text,
                        const ZeroReplacement& zero);
 
 // Makes the statistic's folders in the chosen structure; existing ones are fine.

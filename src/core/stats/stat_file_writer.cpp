@@ -1,4 +1,5 @@
 // One datafile split into its statistic files, the names and folders of those files.
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstring>
@@ -17,9 +18,6 @@ namespace corvanet {
 
 namespace {
 
-// Lines are gathered per file and handed over in blocks: one write call per block instead of one
-// per line, and memory stays bounded however long the datafile is.
-constexpr std::size_t kBlockSize = 64 * 1024;
 constexpr int kNoLimit = 100;
 
 // "Limit to 8 Characters" ... "Limit to 15 Characters" exactly; any other text sets no real limit.
@@ -41,18 +39,9 @@ inline std::string_view TrimBlanks(std::string_view text) {
   return text;
 }
 
-// Digits only, at most 15 of them, no leading zero (but "0" itself), an optional minus sign ("-0"
-// excepted): exactly the texts the number rule writes, trimmed, for whole numbers.
-inline bool IsPlainWholeNumber(std::string_view text) {
-  if (!text.empty() && text.front() == '-') {
-    text.remove_prefix(1);
-    if (text == "0") return false;
-  }
-  if (text.empty() || text.size() > 15 || (text.front() == '0' && text.size() > 1)) return false;
-  for (const char c : text) {
-    if (c < '0' || c > '9') return false;
-  }
-  return true;
+// The value as written: the replacement text when the value reads as zero and one is set.
+inline std::string_view ReplacedIfZero(std::string_view value_text, const ZeroReplacement& zero) {
+  return zero.active && LeadingNumber(value_text) == 0 ? std::string_view(zero.text) : value_text;
 }
 
 // Period folder inside the statistic's folder, or the other way round.
@@ -65,7 +54,7 @@ bool PeriodFirst(const WindowState& ui) {
 // for the next datafile, which cost a third of the pass.
 struct ReusedBuffers {
   CompositeFile datafile;
-  std::array<std::string, kStatisticCount> blocks;
+  std::array<StatisticFile, kStatisticCount> files;
 };
 ReusedBuffers& Buffers() {
   thread_local ReusedBuffers buffers;
@@ -86,10 +75,8 @@ bool Fail(DatafileError& error, int number, std::string detail) {
 // Reads the datafile once and gathers every selected statistic's lines into its file. On false,
 // `error` says why and nothing has been committed.
 bool SplitDatafile(Session& session, std::string_view listed_symbol,
-                   std::span<const StatisticDef* const> selected, std::span<AtomicFileWriter> files,
-                   DatafileError& error) {
-  ReusedBuffers& buffers = Buffers();
-  CompositeFile& datafile = buffers.datafile;
+                   std::span<const StatisticDef* const> selected, std::span<StatisticFile> files,
+                   CompositeFile& datafile, DatafileError& error) {
   const CloseOnReturn close{datafile};
   // The datafile first: when it is missing no file is even started.
   if (!datafile.Open(DestinationPath(session)) || !ReadCompositeHeader(datafile)) {
@@ -98,11 +85,10 @@ bool SplitDatafile(Session& session, std::string_view listed_symbol,
   }
   for (std::size_t k = 0; k < selected.size(); ++k) {
     if (!OpenStatisticFile(session, listed_symbol, selected[k]->name, files[k])) {
-      return Fail(error, kErrorPathNotFound, files[k].target() + ": " + files[k].error());
+      const AtomicFileWriter& writer = files[k].writer();
+      return Fail(error, kErrorPathNotFound, writer.target() + ": " + writer.error());
     }
   }
-  std::array<std::string, kStatisticCount>& blocks = buffers.blocks;
-  for (std::size_t k = 0; k < selected.size(); ++k) blocks[k].clear();
   const ZeroReplacement zero = ZeroReplacementOf(session.ui.ReplaceZeroValues);
   const bool month_first = session.ui.DateFormatMMDDYYYY;
   ColumnSet wanted;
@@ -116,31 +102,39 @@ bool SplitDatafile(Session& session, std::string_view listed_symbol,
     counts[k] = IntegerField(row, selected[k]->column);
     volumes[k] = DoubleField(row, selected[k]->column);
   }
-  char date_buffer[16];
   char value_buffer[kNumberTextCapacity];
+  char head[16] = {};  // "date," of the row, shared by all its lines
   while (ReadCompositeRow(datafile, row, wanted)) {
-    std::string_view date_text;
+    std::size_t head_size = 0;
+    std::string_view long_date;  // not a date the service writes: taken the slow way
     if (month_first) {
-      date_text = TrimBlanks(row.RowDateText);
+      const std::string_view date = TrimBlanks(row.RowDateText);
+      if (date.size() < sizeof head) {
+        std::memcpy(head, date.data(), date.size());
+        head_size = date.size();
+      } else {
+        long_date = date;
+      }
     } else {
-      const auto end = std::to_chars(date_buffer, date_buffer + sizeof date_buffer, row.RowDate);
-      date_text = std::string_view(date_buffer, static_cast<std::size_t>(end.ptr - date_buffer));
+      head_size = static_cast<std::size_t>(
+          std::to_chars(head, head + sizeof head - 1, row.RowDate).ptr - head);
     }
+    head[head_size] = ',';
     for (std::size_t k = 0; k < selected.size(); ++k) {
-      // A plain whole number is already in the written form, so it is copied as it stands.
+      // A field already in the written form is copied as it stands.
       const int column = selected[k]->column;
       std::string_view value_text = datafile.FieldText(column);
-      if (!IsPlainWholeNumber(value_text)) {
+      if (!IsNumberRuleText(value_text)) {
         if (!ReadCompositeColumn(datafile, row, column)) {
           error = datafile.error();
           return false;
         }
         value_text = FormatValue(counts[k] != nullptr ? *counts[k] : *volumes[k], value_buffer);
       }
-      WriteStatisticRow(blocks[k], date_text, value_text, zero);
-      if (blocks[k].size() >= kBlockSize) {
-        files[k].Write(blocks[k]);
-        blocks[k].clear();
+      if (long_date.empty()) {
+        files[k].WriteLine(head, head_size + 1, ReplacedIfZero(TrimBlanks(value_text), zero));
+      } else {
+        WriteStatisticRow(files[k], long_date, value_text, zero);
       }
     }
   }
@@ -148,7 +142,6 @@ bool SplitDatafile(Session& session, std::string_view listed_symbol,
     error = datafile.error();
     return false;
   }
-  for (std::size_t k = 0; k < selected.size(); ++k) files[k].Write(blocks[k]);
   return true;
 }
 
@@ -174,8 +167,62 @@ std::string StatisticFilePath(const Session& session, std::string_view listed_sy
   return path;
 }
 
+// The block has room behind its end for a whole 16-character head.
+StatisticFile::StatisticFile() : block_(std::make_unique<char[]>(kBlockSize + 16)) {}
+
+bool StatisticFile::Open(const std::string& path) {
+  used_ = 0;
+  return writer_.Open(path);
+}
+
+void StatisticFile::Flush() {
+  writer_.Write(std::string_view(block_.get(), used_));
+  used_ = 0;
+}
+
+void StatisticFile::WriteLine(std::string_view head, std::string_view tail) {
+  const std::size_t size = head.size() + tail.size() + kLineEnd.size();
+  if (used_ + size > kBlockSize) Flush();
+  if (size > kBlockSize) {
+    writer_.Write(head);
+    writer_.WriteLine(tail);
+    return;
+  }
+  char* p = block_.get() + used_;
+  std::memcpy(p, head.data(), head.size());
+  std::memcpy(p + head.size(), tail.data(), tail.size());
+  p[size - 2] = '\r';
+  p[size - 1] = '\n';
+  used_ += size;
+}
+
+void StatisticFile::WriteLine(const char (&head)[16], std::size_t head_size,
+                              std::string_view tail) {
+  const std::size_t size = head_size + tail.size() + kLineEnd.size();
+  if (head_size > sizeof head || used_ + size > kBlockSize) {
+    WriteLine(std::string_view(head, std::min(head_size, sizeof head)), tail);
+    return;
+  }
+  char* p = block_.get() + used_;
+  std::memcpy(p, head, sizeof head);
+  std::memcpy(p + head_size, tail.data(), tail.size());
+  p[size - 2] = '\r';
+  p[size - 1] = '\n';
+  used_ += size;
+}
+
+bool StatisticFile::Commit() {
+  Flush();
+  return writer_.Commit();
+}
+
+void StatisticFile::Discard() {
+  used_ = 0;
+  writer_.Discard();
+}
+
 bool OpenStatisticFile(const Session& session, std::string_view listed_symbol,
-                       std::string_view statistic, AtomicFileWriter& file) {
+                       std::string_view statistic, StatisticFile& file) {
   return file.Open(StatisticFilePath(session, listed_symbol, statistic));
 }
 
@@ -183,21 +230,19 @@ ZeroReplacement ZeroReplacementOf(std::string_view replace_zero_values) {
   return {LeadingNumber(replace_zero_values) != 0, std::string(Trim(replace_zero_values))};
 }
 
-void WriteStatisticRow(std::string& out, std::string_view date_text, std::string_view value_text,
+void WriteStatisticRow(StatisticFile& file, std::string_view date_text, std::string_view value_text,
                        const ZeroReplacement& zero) {
-  value_text = TrimBlanks(value_text);
-  if (zero.active && LeadingNumber(value_text) == 0) value_text = zero.text;
+  value_text = ReplacedIfZero(TrimBlanks(value_text), zero);
   date_text = TrimBlanks(date_text);
-  // One resize and two copies: this runs for every value of every statistic file.
-  const std::size_t at = out.size();
-  out.resize(at + date_text.size() + 1 + value_text.size() + kLineEnd.size());
-  char* p = out.data() + at;
-  std::memcpy(p, date_text.data(), date_text.size());
-  p += date_text.size();
-  *p++ = ',';
-  std::memcpy(p, value_text.data(), value_text.size());
-  p += value_text.size();
-  std::memcpy(p, kLineEnd.data(), kLineEnd.size());
+  // "date," then the value: both pieces are copied once, straight into the file's block.
+  char head[64];
+  if (date_text.size() < sizeof head) {
+    std::memcpy(head, date_text.data(), date_text.size());
+    head[date_text.size()] = ',';
+    file.WriteLine(std::string_view(head, date_text.size() + 1), value_text);
+  } else {
+    file.WriteLine(std::string(date_text) + ",", value_text);
+  }
 }
 
 void MakeStatDirectories(Session& session, std::string_view statistic) {
@@ -232,16 +277,19 @@ bool MakeIndividualStatFile(Session& session, std::string_view listed_symbol,
     if (session.ui.*statistic.box != 0) selected[count++] = &statistic;
   }
   if (count == 0) return true;
-  // Destroyed without a commit, a writer removes its temporary file and leaves the old file.
-  std::array<AtomicFileWriter, kStatisticCount> files;
+  ReusedBuffers& buffers = Buffers();
+  std::array<StatisticFile, kStatisticCount>& files = buffers.files;
   DatafileError error;
   bool ok = SplitDatafile(session, listed_symbol, std::span(selected.data(), count),
-                          std::span(files.data(), count), error);
+                          std::span(files.data(), count), buffers.datafile, error);
   for (std::size_t k = 0; ok && k < count; ++k) {
     if (!files[k].Commit()) {
-      ok = Fail(error, kErrorFileAccess, files[k].target() + ": " + files[k].error());
+      ok = Fail(error, kErrorFileAccess,
+                files[k].writer().target() + ": " + files[k].writer().error());
     }
   }
+  // A discarded writer removes its temporary file and leaves the old file as it was.
+  for (std::size_t k = 0; k < count; ++k) files[k].Discard();
   if (ok) return true;
   Log(session, ErrorTrapLine("MakeIndividualStatFile", error, session.run.DestinationFileName,
                              session.run.DataPeriod));

@@ -64,6 +64,28 @@ std::string_view FormatValue(double value, char* buffer) {
   return FormatNumber(value, buffer);
 }
 
+bool IsNumberRuleText(std::string_view text) {
+  const bool negative = !text.empty() && text.front() == '-';
+  if (negative) text.remove_prefix(1);
+  std::size_t i = 0;
+  while (i < text.size() && text[i] >= '0' && text[i] <= '9') ++i;
+  const std::string_view whole = text.substr(0, i);
+  if (whole.size() > 1 && whole.front() == '0') return false;
+  if (i == text.size()) {
+    // A whole number; "-0" is written "0".
+    return !whole.empty() && whole.size() <= 15 && !(negative && whole == "0");
+  }
+  if (text[i] != '.' || whole == "0") return false;
+  const std::string_view fraction = text.substr(i + 1);
+  if (fraction.empty() || fraction.back() == '0') return false;
+  for (const char c : fraction) {
+    if (c < '0' || c > '9') return false;
+  }
+  if (whole.size() + fraction.size() > 15) return false;
+  // Below 1E-4 the rule takes the exponent form.
+  return !whole.empty() || fraction.find_first_not_of('0') <= 3;
+}
+
 void AppendValue(std::string& out, double value, bool trimmed) {
   char buffer[kNumberTextCapacity];
   std::string_view text = FormatValue(value, buffer);

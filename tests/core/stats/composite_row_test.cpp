@@ -286,6 +286,23 @@ TEST(CompositeRow, QuickNumberPathsAgreeWithTheGeneralOnes) {
   for (const double value : values) {
     EXPECT_EQ(FormatValue(value, quick), FormatNumber(value, general)) << value;
   }
+  // A text judged already written is exactly what the rule writes for it.
+  for (const char* text : {"12", "-3", ".5", "-.5", "1234.25", "0", ".0001", "999999999999999"}) {
+    EXPECT_TRUE(IsNumberRuleText(text)) << text;
+  }
+  for (const char* text : {"012", "0.5", "1.50", "+1", "-0", "1E3", ".00001", "1.", "", "-",
+                           "1234567890123456", "12a"}) {
+    EXPECT_FALSE(IsNumberRuleText(text)) << text;
+  }
+  const char alphabet[] = "0123456789.-";
+  for (int i = 0; i < 200000; ++i) {
+    std::string text;
+    const int length = 1 + static_cast<int>(random() % 8);
+    for (int c = 0; c < length; ++c) text += alphabet[random() % (sizeof alphabet - 1)];
+    if (!IsNumberRuleText(text)) continue;
+    ASSERT_EQ(TrimmedNumberText(std::strtod(text.c_str(), nullptr)), text);
+  }
+
   std::string out;
   AppendValue(out, 0.5, true);
   AppendValue(out, -3, true);
