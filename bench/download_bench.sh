@@ -25,14 +25,21 @@ cd "$work"
 "${cli[@]}" run 7 >/dev/null          # first run: every base copy fetched whole
 "$bin/corvanet-demo-service" advance --root "$work/service" --bars 1 >/dev/null
 
-/usr/bin/time -f "%e %M" -o "$work/run.time" "${cli[@]}" run 7 >"$work/run.out"
 data="$work/install/CSVFiles"
-mkdir -p "$work/copy"
-/usr/bin/time -f "%e %M" -o "$work/cp.time" \
-  cp -r "$data/Daily" "$data/Weekly" "$data/Monthly" "$data/Quarterly" "$work/copy/"
-
-read -r run_s run_kb <"$work/run.time"
-read -r cp_s _ <"$work/cp.time"
+# Best of three for both, taking turns, so both meet the page cache and the file system in the same
+# state. A run after the first merges the same rows again: the same reads and writes.
+: >"$work/run.times"
+: >"$work/cp.times"
+for pass in 1 2 3; do
+  /usr/bin/time -f "%e %M" -o "$work/t" "${cli[@]}" run 7 >"$work/run.out"
+  cat "$work/t" >>"$work/run.times"
+  mkdir -p "$work/copy$pass"
+  /usr/bin/time -f "%e %M" -o "$work/t" \
+    cp -r "$data/Daily" "$data/Weekly" "$data/Monthly" "$data/Quarterly" "$work/copy$pass/"
+  cat "$work/t" >>"$work/cp.times"
+done
+read -r run_s run_kb < <(sort -n "$work/run.times" | head -1)
+read -r cp_s _ < <(sort -n "$work/cp.times" | head -1)
 files=$(find "$data/Daily" "$data/Weekly" "$data/Monthly" "$data/Quarterly" -type f | wc -l)
 bytes=$(du -sb "$data/Daily" "$data/Weekly" "$data/Monthly" "$data/Quarterly" | awk '{s+=$1} END {print s}')
 echo "incremental All Periods run: $composites composites x $years years, $files datafiles, $((bytes / 1048576)) MiB"

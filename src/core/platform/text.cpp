@@ -1,6 +1,7 @@
 #include "core/platform/text.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -42,6 +43,25 @@ double ParsePrefix(std::string_view number) {
   return value;
 }
 }  // namespace
+
+std::size_t CountChar(std::string_view text, char c) {
+  constexpr std::uint64_t kLow7 = 0x7F7F7F7F7F7F7F7FULL;
+  const std::uint64_t pattern = 0x0101010101010101ULL * static_cast<unsigned char>(c);
+  std::size_t count = 0;
+  std::size_t i = 0;
+  for (; i + 8 <= text.size(); i += 8) {
+    std::uint64_t word;
+    std::memcpy(&word, text.data() + i, 8);
+    const std::uint64_t x = word ^ pattern;  // a zero byte where `c` stands
+    // The high bit of each byte is set exactly for the zero bytes (no borrow between bytes).
+    const std::uint64_t zero = ~(((x & kLow7) + kLow7) | x | kLow7);
+    // One bit per byte moved to the bottom, then summed by a multiply (no popcount instruction
+    // is assumed).
+    count += static_cast<std::size_t>(((zero >> 7) * 0x0101010101010101ULL) >> 56);
+  }
+  for (; i < text.size(); ++i) count += text[i] == c ? 1 : 0;
+  return count;
+}
 
 std::string_view Trim(std::string_view text) {
   while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <cstdlib>
@@ -138,6 +139,23 @@ TEST(TextTest, TrimAndLetterCase) {
   EXPECT_TRUE(EqualsIgnoreCase("$IndU", "$INDU"));
   EXPECT_FALSE(EqualsIgnoreCase("$INDU", "$INDUX"));
   EXPECT_EQ(ToLower("Daily-ABC"), "daily-abc");
+}
+
+}  // namespace
+}  // namespace corvanet
+
+namespace corvanet {
+namespace {
+
+TEST(CountCharTest, CountsEveryOccurrenceWhateverItsPlaceInAWord) {
+  const std::string text = ",a,,b,c,,,,d,e,f,,g,h,,,,,,,,,i\xac,\x2c";
+  for (std::size_t length = 0; length <= text.size(); ++length) {
+    const std::string_view part(text.data(), length);
+    EXPECT_EQ(CountChar(part, ','),
+              static_cast<std::size_t>(std::count(part.begin(), part.end(), ',')))
+        << length;
+  }
+  EXPECT_EQ(CountChar("\xff\xff\xff\xff\xff\xff\xff\xff\xff", '\xff'), 9u);
 }
 
 }  // namespace
