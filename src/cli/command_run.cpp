@@ -15,7 +15,9 @@ int PrintRun(CommandContext& context, const RunSummary& summary) {
 
 }  // namespace
 
-int RunAutomated(CommandContext& context) { return PrintRun(context, AutomatedRuns(context.session)); }
+int RunAutomated(CommandContext& context) {
+  return PrintRun(context, AutomatedRuns(context.session));
+}
 
 int RunCommand(CommandContext& context, CommandArgs args) {
   int list = 0;

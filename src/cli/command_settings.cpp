@@ -22,9 +22,11 @@ int SettingsCommand(CommandContext& context, CommandArgs args) {
   std::vector<std::pair<const SettingDef*, std::string>> changes;
   for (const std::string& arg : args) {
     const auto equals = arg.find('=');
-    if (equals == std::string::npos) return UsageError(context, "settings", "expected KEY=VALUE: " + arg);
+    if (equals == std::string::npos)
+      return UsageError(context, "settings", "expected KEY=VALUE: " + arg);
     const SettingDef* def = FindSetting(std::string_view(arg).substr(0, equals));
-    if (def == nullptr) return UsageError(context, "settings", "unknown setting: " + arg.substr(0, equals));
+    if (def == nullptr)
+      return UsageError(context, "settings", "unknown setting: " + arg.substr(0, equals));
     std::string value = arg.substr(equals + 1);
     if (!SettingValueFits(*def, value)) {
       return UsageError(context, "settings",

@@ -20,8 +20,7 @@ void PrintInstallationSummary(CommandContext& context) {
       << "Download lists:   " << ui.PathToLists << '\n'
       << "MetaStock files:  " << ui.PathToMSPxFiles << '\n'
       << "Data service:     http://" << app.DataSetURL << '\n'
-      << "Master file:      " << MasterFilePath(session) << " (" << ui.List5.size()
-      << " issues)\n"
+      << "Master file:      " << MasterFilePath(session) << " (" << ui.List5.size() << " issues)\n"
       << "User name:        " << ui.UserName << '\n';
 }
 

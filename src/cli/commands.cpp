@@ -16,7 +16,9 @@ const CommandDef kCommands[] = {
 };
 }  // namespace
 
-std::span<const CommandDef> Commands() { return kCommands; }
+std::span<const CommandDef> Commands() {
+  return kCommands;
+}
 
 const CommandDef* FindCommand(std::string_view name) {
   for (const CommandDef& command : kCommands) {

@@ -55,8 +55,7 @@ TEST_F(RunTest, MoreThanFiveBarsBehindFetchesEachDatafileOnceThenMerges) {
   ASSERT_EQ(run.code, 0) << run.out;
   EXPECT_TRUE(Contains(run.out, "Datafiles fetched whole: 2")) << run.out;
   EXPECT_EQ(Requests("NYSEDaily-CompositeStats.csv"), before + 1);
-  EXPECT_EQ(LastRow("Daily/$NYA.csv"),
-            NewestUpdateRow(ServiceFile("Update-Daily.csv"), "NYSE"));
+  EXPECT_EQ(LastRow("Daily/$NYA.csv"), NewestUpdateRow(ServiceFile("Update-Daily.csv"), "NYSE"));
   EXPECT_EQ(ValidateDatafile(data("Daily/$SOX.csv")), std::vector<std::string>{});
 }
 

@@ -49,8 +49,7 @@ class StatsRunTest : public RunTest {
 };
 
 TEST_F(StatsRunTest, TheRunMakesStatisticFilesInEitherStructure) {
-  Settings({"PeriodStatFilename=True", "NewHighs=1", "AutoCreateOneStatFiles=1",
-            "RunWithList2=1"});
+  Settings({"PeriodStatFilename=True", "NewHighs=1", "AutoCreateOneStatFiles=1", "RunWithList2=1"});
   ASSERT_EQ(RunList(2).code, 0);
   const Lines rows = DatafileRows("Daily/$NYA.csv");
   const Lines stat = ReadLines(data("Daily/NewHighs/$NYA-NewHighs.csv"));
@@ -91,7 +90,8 @@ TEST_F(StatsRunTest, DatesAndZeroReplacementFollowTheSettings) {
   }
   ASSERT_FALSE(zeros.empty()) << "the data set has days without new lows";
   const Lines stat = ReadLines(data("NewLows/Daily/$NYA-NewLows.csv"));
-  for (const std::string& line : zeros) EXPECT_NE(std::find(stat.begin(), stat.end(), line), stat.end());
+  for (const std::string& line : zeros)
+    EXPECT_NE(std::find(stat.begin(), stat.end(), line), stat.end());
 
   Settings({"ReplaceZeroValues=-1", "DateFormatMMDDYYYY=True"});
   ASSERT_EQ(RunIn({"stats", "2"}).code, 0);

@@ -37,8 +37,7 @@ StubService::StubService(std::string user, std::string password)
     for (std::size_t pos; (pos = path.find("//")) != std::string::npos;) path.erase(pos, 1);
     std::lock_guard lock(mutex_);
     ++requests_[path];
-    const std::string expected =
-        "Basic " + Base64(user_ + ":" + password_);
+    const std::string expected = "Basic " + Base64(user_ + ":" + password_);
     if (request.get_header_value("Authorization") != expected) {
       response.status = 401;
       response.set_header("WWW-Authenticate", "Basic realm=\"stub\"");
@@ -48,9 +47,8 @@ StubService::StubService(std::string user, std::string password)
     const auto it = files_.find(path);
     if (it == files_.end() || it->second.status != 200) {
       response.status = it == files_.end() ? 404 : it->second.status;
-      response.set_content("<html><body>Error " + std::to_string(response.status) +
-                               "</body></html>",
-                           "text/html");
+      response.set_content(
+          "<html><body>Error " + std::to_string(response.status) + "</body></html>", "text/html");
       return;
     }
     response.set_content(it->second.content, "text/csv");
@@ -65,7 +63,9 @@ StubService::~StubService() {
   thread_.join();
 }
 
-std::string StubService::host_and_port() const { return "127.0.0.1:" + std::to_string(port_); }
+std::string StubService::host_and_port() const {
+  return "127.0.0.1:" + std::to_string(port_);
+}
 
 void StubService::SetFile(const std::string& path, std::string content) {
   std::lock_guard lock(mutex_);

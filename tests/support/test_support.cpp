@@ -15,9 +15,8 @@ namespace fs = std::filesystem;
 
 TempDir::TempDir() {
   static std::atomic<int> counter{0};
-  const fs::path root = fs::temp_directory_path() /
-                        ("corvanet-test-" + std::to_string(::getpid()) + "-" +
-                         std::to_string(counter++));
+  const fs::path root = fs::temp_directory_path() / ("corvanet-test-" + std::to_string(::getpid()) +
+                                                     "-" + std::to_string(counter++));
   fs::remove_all(root);
   fs::create_directories(root);
   path_ = root.string() + "/";
@@ -64,7 +63,9 @@ std::vector<std::string> ReadLines(const std::string& path) {
   return lines;
 }
 
-bool Exists(const std::string& path) { return fs::exists(path); }
+bool Exists(const std::string& path) {
+  return fs::exists(path);
+}
 
 bool WaitFor(const std::function<bool()>& condition, std::chrono::milliseconds deadline) {
   const auto until = std::chrono::steady_clock::now() + deadline;

@@ -10,7 +10,7 @@ namespace corvanet {
 std::string LogFilePath(const Session& session) {
   // Before start-up fixes ProgramDirectory this is the directory the program was started in.
   const std::string& folder = session.app.ProgramDirectory.empty() ? session.app.StartDirectory
-                                                                    : session.app.ProgramDirectory;
+                                                                   : session.app.ProgramDirectory;
   return folder + "LogFile.txt";
 }
 
@@ -57,6 +57,8 @@ void WriteSettingsReport(Session& session) {
   WriteWholeFile(LogFilePath(session), report, FileAccess::kOwnerOnly);
 }
 
-void GenerateLogFile_Click(Session& session) { WriteSettingsReport(session); }
+void GenerateLogFile_Click(Session& session) {
+  WriteSettingsReport(session);
+}
 
 }  // namespace corvanet

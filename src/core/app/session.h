@@ -71,6 +71,8 @@ struct Session {
 
 // Lets the window repaint. Runs happen off the window's thread, so this only hands the state to the
 // observer and never sleeps.
-inline void Pause(Session& session, double /*seconds*/) { session.NotifyObserver(); }
+inline void Pause(Session& session, double /*seconds*/) {
+  session.NotifyObserver();
+}
 
 }  // namespace corvanet

@@ -47,7 +47,9 @@ std::string Excerpt(std::string_view text) {
 
 }  // namespace
 
-std::string CheckText(int value) { return NumberText(value); }
+std::string CheckText(int value) {
+  return NumberText(value);
+}
 
 std::string SettingsFilePath(const Session& session) {
   return session.app.ProgramDirectory + "Rondex.ini";
@@ -78,10 +80,13 @@ bool SettingValueFits(const SettingDef& def, std::string_view text) {
   int number = 0;
   bool option = false;
   switch (def.form) {
-    case SettingForm::kCheck: return ParseInteger(text, number) && (number == 0 || number == 1);
-    case SettingForm::kOption: return ParseOption(text, option);
+    case SettingForm::kCheck:
+      return ParseInteger(text, number) && (number == 0 || number == 1);
+    case SettingForm::kOption:
+      return ParseOption(text, option);
     case SettingForm::kText:
-    case SettingForm::kPath: return true;
+    case SettingForm::kPath:
+      return true;
   }
   return false;
 }
@@ -90,35 +95,34 @@ bool SetSetting(Session& session, const SettingDef& def, std::string_view text,
                 ValueSource source) {
   bool changed = false;
   const bool fits = std::visit(
-      Overloaded{
-          [&](int W::*m) {
-            int value = 0;
-            if (!ParseInteger(text, value) || value < 0 || value > 1) return false;
-            changed = session.ui.*m != value;
-            session.ui.*m = value;
-            return true;
-          },
-          [&](bool W::*m) {
-            bool value = false;
-            if (!ParseOption(text, value)) return false;
-            changed = session.ui.*m != value;
-            session.ui.*m = value;
-            if (value && !def.partner.empty()) {
-              if (const SettingDef* partner = FindSetting(def.partner)) {
-                session.ui.*std::get<bool W::*>(partner->control) = false;
-              }
-            }
-            return true;
-          },
-          [&](std::string W::*m) {
-            std::string value(text);
-            if (def.form == SettingForm::kPath && source == ValueSource::kSettingsFile) {
-              value = session.app.BaseDirectory + value;
-            }
-            changed = session.ui.*m != value;
-            session.ui.*m = std::move(value);
-            return true;
-          }},
+      Overloaded{[&](int W::*m) {
+                   int value = 0;
+                   if (!ParseInteger(text, value) || value < 0 || value > 1) return false;
+                   changed = session.ui.*m != value;
+                   session.ui.*m = value;
+                   return true;
+                 },
+                 [&](bool W::*m) {
+                   bool value = false;
+                   if (!ParseOption(text, value)) return false;
+                   changed = session.ui.*m != value;
+                   session.ui.*m = value;
+                   if (value && !def.partner.empty()) {
+                     if (const SettingDef* partner = FindSetting(def.partner)) {
+                       session.ui.*std::get<bool W::*>(partner->control) = false;
+                     }
+                   }
+                   return true;
+                 },
+                 [&](std::string W::*m) {
+                   std::string value(text);
+                   if (def.form == SettingForm::kPath && source == ValueSource::kSettingsFile) {
+                     value = session.app.BaseDirectory + value;
+                   }
+                   changed = session.ui.*m != value;
+                   session.ui.*m = std::move(value);
+                   return true;
+                 }},
       def.control);
   if (changed && def.on_change != nullptr) def.on_change(session, def);
   return fits;
@@ -219,8 +223,12 @@ void SaveToINI_Click(Session& session) {
   }
 }
 
-void SaveSettings_Click(Session& session) { SaveToINI_Click(session); }
-void SaveSettings2_Click(Session& session) { SaveToINI_Click(session); }
+void SaveSettings_Click(Session& session) {
+  SaveToINI_Click(session);
+}
+void SaveSettings2_Click(Session& session) {
+  SaveToINI_Click(session);
+}
 
 void RetryNumber_Change(Session& session) {
   LogEntry(session, "RetryNumber_Change");

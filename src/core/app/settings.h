@@ -1,6 +1,6 @@
 #pragma once
-// Rondex.ini: one line per control, key, comma, value, in the fixed order of one table that both the
-// reader and the writer walk.
+// Rondex.ini: one line per control, key, comma, value, in the fixed order of one table that both
+// the reader and the writer walk.
 #include <span>
 #include <string>
 #include <string_view>

@@ -12,15 +12,33 @@ namespace {
 using W = WindowState;
 using F = SettingForm;
 
-void OnRetryNumber(Session& s, const SettingDef&) { RetryNumber_Change(s); }
-void OnSpecialFunctions(Session& s, const SettingDef&) { ImplementSpecialFunctions_Click(s); }
-void OnDataSet(Session& s, const SettingDef&) { SelectMasterfile(s); }
-void OnStatistic(Session& s, const SettingDef& def) { StatisticBox_Click(s, def.key); }
-void OnOHLCVV(Session& s, const SettingDef&) { OHLCVV_Click(s); }
-void OnEqWtOHLCVV(Session& s, const SettingDef&) { EqWtOHLCVV_Click(s); }
-void OnUserDefFile1(Session& s, const SettingDef&) { UserDefFile1_Click(s); }
-void OnUserDefFile2(Session& s, const SettingDef&) { UserDefFile2_Click(s); }
-void OnUserDefFile3(Session& s, const SettingDef&) { UserDefFile3_Click(s); }
+void OnRetryNumber(Session& s, const SettingDef&) {
+  RetryNumber_Change(s);
+}
+void OnSpecialFunctions(Session& s, const SettingDef&) {
+  ImplementSpecialFunctions_Click(s);
+}
+void OnDataSet(Session& s, const SettingDef&) {
+  SelectMasterfile(s);
+}
+void OnStatistic(Session& s, const SettingDef& def) {
+  StatisticBox_Click(s, def.key);
+}
+void OnOHLCVV(Session& s, const SettingDef&) {
+  OHLCVV_Click(s);
+}
+void OnEqWtOHLCVV(Session& s, const SettingDef&) {
+  EqWtOHLCVV_Click(s);
+}
+void OnUserDefFile1(Session& s, const SettingDef&) {
+  UserDefFile1_Click(s);
+}
+void OnUserDefFile2(Session& s, const SettingDef&) {
+  UserDefFile2_Click(s);
+}
+void OnUserDefFile3(Session& s, const SettingDef&) {
+  UserDefFile3_Click(s);
+}
 
 // Check boxes whose handler arrives with its subsystem keep nullptr until then.
 constexpr SettingDef Check(std::string_view key, int W::*control, ChangeHandler h = nullptr) {
@@ -136,7 +154,9 @@ static_assert(std::size(kSettings) == 89, "the settings file has 89 lines");
 
 }  // namespace
 
-std::span<const SettingDef> SettingsTable() { return kSettings; }
+std::span<const SettingDef> SettingsTable() {
+  return kSettings;
+}
 
 const SettingDef* FindSetting(std::string_view key) {
   for (const SettingDef& def : kSettings) {

@@ -9,8 +9,8 @@
 namespace corvanet {
 
 struct StartupOptions {
-  std::string base_directory;   // the installation root, ending with a separator
-  std::string start_directory;  // where RunListNum.txt is read; "" = the current directory
+  std::string base_directory;    // the installation root, ending with a separator
+  std::string start_directory;   // where RunListNum.txt is read; "" = the current directory
   bool change_directory = true;  // make ProgramDirectory the current directory (the real programs)
 };
 

@@ -9,8 +9,7 @@ namespace corvanet {
 
 void DeleteDestinationFile(Session& session, const std::string& file_name) {
   WriteLog(session, "DeleteDestinationFile", session.run.DataPeriod);
-  const std::string path =
-      session.ui.PathToDataFiles + Folder(session.run.DataPeriod) + file_name;
+  const std::string path = session.ui.PathToDataFiles + Folder(session.run.DataPeriod) + file_name;
   if (FileExists(path) && !RemoveFile(path)) {
     WriteLog(session, "DeleteDestinationFile - could not delete " + path, session.run.DataPeriod);
   }

@@ -6,22 +6,22 @@
 namespace corvanet {
 
 struct DatafileFailure {
-  std::string symbol;   // as listed
-  std::string period;   // "Daily" ...
-  std::string reason;   // "HTTP 404 for NYSEDaily-CompositeStats.csv", ...
+  std::string symbol;  // as listed
+  std::string period;  // "Daily" ...
+  std::string reason;  // "HTTP 404 for NYSEDaily-CompositeStats.csv", ...
 };
 
 struct RunSummary {
-  bool started = false;  // false when a check before the run refused it
-  int merged = 0;        // datafiles brought up to date from the update file
-  int fetched_whole = 0; // datafiles written from a freshly fetched whole file
+  bool started = false;   // false when a check before the run refused it
+  int merged = 0;         // datafiles brought up to date from the update file
+  int fetched_whole = 0;  // datafiles written from a freshly fetched whole file
   std::vector<DatafileFailure> failures;
   // Fetches of a whole period that failed (its update file): the period's datafiles were merged
   // from the update file of an earlier run, so they may lack the newest rows.
   std::vector<std::string> period_problems;
   // Datafiles whose single-statistic files could not be made after the periods.
   std::vector<DatafileFailure> statistic_failures;
-  std::string elapsed;   // the elapsed-time text of the run
+  std::string elapsed;  // the elapsed-time text of the run
 
   bool has_failures() const {
     return !failures.empty() || !period_problems.empty() || !statistic_failures.empty();

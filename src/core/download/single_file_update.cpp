@@ -33,8 +33,8 @@ DatafileOutcome UpdateOne(Session& session, const UpdateFileIndex& update_rows) 
     const FetchResult fetched =
         RetrieveDataFile(session, session.run.RemoteFileName, session.run.BaseFileName);
     if (!fetched.ok()) {
-      outcome.reason = "full download failed: " + fetched.Describe() + " for " +
-                       session.run.RemoteFileName;
+      outcome.reason =
+          "full download failed: " + fetched.Describe() + " for " + session.run.RemoteFileName;
       return outcome;
     }
     fetched_whole = true;
@@ -89,11 +89,15 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
     ++record_counter;
     const DatafileOutcome outcome = UpdateOne(session, update_rows);
     switch (outcome.kind) {
-      case DatafileOutcome::Kind::kMerged: ++summary.merged; break;
-      case DatafileOutcome::Kind::kFetchedWhole: ++summary.fetched_whole; break;
+      case DatafileOutcome::Kind::kMerged:
+        ++summary.merged;
+        break;
+      case DatafileOutcome::Kind::kFetchedWhole:
+        ++summary.fetched_whole;
+        break;
       case DatafileOutcome::Kind::kFailed:
-        Log(session, "SingleFileUpdate - " + symbol + " " + run.DataPeriod + " failed: " +
-                         outcome.reason);
+        Log(session,
+            "SingleFileUpdate - " + symbol + " " + run.DataPeriod + " failed: " + outcome.reason);
         summary.failures.push_back({symbol, run.DataPeriod, outcome.reason});
         break;
     }

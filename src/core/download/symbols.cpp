@@ -11,7 +11,7 @@ namespace {
 using Correction = std::pair<std::string_view, std::string_view>;
 
 constexpr Correction kServiceForms[] = {
-    {"NYA", "NYSE"},  {"XAX", "AMEX"},   {"COMPQ", "NASDAQ"}, {"SPX", "SP500"},
+    {"NYA", "NYSE"},   {"XAX", "AMEX"},  {"COMPQ", "NASDAQ"}, {"SPX", "SP500"},
     {"NDX", "NAS100"}, {"INDU", "DJ30"}, {"TYX", "Rates"},
 };
 constexpr Correction kReutersForms[] = {
@@ -19,7 +19,10 @@ constexpr Correction kReutersForms[] = {
 };
 // No "SOX" row, unlike the Reuters table.
 constexpr Correction kYahooForms[] = {
-    {"COMPQ", "IXIC"}, {"DUX", "DJU"}, {"INDU", "DJI"}, {"TRAN", "DJT"},
+    {"COMPQ", "IXIC"},
+    {"DUX", "DJU"},
+    {"INDU", "DJI"},
+    {"TRAN", "DJT"},
 };
 
 template <std::size_t N>
@@ -45,8 +48,12 @@ std::string ServiceForm(std::string_view symbol) {
   return std::string(Corrected(symbol, kServiceForms));
 }
 
-std::string ReutersForm(std::string_view symbol) { return VendorForm(symbol, kReutersForms, '_'); }
-std::string YahooForm(std::string_view symbol) { return VendorForm(symbol, kYahooForms, '^'); }
+std::string ReutersForm(std::string_view symbol) {
+  return VendorForm(symbol, kReutersForms, '_');
+}
+std::string YahooForm(std::string_view symbol) {
+  return VendorForm(symbol, kYahooForms, '^');
+}
 
 void WebSymbolCorrection(Session& session, std::string_view symbol) {
   LogEntry(session, "WebSymbolCorrection");
@@ -55,7 +62,8 @@ void WebSymbolCorrection(Session& session, std::string_view symbol) {
 
 void ReutersSymbolCorrection(Session& session) {
   LogEntry(session, "ReutersSymbolCorrection");
-  if (session.ui.VendorReuters) session.run.DownloadSymbol = ReutersForm(session.run.DownloadSymbol);
+  if (session.ui.VendorReuters)
+    session.run.DownloadSymbol = ReutersForm(session.run.DownloadSymbol);
 }
 
 void YahooSymbolCorrection(Session& session) {

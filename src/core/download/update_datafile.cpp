@@ -159,8 +159,8 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
         outcome.reason = "cannot write " + destination.target() + ": " + destination.error();
         return outcome;
       }
-      outcome.kind = fetched_whole ? DatafileOutcome::Kind::kFetchedWhole
-                                   : DatafileOutcome::Kind::kMerged;
+      outcome.kind =
+          fetched_whole ? DatafileOutcome::Kind::kFetchedWhole : DatafileOutcome::Kind::kMerged;
       return outcome;
     }
     LogPeriod(session, "UpdateDatafile - " + tag + " - Can't update - getting full file");
@@ -179,8 +179,8 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
     }
     fetched_whole = true;
     if (++attempts >= 2) {
-      LogPeriod(session,
-                "UpdateDatafile - " + tag + " - Could not update after downloading a fresh base file");
+      LogPeriod(session, "UpdateDatafile - " + tag +
+                             " - Could not update after downloading a fresh base file");
       outcome.reason = "no overlap with the update rows, even in a fresh base file";
       return outcome;
     }

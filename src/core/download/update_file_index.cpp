@@ -13,14 +13,15 @@ constexpr std::size_t kRowStart = 16;  // after the symbol and one separator cha
 
 bool Belongs(std::string_view line_symbol, std::string_view web_symbol) {
   // A one-character symbol has no shortened form: blank symbols belong to nobody.
-  return line_symbol == web_symbol || (web_symbol.size() > 1 && line_symbol == web_symbol.substr(1));
+  return line_symbol == web_symbol ||
+         (web_symbol.size() > 1 && line_symbol == web_symbol.substr(1));
 }
 }  // namespace
 
 bool HasRowDate(std::string_view row) {
   const std::string_view date = RowDate(row);
-  return date.size() == 8 && std::all_of(date.begin(), date.end(),
-                                         [](char c) { return c >= '0' && c <= '9'; });
+  return date.size() == 8 &&
+         std::all_of(date.begin(), date.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
 bool UpdateFileIndex::Load(const std::string& path) {
@@ -55,8 +56,7 @@ std::vector<std::string_view> UpdateFileIndex::RowsFor(std::string_view web_symb
     return it == rows_by_symbol_.end() ? kNone : it->second;
   };
   const std::vector<Line>& own = find(web_symbol);
-  const std::vector<Line>& shortened =
-      web_symbol.size() > 1 ? find(web_symbol.substr(1)) : kNone;
+  const std::vector<Line>& shortened = web_symbol.size() > 1 ? find(web_symbol.substr(1)) : kNone;
   // Merge the two lists by line number, as a scan of the file would meet them.
   std::vector<std::string_view> rows;
   std::size_t a = 0;

@@ -50,7 +50,9 @@ bool FieldReader::LoadLine() {
   return false;
 }
 
-bool FieldReader::AtEnd() { return next_ >= pending_.size() && !LoadLine(); }
+bool FieldReader::AtEnd() {
+  return next_ >= pending_.size() && !LoadLine();
+}
 
 bool FieldReader::ReadField(std::string& field) {
   if (AtEnd()) return false;

@@ -25,7 +25,11 @@ class FieldReader {
 
   bool Open(const std::string& path);
   bool is_open() const { return lines_.is_open(); }
-  void Close() { lines_.Close(); pending_.clear(); next_ = 0; }
+  void Close() {
+    lines_.Close();
+    pending_.clear();
+    next_ = 0;
+  }
 
   // True when no field is left in the file.
   bool AtEnd();
@@ -39,7 +43,10 @@ class FieldReader {
     return ReadFields(both);
   }
   // Drops the fields left on the current line, so the next read starts on a new line.
-  void SkipRestOfLine() { pending_.clear(); next_ = 0; }
+  void SkipRestOfLine() {
+    pending_.clear();
+    next_ = 0;
+  }
   bool failed() const { return lines_.failed(); }
 
  private:

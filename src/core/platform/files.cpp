@@ -96,7 +96,9 @@ AtomicFileWriter& AtomicFileWriter::operator=(AtomicFileWriter&& other) noexcept
   return *this;
 }
 
-AtomicFileWriter::~AtomicFileWriter() { Discard(); }
+AtomicFileWriter::~AtomicFileWriter() {
+  Discard();
+}
 
 bool AtomicFileWriter::Open(std::string target, FileAccess access) {
   Discard();

@@ -67,7 +67,8 @@ std::optional<std::uintmax_t> FileSize(const std::string& path);
 bool CreateFolder(const std::string& path);
 // Creates a folder and its missing parents.
 bool CreateFolders(const std::string& path);
-// Deletes every file directly in `folder` (not in its subfolders). False when the folder is missing.
+// Deletes every file directly in `folder` (not in its subfolders). False when the folder is
+// missing.
 bool DeleteFilesIn(const std::string& folder);
 bool RemoveFile(const std::string& path);
 // Removes the temporary files a killed process left in `folder` (those of other processes, by the

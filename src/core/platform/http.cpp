@@ -23,17 +23,24 @@ size_t WriteToFile(char* data, size_t size, size_t count, void* user) {
 
 FetchStatus StatusFor(CURLcode code) {
   switch (code) {
-    case CURLE_OK: return FetchStatus::kOk;
+    case CURLE_OK:
+      return FetchStatus::kOk;
     case CURLE_COULDNT_CONNECT:
     case CURLE_COULDNT_RESOLVE_HOST:
-    case CURLE_COULDNT_RESOLVE_PROXY: return FetchStatus::kCouldNotConnect;
-    case CURLE_OPERATION_TIMEDOUT: return FetchStatus::kTimedOut;
-    case CURLE_PARTIAL_FILE: return FetchStatus::kTruncated;
+    case CURLE_COULDNT_RESOLVE_PROXY:
+      return FetchStatus::kCouldNotConnect;
+    case CURLE_OPERATION_TIMEDOUT:
+      return FetchStatus::kTimedOut;
+    case CURLE_PARTIAL_FILE:
+      return FetchStatus::kTruncated;
     case CURLE_GOT_NOTHING:
     case CURLE_RECV_ERROR:
-    case CURLE_SEND_ERROR: return FetchStatus::kDropped;
-    case CURLE_WRITE_ERROR: return FetchStatus::kLocalWriteFailed;
-    default: return FetchStatus::kFailed;
+    case CURLE_SEND_ERROR:
+      return FetchStatus::kDropped;
+    case CURLE_WRITE_ERROR:
+      return FetchStatus::kLocalWriteFailed;
+    default:
+      return FetchStatus::kFailed;
   }
 }
 
@@ -41,14 +48,22 @@ FetchStatus StatusFor(CURLcode code) {
 
 std::string FetchResult::Describe() const {
   switch (status) {
-    case FetchStatus::kOk: return "OK";
-    case FetchStatus::kCouldNotConnect: return "could not connect";
-    case FetchStatus::kTimedOut: return "timed out";
-    case FetchStatus::kHttpError: return "HTTP " + std::to_string(http_status);
-    case FetchStatus::kTruncated: return "body cut short";
-    case FetchStatus::kDropped: return "connection dropped";
-    case FetchStatus::kLocalWriteFailed: return "could not write the local file: " + detail;
-    case FetchStatus::kFailed: break;
+    case FetchStatus::kOk:
+      return "OK";
+    case FetchStatus::kCouldNotConnect:
+      return "could not connect";
+    case FetchStatus::kTimedOut:
+      return "timed out";
+    case FetchStatus::kHttpError:
+      return "HTTP " + std::to_string(http_status);
+    case FetchStatus::kTruncated:
+      return "body cut short";
+    case FetchStatus::kDropped:
+      return "connection dropped";
+    case FetchStatus::kLocalWriteFailed:
+      return "could not write the local file: " + detail;
+    case FetchStatus::kFailed:
+      break;
   }
   return "transfer failed: " + detail;
 }

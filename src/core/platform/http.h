@@ -19,11 +19,11 @@ enum class FetchStatus {
   kOk,
   kCouldNotConnect,
   kTimedOut,
-  kHttpError,       // the server answered with a status other than 2xx
-  kTruncated,       // the connection ended before the announced body was complete
-  kDropped,         // the connection was closed with no (complete) answer
+  kHttpError,  // the server answered with a status other than 2xx
+  kTruncated,  // the connection ended before the announced body was complete
+  kDropped,    // the connection was closed with no (complete) answer
   kLocalWriteFailed,
-  kFailed,          // anything else the transfer reported
+  kFailed,  // anything else the transfer reported
 };
 
 struct FetchResult {

@@ -53,7 +53,8 @@ bool LineReader::Next(std::string_view& line) {
   for (;;) {
     const void* found = std::memchr(buffer_.data() + scanned, '\n', end_ - scanned);
     if (found != nullptr) {
-      const auto newline = static_cast<std::size_t>(static_cast<const char*>(found) - buffer_.data());
+      const auto newline =
+          static_cast<std::size_t>(static_cast<const char*>(found) - buffer_.data());
       std::size_t stop = newline;
       if (stop > begin_ && buffer_[stop - 1] == '\r') --stop;
       line = std::string_view(buffer_.data() + begin_, stop - begin_);

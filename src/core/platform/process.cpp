@@ -82,7 +82,8 @@ std::string ExecutableFolder() {
   char buffer[MAX_PATH];
   const DWORD n = GetModuleFileNameA(nullptr, buffer, MAX_PATH);
   if (n == 0) return {};
-  return WithTrailingSeparator(std::filesystem::path(std::string(buffer, n)).parent_path().string());
+  return WithTrailingSeparator(
+      std::filesystem::path(std::string(buffer, n)).parent_path().string());
 }
 
 #endif

@@ -1,17 +1,21 @@
 #include "core/platform/text.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <system_error>
 
 namespace corvanet {
 
 namespace {
-bool IsBlank(char c) { return c == ' ' || c == '\t'; }
-char LowerAscii(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
+bool IsBlank(char c) {
+  return c == ' ' || c == '\t';
+}
+char LowerAscii(char c) {
+  return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+}
 
 // Length of the longest prefix of `text` that reads as a number (sign, digits, point, exponent).
 std::size_t NumberPrefixLength(std::string_view text) {
@@ -76,9 +80,9 @@ std::string ToLower(std::string_view text) {
 }
 
 bool EqualsIgnoreCase(std::string_view a, std::string_view b) {
-  return a.size() == b.size() &&
-         std::equal(a.begin(), a.end(), b.begin(),
-                    [](char x, char y) { return LowerAscii(x) == LowerAscii(y); });
+  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+           return LowerAscii(x) == LowerAscii(y);
+         });
 }
 
 bool StartsWith(std::string_view text, std::string_view prefix) {
@@ -174,6 +178,8 @@ std::string NumberText(double value) {
   return text;
 }
 
-std::string TrimmedNumberText(double value) { return TrimCopy(NumberText(value)); }
+std::string TrimmedNumberText(double value) {
+  return TrimCopy(NumberText(value));
+}
 
 }  // namespace corvanet

@@ -1,6 +1,6 @@
 #pragma once
-// Small text helpers shared by every subsystem: trimming, letter case, the leading-number value of a
-// text, and the number-to-text rule used for every number the program writes.
+// Small text helpers shared by every subsystem: trimming, letter case, the leading-number value of
+// a text, and the number-to-text rule used for every number the program writes.
 #include <string>
 #include <string_view>
 
@@ -11,7 +11,9 @@ std::size_t CountChar(std::string_view text, char c);
 
 // Drops leading and trailing blanks and tabs.
 std::string_view Trim(std::string_view text);
-inline std::string TrimCopy(std::string_view text) { return std::string(Trim(text)); }
+inline std::string TrimCopy(std::string_view text) {
+  return std::string(Trim(text));
+}
 
 std::string ToLower(std::string_view text);
 bool EqualsIgnoreCase(std::string_view a, std::string_view b);

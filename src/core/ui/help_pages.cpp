@@ -24,7 +24,9 @@ const HelpButtonDef kHelpButtons[] = {
 };
 }  // namespace
 
-std::span<const HelpButtonDef> HelpButtons() { return kHelpButtons; }
+std::span<const HelpButtonDef> HelpButtons() {
+  return kHelpButtons;
+}
 
 void SetUpButtonFontsUnBold(Session& session) {
   LogEntry(session, "SetUpButtonFontsUnBold");
@@ -43,6 +45,8 @@ void HelpButton_Click(Session& session, HelpButton button) {
   session.ui.HelpButtonBold[static_cast<std::size_t>(button)] = true;
 }
 
-void SetUpOverview_Click(Session& session) { HelpButton_Click(session, HelpButton::kSetUpOverview); }
+void SetUpOverview_Click(Session& session) {
+  HelpButton_Click(session, HelpButton::kSetUpOverview);
+}
 
 }  // namespace corvanet

@@ -19,9 +19,9 @@ enum class HelpButton {
 
 struct HelpButtonDef {
   HelpButton button;
-  std::string_view name;     // control name, also the log text's stem
+  std::string_view name;  // control name, also the log text's stem
   std::string_view caption;
-  std::string_view page;     // below PathToLists + "Docs/"
+  std::string_view page;  // below PathToLists + "Docs/"
 };
 
 std::span<const HelpButtonDef> HelpButtons();

@@ -13,7 +13,10 @@ struct ListBox {
   std::vector<std::string> items;
   std::vector<bool> selected;
 
-  void Clear() { items.clear(); selected.clear(); }
+  void Clear() {
+    items.clear();
+    selected.clear();
+  }
   void Add(std::string item) {
     items.push_back(std::move(item));
     selected.push_back(false);
@@ -116,8 +119,8 @@ struct WindowState {
   bool VendoreSignal = false, VendorYahoo = false, VendorReuters = false, VendorOther = false;
   int DailyInterval = 0, WeeklyInterval = 0, MonthlyInterval = 0, QuarterlyInterval = 0;
   bool PeriodBoxesEnabled = true;
-  ListBox List5;  // master list: "Available Indexes and ETFs"
-  ListBox List6;  // download list: "Index and ETF Datafiles To Be Downloaded"
+  ListBox List5;      // master list: "Available Indexes and ETFs"
+  ListBox List6;      // download list: "Index and ETF Datafiles To Be Downloaded"
   std::string Text5;  // search text of the "select" button
 
   ControlView DownLoadButton{"When a Download List Is Loaded, Click Here To Download"};

@@ -37,7 +37,9 @@ std::string DownloadFixture::Row(int day, std::string_view close) {
   return text;
 }
 
-std::string DownloadFixture::Header() { return "Per,Date,DateText,Open,High,Low,Close"; }
+std::string DownloadFixture::Header() {
+  return "Per,Date,DateText,Open,High,Low,Close";
+}
 
 std::string DownloadFixture::Datafile(const std::vector<int>& days) {
   std::string content = Header() + "\r\n";

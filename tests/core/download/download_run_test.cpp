@@ -54,7 +54,8 @@ class DownloadRunTest : public ::testing::Test, public DownloadFixture {
     const char* names[] = {"DailyInterval", "WeeklyInterval", "MonthlyInterval",
                            "QuarterlyInterval"};
     for (int i = 0; i < 4; ++i) {
-      lines.push_back(std::string(names[i]) + "," + (periods.find("DWMQ"[i]) != std::string::npos ? "1" : "0"));
+      lines.push_back(std::string(names[i]) + "," +
+                      (periods.find("DWMQ"[i]) != std::string::npos ? "1" : "0"));
     }
     lines.insert(lines.end(), issues.begin(), issues.end());
     WriteLines(session.ui.PathToLists + "Download" + std::to_string(n) + ".csv", lines);
@@ -84,8 +85,7 @@ TEST_F(DownloadRunTest, CaptionsCountOneAheadAndEndWithTheElapsedTime) {
   clock.now = {2026, 11, 23, 14, 5, 9};
   DownLoadButton_Click(session);
   const auto& c = recorder.captions;
-  EXPECT_NE(std::find(c.begin(), c.end(),
-                      "Updating Download List 3 ... (Started at 2:05:09 PM)"),
+  EXPECT_NE(std::find(c.begin(), c.end(), "Updating Download List 3 ... (Started at 2:05:09 PM)"),
             c.end());
   EXPECT_NE(std::find(c.begin(), c.end(),
                       "Daily Data - Now Updating Datafile 2 of 2 Total Datafiles On List "
@@ -142,7 +142,8 @@ TEST_F(DownloadRunTest, ForcedFullListFetchesEverythingOnceAndClearsTheForce) {
   EXPECT_EQ(summary.fetched_whole, 3) << "every issue of the master file";
   EXPECT_EQ(service.requests("/ovalith/data/SOXDaily-CompositeStats.csv"), before + 1);
   EXPECT_EQ(session.ui.ForceFullDownload, 0);
-  EXPECT_EQ(recorder.captions.front().rfind("Forcing a full download of 'All Daily' Periods", 0), 0u);
+  EXPECT_EQ(recorder.captions.front().rfind("Forcing a full download of 'All Daily' Periods", 0),
+            0u);
 }
 
 TEST_F(DownloadRunTest, OneFailingDatafileLeavesTheOthersUpdated) {
@@ -160,8 +161,8 @@ TEST_F(DownloadRunTest, OneFailingDatafileLeavesTheOthersUpdated) {
   EXPECT_TRUE(summary.has_failures());
   EXPECT_EQ(session.ui.Label13.caption, "Update progress is displayed here");
   EXPECT_TRUE(session.ui.RunProblems.visible);
-  EXPECT_EQ(session.ui.RunProblems.caption.rfind("2 datafile(s) could not be updated: $NYA Daily", 0),
-            0u)
+  EXPECT_EQ(
+      session.ui.RunProblems.caption.rfind("2 datafile(s) could not be updated: $NYA Daily", 0), 0u)
       << session.ui.RunProblems.caption;
 
   service.SetStatus("/ovalith/data/NYSEDaily-CompositeStats.csv", 200);

@@ -190,8 +190,8 @@ TEST_F(UpdateDatafileTest, AMissingBaseCopyThatCannotBeFetchedFails) {
 
 TEST_F(UpdateDatafileTest, RowsOfTheSymbolWithoutItsFirstCharacterCountToo) {
   WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2}));
-  WriteUpdateFile({UpdateLine("NYSE", Row(2)), UpdateLine("YSE", Row(3)),
-                   UpdateLine("SE", Row(4)), UpdateLine("NYSE", Row(5))});
+  WriteUpdateFile({UpdateLine("NYSE", Row(2)), UpdateLine("YSE", Row(3)), UpdateLine("SE", Row(4)),
+                   UpdateLine("NYSE", Row(5))});
   EXPECT_EQ(Merge().kind, Kind::kMerged);
   EXPECT_EQ(Destination(), Expected({1, 2, 3, 5}));
 }
