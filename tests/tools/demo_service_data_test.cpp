@@ -217,18 +217,6 @@ TEST(DemoServiceData, TheSeedDecidesTheData) {
             ReadFile(third.root() + "ovalith/DataAll/Masterfile1.csv"));
 }
 
-TEST(DemoServiceData, MessageKindOptionPicksTheSystemMessage) {
-  DemoService link(DemoServiceOptions{.message_kind = "1", .start = false});
-  const auto lines = ReadLines(link.data_set_folder("DataUS") + "Zennor_System.txt");
-  ASSERT_GE(lines.size(), 4u);
-  EXPECT_EQ(lines[0], "1");
-  EXPECT_TRUE(StartsWith(lines[1], "https://"));
-  EXPECT_NE(std::find(lines.begin(), lines.end(), "exit"), lines.end());
-
-  DemoService none(DemoServiceOptions{.message_kind = "none", .start = false});
-  EXPECT_FALSE(Exists(none.data_set_folder("data") + "Zennor_System.txt"));
-}
-
 std::map<std::string, std::vector<std::string>> DailyFiles(const DemoService& service) {
   std::map<std::string, std::vector<std::string>> files;
   for (const char* folder : {"data", "DataAll", "DataUS"}) {

@@ -91,15 +91,6 @@ TEST_F(DemoServiceHttp, Answers404ForMissingFilesAndPathsOutsideTheTree) {
   }
 }
 
-TEST_F(DemoServiceHttp, KeepsTheConnectionAliveBetweenRequests) {
-  HttpProbe probe;
-  EXPECT_EQ(probe.Get(service.url(kNyseDaily), service.user(), service.password()).status, 200);
-  const Reply second =
-      probe.Get(service.url("/ovalith/data/Update-Daily.csv"), service.user(), service.password());
-  EXPECT_EQ(second.status, 200);
-  EXPECT_EQ(second.new_connections, 0);
-}
-
 TEST_F(DemoServiceHttp, ServesClientsConcurrently) {
   // Three requests held back a second each end after about one second if served side by side,
   // after three if served one after the other.

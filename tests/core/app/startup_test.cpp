@@ -178,17 +178,27 @@ class FormUnloadTest : public ::testing::Test {
   Start p;
 };
 
-TEST_F(FormUnloadTest, YesSavesAndSaysSo) {
-  p.shell.answers = {Answer::kYes};
-  EXPECT_FALSE(Form_Unload(p.session));
-  ASSERT_EQ(p.shell.boxes.size(), 2U);
-  EXPECT_EQ(p.shell.boxes[0].text, "Save Corvanet settings before closing?");
-  EXPECT_EQ(p.shell.boxes[0].title, "Save Dialog");
-  EXPECT_EQ(p.shell.boxes[0].buttons, Buttons::kYesNoCancel);
-  EXPECT_EQ(p.shell.boxes[0].icon, Icon::kQuestion);
-  EXPECT_EQ(p.shell.boxes[1].text, "Corvanet settings saved.");
-  EXPECT_EQ(ReadLines(settings()).size(), 89U);
-  EXPECT_NE(log().find(" - Form_Unload - Settings saved\r\n"), std::string::npos);
+TEST_F(FormUnloadTest, TheAnswerDecidesSavingAndClosing) {
+  const struct {
+    Answer answer;
+    bool stays_open;
+    std::size_t lines;
+    const char* logged;
+  } cases[] = {{Answer::kYes, false, 89, "Settings saved"},
+               {Answer::kNo, false, 0, "Settings not saved"},
+               {Answer::kCancel, true, 0, "Exit canceled"}};
+  for (const auto& c : cases) {
+    RemoveFile(settings());
+    p.shell.Reset();
+    p.shell.answers = {c.answer};
+    EXPECT_EQ(Form_Unload(p.session), c.stays_open) << c.logged;
+    EXPECT_EQ(p.shell.boxes[0].text, "Save Corvanet settings before closing?");
+    EXPECT_EQ(p.shell.boxes[0].buttons, Buttons::kYesNoCancel);
+    EXPECT_EQ(p.shell.boxes.size(), c.answer == Answer::kYes ? 2U : 1U) << c.logged;
+    EXPECT_EQ(Exists(settings()) ? ReadLines(settings()).size() : 0U, c.lines) << c.logged;
+    EXPECT_NE(log().find(std::string(" - Form_Unload - ") + c.logged + "\r\n"), std::string::npos);
+  }
+  EXPECT_EQ(p.shell.boxes.size(), 1U);
 }
 
 TEST_F(FormUnloadTest, YesWithoutCredentialsStillSaysSaved) {
@@ -199,22 +209,6 @@ TEST_F(FormUnloadTest, YesWithoutCredentialsStillSaysSaved) {
   EXPECT_EQ(p.shell.boxes[1].text.rfind("Please enter your username and password.", 0), 0U);
   EXPECT_EQ(p.shell.boxes[2].text, "Corvanet settings saved.");
   EXPECT_FALSE(Exists(settings()));
-}
-
-TEST_F(FormUnloadTest, NoClosesWithoutWriting) {
-  p.shell.answers = {Answer::kNo};
-  EXPECT_FALSE(Form_Unload(p.session));
-  EXPECT_EQ(p.shell.boxes.size(), 1U);
-  EXPECT_FALSE(Exists(settings()));
-  EXPECT_NE(log().find(" - Form_Unload - Settings not saved\r\n"), std::string::npos);
-}
-
-TEST_F(FormUnloadTest, CancelKeepsTheWindowOpen) {
-  p.shell.answers = {Answer::kCancel};
-  EXPECT_TRUE(Form_Unload(p.session));
-  EXPECT_EQ(p.shell.boxes.size(), 1U);
-  EXPECT_FALSE(Exists(settings()));
-  EXPECT_NE(log().find(" - Form_Unload - Exit canceled\r\n"), std::string::npos);
 }
 
 TEST_F(FormUnloadTest, ExitButtonsLogTheirNameThenAsk) {

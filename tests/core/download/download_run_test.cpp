@@ -65,21 +65,6 @@ class DownloadRunTest : public ::testing::Test, public DownloadFixture {
   CaptionRecorder recorder;
 };
 
-TEST_F(DownloadRunTest, FirstRunFetchesEveryBaseCopyAndMergesTheUpdateRows) {
-  UseList(3, "eSignal", "D", {"NYSE Composite,$NYA", "Dow Jones Industrial Ave.,$INDU"});
-  const RunSummary summary = DownLoadButton_Click(session);
-  EXPECT_TRUE(summary.started);
-  EXPECT_EQ(summary.fetched_whole, 2);
-  EXPECT_TRUE(summary.failures.empty()) << summary.Lines().back();
-  EXPECT_EQ(ReadLines(daily("$NYA.csv")).back(), Row(5));
-  EXPECT_EQ(ReadLines(daily("$INDU.csv")).back(), Row(5));
-  EXPECT_EQ(service.requests("/ovalith/data/Update-Daily.csv"), 1);
-
-  const RunSummary again = DownLoadButton_Click(session);
-  EXPECT_EQ(again.merged, 2) << "the second run needs no whole file";
-  EXPECT_EQ(again.fetched_whole, 0);
-}
-
 TEST_F(DownloadRunTest, CaptionsCountOneAheadAndEndWithTheElapsedTime) {
   UseList(3, "eSignal", "D", {"NYSE Composite,$NYA", "Dow Jones Industrial Ave.,$INDU"});
   clock.now = {2026, 11, 23, 14, 5, 9};
@@ -94,56 +79,6 @@ TEST_F(DownloadRunTest, CaptionsCountOneAheadAndEndWithTheElapsedTime) {
   EXPECT_EQ(session.ui.DownLoadButton.caption,
             "Update Download List 3 Complete! ... (Elapsed time:  0.00 Seconds)");
   EXPECT_EQ(session.ui.DownloadProgressFrame.caption, "Update Complete For List Download List 3");
-}
-
-TEST_F(DownloadRunTest, OnlyTheTickedPeriodsAreFetched) {
-  UseList(2, "eSignal", "W", {"NYSE Composite,$NYA"});
-  const RunSummary summary = DownLoadButton_Click(session);
-  EXPECT_EQ(summary.fetched_whole, 1);
-  EXPECT_EQ(service.requests("/ovalith/data/Update-Weekly.csv"), 1);
-  EXPECT_EQ(service.requests("/ovalith/data/Update-Daily.csv"), 0);
-  EXPECT_EQ(service.requests("/ovalith/data/Update-Quarterly.csv"), 0);
-  EXPECT_TRUE(Exists(session.ui.PathToDataFiles + "Weekly/$NYA.csv"));
-}
-
-TEST_F(DownloadRunTest, QuarterlyRunsSkipTheBroadIndexes) {
-  UseList(2, "eSignal", "Q", {"NYSE Composite,$NYA", "Semiconductors,$SOX"});
-  const RunSummary summary = DownLoadButton_Click(session);
-  EXPECT_EQ(summary.fetched_whole, 1);
-  EXPECT_FALSE(Exists(session.ui.PathToDataFiles + "Quarterly/$NYA.csv"));
-  EXPECT_TRUE(Exists(session.ui.PathToDataFiles + "Quarterly/$SOX.csv"));
-  EXPECT_EQ(service.requests("/ovalith/data/NYSEQuarterly-CompositeStats.csv"), 0);
-}
-
-TEST_F(DownloadRunTest, VendorsNameTheDestinations) {
-  const std::vector<std::string> issues{"Dow Jones Industrial Ave.,$INDU", "Semis,$SOX"};
-  UseList(1, "Reuters", "D", issues);
-  DownLoadButton_Click(session);
-  EXPECT_TRUE(Exists(daily("_DJI.csv")));
-  EXPECT_TRUE(Exists(daily("_SOXX.csv")));
-  UseList(1, "Yahoo", "D", issues);
-  DownLoadButton_Click(session);
-  EXPECT_TRUE(Exists(daily("^DJI.csv")));
-  EXPECT_TRUE(Exists(daily("^SOX.csv")));
-  UseList(1, "ORG", "D", issues);
-  DownLoadButton_Click(session);
-  EXPECT_TRUE(Exists(session.ui.PathToDataFiles + "DJ30Daily-CompositeStats.csv"));
-}
-
-TEST_F(DownloadRunTest, ForcedFullListFetchesEverythingOnceAndClearsTheForce) {
-  session.ui.AllDailyForceFull = 1;
-  WriteLines(session.ui.PathToLists + "Download6.csv",
-             {"eSignal,eSignal", "DailyInterval,1", "WeeklyInterval,0", "MonthlyInterval,0",
-              "QuarterlyInterval,0"});
-  DownloadList_Click(session, 6);
-  DownLoadButton_Click(session);  // base copies now exist
-  const int before = service.requests("/ovalith/data/SOXDaily-CompositeStats.csv");
-  const RunSummary summary = DownLoadButton_Click(session);
-  EXPECT_EQ(summary.fetched_whole, 3) << "every issue of the master file";
-  EXPECT_EQ(service.requests("/ovalith/data/SOXDaily-CompositeStats.csv"), before + 1);
-  EXPECT_EQ(session.ui.ForceFullDownload, 0);
-  EXPECT_EQ(recorder.captions.front().rfind("Forcing a full download of 'All Daily' Periods", 0),
-            0u);
 }
 
 TEST_F(DownloadRunTest, OneFailingDatafileLeavesTheOthersUpdated) {

@@ -9,14 +9,6 @@
 namespace corvanet::test {
 namespace {
 
-TEST(SymbolFormsTest, ServiceFormDropsTheDollarAndRenamesTheBroadIndexes) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"$NYA", "NYSE"},   {"$XAX", "AMEX"},  {"$COMPQ", "NASDAQ"}, {"$SPX", "SP500"},
-      {"$NDX", "NAS100"}, {"$INDU", "DJ30"}, {"$TYX", "Rates"},    {"$ABC", "ABC"},
-      {"NYA", "NYSE"},    {"$nya", "nya"},   {"XLK", "XLK"},       {"", ""}};
-  for (const auto& [listed, service] : cases) EXPECT_EQ(ServiceForm(listed), service) << listed;
-}
-
 TEST(SymbolFormsTest, VendorFormsOnlyChangeIndexSymbols) {
   const struct {
     const char* listed;

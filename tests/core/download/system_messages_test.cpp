@@ -27,25 +27,6 @@ class SystemMessagesTest : public ::testing::Test, public DownloadFixture {
       "Update for Download List 3 completed on 2026-11-23 at 14:05:09\rElapsed Time = 1.50 Seconds";
 };
 
-TEST_F(SystemMessagesTest, NoMessageKindShowsOnlyTheCompletionBox) {
-  MessageFile({"-1", "http://example.invalid/", "Ignored"});
-  Options(true, true);
-  RetrieveSystemMessages(session, "1.50 Seconds");
-  ASSERT_EQ(shell.boxes.size(), 1u);
-  EXPECT_EQ(shell.boxes[0].text, kCompletion);
-  EXPECT_EQ(shell.boxes[0].title, "Corvanet Download Complete");
-  EXPECT_EQ(shell.boxes[0].icon, Icon::kInformation);
-}
-
-TEST_F(SystemMessagesTest, ANoticeStandsAboveTheCompletionText) {
-  MessageFile({"0", "", "New data sets are available.", "Corvanet 4.2 is out", "exit", "hidden"});
-  Options(true, true);
-  RetrieveSystemMessages(session, "1.50 Seconds");
-  ASSERT_EQ(shell.boxes.size(), 1u);
-  EXPECT_EQ(shell.boxes[0].text,
-            std::string("New data sets are available.\rCorvanet 5.2 is out \r") + kCompletion);
-}
-
 TEST_F(SystemMessagesTest, AnInvitationAsksOnceAndOpensTheAddressOnlyOnYes) {
   MessageFile({"1", "http://service.example/news", "Visit us"});
   Options(true, true);

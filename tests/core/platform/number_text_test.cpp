@@ -78,14 +78,6 @@ TEST(NumberTextTest, ExponentFormForHugeAndTinyMagnitudes) {
   for (const auto& c : cases) EXPECT_EQ(NumberText(c.value), c.text) << c.value;
 }
 
-TEST(NumberTextTest, TrimmedAndAppendedForms) {
-  EXPECT_EQ(TrimmedNumberText(.5), ".5");
-  EXPECT_EQ(TrimmedNumberText(-3), "-3");
-  std::string line = "Close,";
-  AppendNumber(line, 12.5);
-  EXPECT_EQ(line, "Close, 12.5");
-}
-
 TEST(FormatNumberTest, WritesIntoTheCallersBufferWithoutAllocating) {
   char buffer[kNumberTextCapacity];
   const double values[] = {0, -3, 1.0 / 3, 123456789012345678.0, -1.5E-05, 1E-300, 999999.125};
@@ -131,14 +123,6 @@ TEST(ParseTextTest, WholeTextMustBeTheNumber) {
   EXPECT_DOUBLE_EQ(number, 2.5);
   EXPECT_FALSE(ParseNumber("2.5x", number));
   EXPECT_FALSE(ParseNumber("", number));
-}
-
-TEST(TextTest, TrimAndLetterCase) {
-  EXPECT_EQ(Trim(" \t a b \t"), "a b");
-  EXPECT_EQ(Trim("   "), "");
-  EXPECT_TRUE(EqualsIgnoreCase("$IndU", "$INDU"));
-  EXPECT_FALSE(EqualsIgnoreCase("$INDU", "$INDUX"));
-  EXPECT_EQ(ToLower("Daily-ABC"), "daily-abc");
 }
 
 }  // namespace

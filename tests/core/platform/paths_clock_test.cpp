@@ -15,13 +15,6 @@ TEST(BaseDirectoryTest, CutAfterTheSecondBackslash) {
   EXPECT_EQ(BaseDirectoryFromProgramFolder(""), R"(\)");
 }
 
-TEST(PathsTest, FoldersEndWithTheSeparator) {
-  EXPECT_EQ(Folder("Daily"), std::string("Daily") + kSep);
-  EXPECT_EQ(WithTrailingSeparator("/tmp/x"), std::string("/tmp/x") + kSep);
-  EXPECT_EQ(WithTrailingSeparator("/tmp/x/"), "/tmp/x/");
-  EXPECT_EQ(WithTrailingSeparator(""), std::string(1, kSep));
-}
-
 TEST(IsSafeFileNamePartTest, RefusesWhatCouldLeaveTheFolder) {
   for (const char* safe : {"$INDU", "NYSE", "$NYA.X", "A-B_C", "x", "a.b.c"}) {
     EXPECT_TRUE(IsSafeFileNamePart(safe)) << safe;
@@ -68,16 +61,6 @@ TEST(ClockTextTest, TimeAndDateForms) {
     EXPECT_EQ(FormatTimeOfDay(t), c.time_of_day);
   }
   EXPECT_EQ(FormatShortDate(t), "2026-03-07");
-}
-
-TEST(ClockTest, SystemTimerCountsSecondsSinceMidnight) {
-  SystemClock clock;
-  const double timer = clock.Timer();
-  EXPECT_GE(timer, 0.0);
-  EXPECT_LT(timer, 86400.0);
-  const LocalDateTime now = clock.Now();
-  EXPECT_GE(now.year, 2024);
-  EXPECT_LE(now.hour, 23);
 }
 
 }  // namespace

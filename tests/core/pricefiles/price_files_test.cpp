@@ -41,23 +41,6 @@ class PriceFilesTest : public ::testing::Test {
   test::TestSession ts;
 };
 
-TEST_F(PriceFilesTest, TraditionalAndEqualWeightFilesCarryTheirColumns) {
-  Tick("OHLCVV");
-  Tick("EqWtOHLCVV");
-  WriteDatafile(data("Daily/$NYA.csv"),
-                {CompositeLine("D", 20121101),
-                 CompositeLine("Q", 20121231).Set("OpenPx", "-3").Set("ClosePx", "0.5")});
-  CreateMetaStockPxFiles(ts.session);
-  EXPECT_EQ(ReadFile(data("PX/Daily/$NYA.csv")),
-            kHeader + "\r\n" +
-                "$NYA,NYSE Composite,D, 20121101, 4, 5, 6, 7, 15, 54\r\n"
-                "$NYA,NYSE Composite,M, 20121231,-3, 5, 6, .5, 15, 54\r\n");
-  EXPECT_EQ(ReadLines(data("PxEqWt/Daily/$NYA.csv")),
-            (Lines{kHeader, "$NYA,NYSE Composite,D, 20121101, 50, 51, 52, 53, 15, 54",
-                   "$NYA,NYSE Composite,M, 20121231, 50, 51, 52, 53, 15, 54"}));
-  EXPECT_FALSE(Exists(data("PxFile1/Daily/$NYA.csv")));
-}
-
 TEST_F(PriceFilesTest, UserColumnsAreLookedUpByNameAndUnknownNamesGiveZero) {
   Tick("UserDefFile1");
   Tick("UserDefFile3");
@@ -70,32 +53,6 @@ TEST_F(PriceFilesTest, UserColumnsAreLookedUpByNameAndUnknownNamesGiveZero) {
             (Lines{kHeader, "$NYA,NYSE Composite,D, 20121102, 7, 0, 0, 0, 0, 0"}));
   EXPECT_EQ(ReadLines(data("PxFile3/Daily/$NYA.csv")),
             (Lines{kHeader, "$NYA,NYSE Composite,D, 20121102, 0, 1E-05, 0, 0, 0, 46"}));
-}
-
-TEST_F(PriceFilesTest, HeaderOnlyWhenConversionIsOn) {
-  Tick("OHLCVV");
-  WriteDatafile(data("Daily/$NYA.csv"), {});
-  CreateMetaStockPxFiles(ts.session);
-  EXPECT_EQ(ReadLines(data("PX/Daily/$NYA.csv")), Lines{kHeader});
-
-  ts.session.ui.DoNotMakeMetaStockFormat = 1;
-  CreateMetaStockPxFiles(ts.session);
-  EXPECT_EQ(ReadFile(data("PX/Daily/$NYA.csv")), "");
-  WriteDatafile(data("Daily/$NYA.csv"), {CompositeLine()});
-  CreateMetaStockPxFiles(ts.session);
-  EXPECT_EQ(ReadLines(data("PX/Daily/$NYA.csv")),
-            Lines{"$NYA,NYSE Composite,D, 20121102, 4, 5, 6, 7, 15, 54"});
-}
-
-TEST_F(PriceFilesTest, MasterSwitchOffWritesNothing) {
-  Tick("OHLCVV");
-  ts.EnableLog();
-  ts.session.ui.MakeMetaStockPxFiles = 0;
-  WriteDatafile(data("Daily/$NYA.csv"), {CompositeLine()});
-  CreateMetaStockPxFiles(ts.session);
-  EXPECT_FALSE(Exists(data("PX/Daily/$NYA.csv")));
-  EXPECT_NE(ts.LogText().find(" - Daily - CreateMetaStockPxFiles"), std::string::npos);
-  EXPECT_NE(ts.LogText().find("Exiting CreateMetaStockPxFiles"), std::string::npos);
 }
 
 // Every failure leaves all of the datafile's price files as they were and logs the trap line.

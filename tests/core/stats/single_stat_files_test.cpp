@@ -81,30 +81,9 @@ TEST_F(SingleStatFilesTest, StatisticFirstStructureWritesDateAndValuePerRow) {
   EXPECT_EQ(ts.session.ui.RunWithList3, 1) << "the button ticks its list's box";
 }
 
-TEST_F(SingleStatFilesTest, PeriodFirstStructureUsesItsOwnFolders) {
-  Set("PeriodStatFilename", "True");
-  Tick("Advances");
-  EXPECT_TRUE(test::Exists(data("Quarterly/Advances")));
-  WriteDatafile(data("Daily/$NYA.csv"), {CompositeLine()});
-  Run(3);
-  EXPECT_EQ(ReadLines(data("Daily/Advances/$NYA-Advances.csv")), Lines{"20121102,16"});
-  EXPECT_FALSE(Exists(data("Advances/Daily/$NYA-Advances.csv")));
-}
-
-TEST_F(SingleStatFilesTest, NameRuleCutsBlindlyAndEachStatisticKeepsItsFolder) {
-  for (const char* statistic : {"NewHighs1stDay", "NewHighs", "NewLows"}) Tick(statistic);
-  WriteDatafile(data("Daily/$NYA.csv"), {CompositeLine()});
-
-  Set("MaxFilenameLength", "Limit to 8 Characters");
-  Run(3);
-  EXPECT_EQ(ReadLines(data("NewHighs1stDay/Daily/$NYA-New.csv")), Lines{"20121102,46"});
-  EXPECT_EQ(ReadLines(data("NewHighs/Daily/$NYA-New.csv")), Lines{"20121102,20"});
-  EXPECT_EQ(ReadLines(data("NewLows/Daily/$NYA-New.csv")), Lines{"20121102,21"});
-
-  Set("MaxFilenameLength", "Use Issue Symbol");
-  Run(3);
-  EXPECT_EQ(ReadLines(data("NewLows/Daily/$NYA.csv")), Lines{"20121102,21"});
-
+// The cut names themselves are checked end to end; here only the choices that keep the long name.
+TEST_F(SingleStatFilesTest, OtherLengthChoicesKeepTheFullName) {
+  Tick("NewHighs1stDay");
   ts.session.run.DataPeriod = "Daily";  // a pass leaves the last period's (unticked) blank
   for (const char* other : {"Select One", "Use Issue Symbol - Statistic Name",
                             "limit to 8 characters", "Limit to 16 Characters"}) {
@@ -162,44 +141,6 @@ class CaptionRecorder : public StateObserver {
   }
   Lines captions;
 };
-
-TEST_F(SingleStatFilesTest, AllPeriodsSkipsQuarterlyFilesOfTheThreeBigComposites) {
-  Tick("UpTrends");
-  WriteList(7, {1, 1, 1, 1});
-  for (const char* period : {"Daily", "Weekly", "Monthly", "Quarterly"}) {
-    for (const char* symbol : {"$NYA", "$INDU"}) {
-      WriteDatafile(data(std::string(period) + "/" + symbol + ".csv"),
-                    {CompositeLine(std::string(1, period[0]))});
-    }
-  }
-  CaptionRecorder recorder;
-  ts.session.observer = &recorder;
-  const StatFilesSummary summary = Run(7);
-  EXPECT_EQ(summary.datafiles, 7);
-  EXPECT_TRUE(Exists(data("UpTrends/Monthly/$NYA-UpTrends.csv")));
-  EXPECT_TRUE(Exists(data("UpTrends/Quarterly/$INDU-UpTrends.csv")));
-  EXPECT_FALSE(Exists(data("UpTrends/Quarterly/$NYA-UpTrends.csv")));
-  EXPECT_EQ(ts.session.ui.CurrentTab, kDownloadTab);
-  const auto shown = [&](const std::string& caption) {
-    return std::find(recorder.captions.begin(), recorder.captions.end(), caption);
-  };
-  const auto first =
-      shown("Making single statistic datafiles for 1 composites of 7 for 'All Periods'");
-  const auto second =
-      shown("Making single statistic datafiles for 2 composites of 7 for 'All Periods'");
-  EXPECT_NE(first, recorder.captions.end());
-  EXPECT_NE(second, recorder.captions.end());
-  EXPECT_LT(first, second);
-}
-
-TEST_F(SingleStatFilesTest, HeaderOnlyDatafileGivesEmptyFiles) {
-  Tick("Traded");
-  WriteDatafile(data("Daily/$NYA.csv"), {});
-  Run(3);
-  const std::string file = data("Traded/Daily/$NYA-Traded.csv");
-  ASSERT_TRUE(Exists(file));
-  EXPECT_EQ(ReadFile(file), "");
-}
 
 // A bad datafile ends the work for that composite and period only: its old files stay whole,
 // the log names the failure, and the next composite is written.
@@ -291,16 +232,6 @@ TEST_F(SingleStatFilesTest, SelectAllAndClearAllWalkTheBoxesInCatalogueOrder) {
   for (const StatisticDef& statistic : StatisticCatalogue()) {
     EXPECT_EQ(ts.session.ui.*statistic.box, 0) << statistic.name;
   }
-}
-
-TEST_F(SingleStatFilesTest, StatisticChoicesComeFromStatsCsvAndFixedItems) {
-  WriteLines(ts.lists("Stats.csv"), {"Select One", "ClosePx, UpTrends", "FV15"});
-  LoadStatisticChoices(ts.session);
-  const WindowState& ui = ts.session.ui;
-  EXPECT_EQ(ui.StatisticColumnItems, (Lines{"Select One", "ClosePx", "UpTrends", "FV15"}));
-  ASSERT_EQ(ui.MaxFilenameLengthItems.size(), 10u);
-  EXPECT_EQ(ui.MaxFilenameLengthItems[2], "Limit to 8 Characters");
-  EXPECT_EQ(ui.ReplaceZeroValuesItems, (Lines{"0", "0.0000001", "0.000001", "0.00001", "-1"}));
 }
 
 }  // namespace
