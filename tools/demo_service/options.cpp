@@ -22,11 +22,11 @@ Options::Options(const std::vector<std::string>& args, const std::vector<OptionS
     }
     arg.remove_prefix(2);
     std::string name(arg.substr(0, arg.find('=')));
-    const OptionSpec* spec = nullptr;
+    const OptionSpec* option = nullptr;
     for (const OptionSpec& s : known) {
-      if (s.name == name) spec = &s;
+      if (s.name == name) option = &s;
     }
-    if (spec == nullptr) throw UsageError("unknown option --" + name);
+    if (option == nullptr) throw UsageError("unknown option --" + name);
     std::string value;
     if (arg.find('=') != std::string_view::npos) {
       value = std::string(arg.substr(arg.find('=') + 1));
@@ -36,7 +36,7 @@ Options::Options(const std::vector<std::string>& args, const std::vector<OptionS
       throw UsageError("option --" + name + " needs a value");
     }
     auto& slot = values_[name];
-    if (!slot.empty() && !spec->repeatable) throw UsageError("option --" + name + " given twice");
+    if (!slot.empty() && !option->repeatable) throw UsageError("option --" + name + " given twice");
     slot.push_back(std::move(value));
   }
 }

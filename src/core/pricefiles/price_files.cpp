@@ -66,10 +66,6 @@ ReusedBuffers& Buffers() {
   thread_local ReusedBuffers buffers;
   return buffers;
 }
-struct CloseOnReturn {
-  CompositeFile& file;
-  ~CloseOnReturn() { file.Close(); }
-};
 
 // "," and a field already in the number rule's form, with the blank the rule puts before a value
 // of 0 and above.

@@ -140,6 +140,12 @@ class CompositeFile {
   std::array<std::string_view, kCompositeColumnCount> fields_{};
 };
 
+// Closes a datafile whose reader is kept for the next one, however the work on it ends.
+struct CloseOnReturn {
+  CompositeFile& file;
+  ~CloseOnReturn() { file.Close(); }
+};
+
 // Reads and drops the header line, whatever its texts. False (error 62) for an empty file.
 bool ReadCompositeHeader(CompositeFile& file);
 // Reads the next row into `row`. False at the end of the file, and also on a malformed row (other

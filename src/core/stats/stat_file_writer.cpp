@@ -60,10 +60,6 @@ ReusedBuffers& Buffers() {
   thread_local ReusedBuffers buffers;
   return buffers;
 }
-struct CloseOnReturn {
-  CompositeFile& file;
-  ~CloseOnReturn() { file.Close(); }
-};
 
 bool Fail(DatafileError& error, int number, std::string detail) {
   error.number = number;
