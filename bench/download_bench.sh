@@ -30,6 +30,8 @@ data="$work/install/CSVFiles"
 # state. A run after the first merges the same rows again: the same reads and writes.
 : >"$work/run.times"
 : >"$work/cp.times"
+: >"$work/floor.times"
+mkdir -p "$work/floor"
 for pass in 1 2 3; do
   /usr/bin/time -f "%e %M" -o "$work/t" "${cli[@]}" run 7 >"$work/run.out"
   cat "$work/t" >>"$work/run.times"
@@ -37,13 +39,19 @@ for pass in 1 2 3; do
   /usr/bin/time -f "%e %M" -o "$work/t" \
     cp -r "$data/Daily" "$data/Weekly" "$data/Monthly" "$data/Quarterly" "$work/copy$pass/"
   cat "$work/t" >>"$work/cp.times"
+  /usr/bin/time -f "%e %M" -o "$work/t" "$bin/atomic_replace_floor" "$data/Base" "$work/floor" \
+    >/dev/null
+  cat "$work/t" >>"$work/floor.times"
 done
 read -r run_s run_kb < <(sort -n "$work/run.times" | head -1)
 read -r cp_s _ < <(sort -n "$work/cp.times" | head -1)
+read -r floor_s _ < <(sort -n "$work/floor.times" | head -1)
 files=$(find "$data/Daily" "$data/Weekly" "$data/Monthly" "$data/Quarterly" -type f | wc -l)
 bytes=$(du -sb "$data/Daily" "$data/Weekly" "$data/Monthly" "$data/Quarterly" | awk '{s+=$1} END {print s}')
 echo "incremental All Periods run: $composites composites x $years years, $files datafiles, $((bytes / 1048576)) MiB"
 grep -E 'merge|whole|failed' "$work/run.out" | sed 's/^/  /'
-awk -v r="$run_s" -v c="$cp_s" -v kb="$run_kb" 'BEGIN {
+awk -v r="$run_s" -v c="$cp_s" -v f="$floor_s" -v kb="$run_kb" 'BEGIN {
   printf "  run %.2f s, cp %.2f s, ratio %.2fx (target <= 2x)\n", r, c, (c > 0 ? r / c : 0);
+  printf "  reading and atomically replacing the same files alone: %.2f s (%.2fx cp)\n", f,
+         (c > 0 ? f / c : 0);
   printf "  peak memory of the run %.1f MiB (target < 64 MiB)\n", kb / 1024 }'
