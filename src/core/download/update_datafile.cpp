@@ -46,10 +46,14 @@ enum class Pass {
 // that is also an update row, then the update rows newer than it. The destination is written but
 // not committed. A garbled base copy is treated like one without overlap (a fresh copy is fetched),
 // but what was written from it is never kept.
-Pass MergeOnce(Session& session, const std::vector<std::string_view>& update_rows,
+Pass MergeOnce(Session& session, const std::vector<std::string_view>& update_rows, LineReader& base,
                AtomicFileWriter& destination, std::string& reason) {
   const std::string base_path = BaseFolder(session) + session.run.BaseFileName;
-  LineReader base;
+  // Closed on every way out: a fetch may replace the base copy right after this pass.
+  struct CloseOnReturn {
+    LineReader& reader;
+    ~CloseOnReturn() { reader.Close(); }
+  } close_base{base};
   if (!base.Open(base_path)) {
     reason = "base copy " + session.run.BaseFileName + " cannot be read";
     return Pass::kFailed;
@@ -119,6 +123,18 @@ Pass MergeOnce(Session& session, const std::vector<std::string_view>& update_row
   return Pass::kMerged;
 }
 
+// A run merges thousands of datafiles: the reader's and the writer's buffers are kept from one to
+// the next instead of being freed and allocated again for each, which made the heap shrink and
+// grow back every time.
+struct MergeFiles {
+  LineReader base;
+  AtomicFileWriter destination;
+};
+MergeFiles& ReusedMergeFiles() {
+  thread_local MergeFiles files;
+  return files;
+}
+
 }  // namespace
 
 bool CheckForDataFile(Session& session, std::string& reason) {
@@ -151,9 +167,13 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
       LogPeriod(session, "DownloadSymbol - " + update_rows.last_symbol() + " WebSymbol - " +
                              run.WebSymbol + " Error Number:  0 - ");
     }
-    AtomicFileWriter destination;
-    const Pass pass = MergeOnce(session, rows, destination, outcome.reason);
-    if (pass == Pass::kFailed) return outcome;
+    MergeFiles& files = ReusedMergeFiles();
+    AtomicFileWriter& destination = files.destination;
+    const Pass pass = MergeOnce(session, rows, files.base, destination, outcome.reason);
+    if (pass == Pass::kFailed) {
+      destination.Discard();  // the reused writer must not keep a temporary file until the next one
+      return outcome;
+    }
     if (pass == Pass::kMerged) {
       if (!destination.Commit()) {
         outcome.reason = "cannot write " + destination.target() + ": " + destination.error();

@@ -79,6 +79,7 @@ void RestrictToOwner(const std::string& path) {
 
 AtomicFileWriter::AtomicFileWriter(AtomicFileWriter&& other) noexcept
     : file_(std::exchange(other.file_, nullptr)),
+      buffer_(std::move(other.buffer_)),
       target_(std::move(other.target_)),
       temp_(std::move(other.temp_)),
       error_(std::move(other.error_)),
@@ -88,6 +89,7 @@ AtomicFileWriter& AtomicFileWriter::operator=(AtomicFileWriter&& other) noexcept
   if (this != &other) {
     Discard();
     file_ = std::exchange(other.file_, nullptr);
+    buffer_ = std::move(other.buffer_);
     target_ = std::move(other.target_);
     temp_ = std::move(other.temp_);
     error_ = std::move(other.error_);
@@ -114,7 +116,8 @@ bool AtomicFileWriter::Open(std::string target, FileAccess access) {
     return false;
   }
   if (access == FileAccess::kOwnerOnly) RestrictToOwner(temp_);
-  std::setvbuf(file_, nullptr, _IOFBF, kWriteBuffer);
+  if (!buffer_) buffer_ = std::make_unique<char[]>(kWriteBuffer);
+  std::setvbuf(file_, buffer_.get(), _IOFBF, kWriteBuffer);
   return true;
 }
 

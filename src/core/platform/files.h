@@ -45,6 +45,8 @@ class AtomicFileWriter {
 
  private:
   std::FILE* file_ = nullptr;
+  // Kept from one Open to the next, so a writer reused for many files allocates it once.
+  std::unique_ptr<char[]> buffer_;
   std::string target_;
   std::string temp_;
   std::string error_;
