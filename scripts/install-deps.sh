@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
 # Puts every build and test dependency on a Debian 12 machine. Quick no-op when all is present.
+# With the argument "bench" it also installs what the benchmarks compare against (pandas).
 set -euo pipefail
 
 packages=(
@@ -8,9 +9,10 @@ packages=(
   libcurl4-openssl-dev libcpp-httplib-dev
   qt6-base-dev
   xvfb xauth
-  python3 python3-pandas time
+  python3 time
   clang-format
 )
+if [ "${1:-}" = "bench" ]; then packages+=(python3-pandas); fi
 
 missing=()
 for p in "${packages[@]}"; do
