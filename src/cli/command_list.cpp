@@ -21,20 +21,10 @@ struct Edit {
 
 constexpr std::string_view kUsage = "list";
 
-struct VendorChoice {
-  std::string_view word;
-  bool WindowState::*option;
-};
-constexpr std::array<VendorChoice, 4> kVendorChoices{{
-    {"eSignal", &WindowState::VendoreSignal},
-    {"Reuters", &WindowState::VendorReuters},
-    {"Yahoo", &WindowState::VendorYahoo},
-    {"Other", &WindowState::VendorOther},
-}};
-
-const VendorChoice* FindVendor(std::string_view word) {
-  for (const VendorChoice& vendor : kVendorChoices) {
-    if (EqualsIgnoreCase(word, vendor.word)) return &vendor;
+// The vendors by their captions, in any letter case.
+const VendorOption* FindVendor(std::string_view caption) {
+  for (const VendorOption& vendor : VendorOptions()) {
+    if (EqualsIgnoreCase(caption, vendor.caption)) return &vendor;
   }
   return nullptr;
 }
@@ -135,8 +125,8 @@ void ApplyEdit(CommandContext& context, const Edit& edit) {
       break;
     case EditKind::kVendor: {
       // Option buttons of one frame: choosing one clears the others.
-      const VendorChoice* chosen = FindVendor(edit.text);
-      for (const VendorChoice& vendor : kVendorChoices) ui.*vendor.option = &vendor == chosen;
+      const VendorOption* chosen = FindVendor(edit.text);
+      for (const VendorOption& vendor : VendorOptions()) ui.*vendor.option = &vendor == chosen;
       break;
     }
     case EditKind::kPeriods: {

@@ -22,14 +22,6 @@ namespace corvanet {
 
 namespace {
 
-bool AnyVendor(const WindowState& ui) {
-  return ui.VendoreSignal || ui.VendorReuters || ui.VendorYahoo || ui.VendorOther;
-}
-
-bool AnyPeriod(const WindowState& ui) {
-  return ui.DailyInterval || ui.WeeklyInterval || ui.MonthlyInterval || ui.QuarterlyInterval;
-}
-
 // The checks before a run; false when the run must not start.
 bool RunMayStart(Session& session) {
   WindowState& ui = session.ui;
@@ -49,11 +41,11 @@ bool RunMayStart(Session& session) {
     session.shell.Notify("Please load a download list!");
     return false;
   }
-  if (!AnyVendor(ui)) {
+  if (ChosenVendor(ui) == nullptr) {
     session.shell.Notify("Please select a Data Vendor!");
     return false;
   }
-  if (!AnyPeriod(ui)) {
+  if (!AnyPeriodTicked(ui)) {
     session.shell.Notify("Please select at least one data period and start download again.");
     return false;
   }

@@ -1,5 +1,7 @@
 #include "core/lists/download_lists.h"
 
+#include <algorithm>
+
 #include <array>
 #include <limits>
 #include <string_view>
@@ -36,16 +38,11 @@ bool IsFullList(int list_number) {
   return list_number == 6 || list_number == 7;
 }
 
-// The vendor options in the order a save tests them; "ORG" is the file's word for "Other".
-struct VendorOption {
-  std::string_view word;
-  bool WindowState::*option;
-};
 constexpr std::array<VendorOption, 4> kVendors{{
-    {"eSignal", &WindowState::VendoreSignal},
-    {"Reuters", &WindowState::VendorReuters},
-    {"Yahoo", &WindowState::VendorYahoo},
-    {"ORG", &WindowState::VendorOther},
+    {"eSignal", "eSignal", &WindowState::VendoreSignal},
+    {"Reuters", "Reuters", &WindowState::VendorReuters},
+    {"Yahoo", "Yahoo", &WindowState::VendorYahoo},
+    {"ORG", "Other", &WindowState::VendorOther},
 }};
 
 void SelectVendor(Session& session, std::string_view word) {
@@ -133,6 +130,22 @@ void RestoreWholeLines(Session& session, const std::string& path) {
 
 }  // namespace
 
+std::span<const VendorOption> VendorOptions() {
+  return kVendors;
+}
+
+const VendorOption* ChosenVendor(const WindowState& ui) {
+  for (const VendorOption& vendor : kVendors) {
+    if (ui.*vendor.option) return &vendor;
+  }
+  return nullptr;
+}
+
+bool AnyPeriodTicked(const WindowState& ui) {
+  return std::any_of(kPeriodBoxes.begin(), kPeriodBoxes.end(),
+                     [&ui](const PeriodBox& period) { return ui.*period.box != 0; });
+}
+
 int CurrentListNumber(const Session& session) {
   const double value = LeadingNumber(session.app.CurrentListNumber);
   // Only the handlers set the text; anything outside int's range is no list at all.
@@ -198,18 +211,11 @@ void SaveDownloadList_Click(Session& session) {
     session.shell.Notify(kLoadAList);
     return;
   }
-  if (ui.DailyInterval == 0 && ui.WeeklyInterval == 0 && ui.MonthlyInterval == 0 &&
-      ui.QuarterlyInterval == 0) {
+  if (!AnyPeriodTicked(ui)) {
     session.shell.Notify("Please select a Data Period!");
     return;
   }
-  const VendorOption* vendor = nullptr;
-  for (const VendorOption& candidate : kVendors) {
-    if (ui.*candidate.option) {
-      vendor = &candidate;
-      break;
-    }
-  }
+  const VendorOption* vendor = ChosenVendor(ui);
   if (vendor == nullptr) {
     session.shell.Notify("Please select a Data Vendor!");
     return;

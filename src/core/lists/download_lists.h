@@ -1,11 +1,25 @@
 #pragma once
 // The seven download lists: selecting, restoring and saving their files.
+#include <span>
 #include <string>
+#include <string_view>
 
 #include "core/app/session.h"
 #include "core/platform/field_reader.h"
 
 namespace corvanet {
+
+// The vendor options in the order a save tests them: the list file's word ("ORG" for Other), the
+// option's caption and the option itself.
+struct VendorOption {
+  std::string_view word;
+  std::string_view caption;
+  bool WindowState::*option;
+};
+std::span<const VendorOption> VendorOptions();
+// The first vendor option that is set, in that order; nullptr when none is.
+const VendorOption* ChosenVendor(const WindowState& ui);
+bool AnyPeriodTicked(const WindowState& ui);
 
 // The number in CurrentListNumber (0 when none or not a number).
 int CurrentListNumber(const Session& session);

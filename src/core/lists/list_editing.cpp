@@ -60,6 +60,20 @@ void RemoveSelectedItems(Session& session) {
   session.NotifyObserver();
 }
 
+// The bulk commands need a user list: none loaded, or a full list, is refused with a message.
+bool MayChangeList(Session& session, std::string_view read_only_message) {
+  const int n = CurrentListNumber(session);
+  if (n == 0) {
+    session.shell.Notify(kLoadAList);
+    return false;
+  }
+  if (n > 5) {
+    session.shell.Notify(read_only_message);
+    return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 bool IsInList(const ListBox& box, std::string_view text) {
@@ -75,15 +89,7 @@ std::string ShortenedIssueName(std::string_view name) {
 
 void AddByString_Click(Session& session) {
   LogEntry(session, "AddByString_Click");
-  const int n = CurrentListNumber(session);
-  if (n == 0) {
-    session.shell.Notify(kLoadAList);
-    return;
-  }
-  if (n > 5) {
-    session.shell.Notify("Cannot add to or change this download list.");
-    return;
-  }
+  if (!MayChangeList(session, "Cannot add to or change this download list.")) return;
   const std::string needle = ToLower(session.ui.Text5);
   ListLookup lookup(session.ui.List6);
   for (const std::string& item : session.ui.List5.items) {
@@ -94,15 +100,7 @@ void AddByString_Click(Session& session) {
 
 void MoveAllToDownloadList_Click(Session& session) {
   LogEntry(session, "MoveAllToDownloadList_Click");
-  const int n = CurrentListNumber(session);
-  if (n == 0) {
-    session.shell.Notify(kLoadAList);
-    return;
-  }
-  if (n > 5) {
-    session.shell.Notify("Cannot change this download list.");
-    return;
-  }
+  if (!MayChangeList(session, "Cannot change this download list.")) return;
   ClearList_Click(session);
   // The master file, not the master list box: only this command drops the bracketed notes.
   const std::string path = MasterFilePath(session);
