@@ -12,6 +12,7 @@ enum ExitCode : int {
   kExitStartupFailed = 1,
   kExitUsage = 2,
   kExitRunFailures = 3,
+  kExitRefused = 4,  // a check of the program refused the command; nothing was changed
 };
 
 struct CliEnvironment {

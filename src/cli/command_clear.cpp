@@ -1,4 +1,4 @@
-// clear-datafiles: empty the data folder and its four period folders.
+// clear-datafiles: delete the datafiles of the data folder and its four period folders.
 #include "cli/commands.h"
 #include "core/lists/clear_datafiles.h"
 
@@ -6,8 +6,7 @@ namespace corvanet::cli {
 
 int ClearDatafilesCommand(CommandContext& context, CommandArgs args) {
   if (!args.empty()) return UsageError(context, "clear-datafiles", "takes no arguments");
-  ClearDataFiles_Click(context.session);
-  return kExitOk;
+  return ClearDataFiles_Click(context.session) ? kExitOk : kExitRefused;
 }
 
 }  // namespace corvanet::cli

@@ -4,6 +4,7 @@
 
 #include "cli/commands.h"
 #include "core/app/settings.h"
+#include "core/platform/paths.h"
 
 namespace corvanet::cli {
 
@@ -28,10 +29,16 @@ int SettingsCommand(CommandContext& context, CommandArgs args) {
     if (def == nullptr)
       return UsageError(context, "settings", "unknown setting: " + arg.substr(0, equals));
     std::string value = arg.substr(equals + 1);
-    if (!SettingValueFits(*def, value)) {
+    if (const std::string problem = SettingValueProblem(*def, value); !problem.empty()) {
+      // A password is never echoed.
+      const std::string shown =
+          def->key == "Password" ? std::string("this value") : '"' + value + '"';
       return UsageError(context, "settings",
-                        std::string(def->key) + " does not take \"" + value +
-                            "\" (check boxes take 0 or 1, option buttons True or False)");
+                        std::string(def->key) + " does not take " + shown + ": " + problem);
+    }
+    // A folder given relative is relative to the installation, as the settings file keeps it.
+    if (def->form == SettingForm::kPath && !value.empty() && !IsAbsolutePath(value)) {
+      value = session.app.BaseDirectory + value;
     }
     changes.emplace_back(def, std::move(value));
   }

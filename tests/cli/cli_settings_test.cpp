@@ -105,6 +105,7 @@ TEST_F(CliSettingsTest, ABadValueChangesNothing) {
       {"settings", "username=zzz"},
       {"settings", "Stat2File3=Advances"},  // a control the file does not keep
       {"settings", "UserName"},
+      {"settings", "UserName=zzz", "Password=two\nlines"},  // the file could not give it back
   };
   for (const auto& args : bad) {
     std::vector<std::string> all = {"--base-dir", base_arg()};
@@ -114,6 +115,17 @@ TEST_F(CliSettingsTest, ABadValueChangesNothing) {
     EXPECT_NE(result.err.find("usage: corvanet-cli"), std::string::npos) << args.back();
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(ReadFile(settings_file()), stored) << args.back();
+  }
+}
+
+TEST_F(CliSettingsTest, TextsReadBackInANewProcessExactlyAsTyped) {
+  Install();
+  const CliResult set =
+      RunIn({"settings", "UserName= spaced ", "Password=a,b", "IPAddress=\"q\",x"});
+  ASSERT_EQ(set.code, 0) << set.err;
+  const std::string shown = RunIn({"settings"}).out;
+  for (const char* line : {"UserName= spaced \n", "Password=a,b\n", "IPAddress=\"q\",x\n"}) {
+    EXPECT_NE(shown.find(line), std::string::npos) << line;
   }
 }
 

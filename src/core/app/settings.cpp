@@ -45,7 +45,39 @@ std::string Excerpt(std::string_view text) {
   return excerpt;
 }
 
+bool IsBlank(char c) {
+  return c == ' ' || c == '\t';
+}
+
+// The field reader drops the blanks around an unquoted field, ends it at a comma and takes a field
+// that starts with a quote as a quoted one: such texts are written in quotes, a quote within them
+// doubled.
+bool NeedsQuotes(std::string_view text) {
+  return !text.empty() && (IsBlank(text.front()) || IsBlank(text.back()) || text.front() == '"' ||
+                           text.find(',') != std::string_view::npos);
+}
+
+// The text as the settings file holds it, so that its reader gives back exactly `text`.
+void AppendStoredText(std::string& line, std::string_view text) {
+  if (!NeedsQuotes(text)) {
+    line += text;
+    return;
+  }
+  line += '"';
+  for (const char c : text) {
+    if (c == '"') line += '"';
+    line += c;
+  }
+  line += '"';
+}
+
 }  // namespace
+
+std::string StoredTextProblem(std::string_view text) {
+  // One line per setting: a line break would end the value early.
+  if (text.find_first_of("\r\n") != std::string_view::npos) return "it holds a line break";
+  return {};
+}
 
 std::string CheckText(int value) {
   return NumberText(value);
@@ -62,8 +94,11 @@ std::string StoredValue(const Session& session, const SettingDef& def) {
                  [&](std::string W::*m) {
                    const std::string& text = session.ui.*m;
                    if (def.form != SettingForm::kPath) return text;
-                   const std::size_t cut = session.app.BaseDirectory.size();
-                   return cut < text.size() ? text.substr(cut) : std::string();
+                   // Paths inside the installation are kept relative to it; any other path as
+                   // it stands, so that it reads back as saved instead of losing its head.
+                   const std::string& base = session.app.BaseDirectory;
+                   if (!base.empty() && StartsWith(text, base)) return text.substr(base.size());
+                   return text;
                  }},
       def.control);
 }
@@ -76,54 +111,62 @@ std::string DisplayValue(const Session& session, const SettingDef& def) {
       def.control);
 }
 
-bool SettingValueFits(const SettingDef& def, std::string_view text) {
+std::string SettingValueProblem(const SettingDef& def, std::string_view text) {
   int number = 0;
   bool option = false;
   switch (def.form) {
     case SettingForm::kCheck:
-      return ParseInteger(text, number) && (number == 0 || number == 1);
+      if (ParseInteger(text, number) && (number == 0 || number == 1)) return {};
+      return "check boxes take 0 or 1";
     case SettingForm::kOption:
-      return ParseOption(text, option);
+      if (ParseOption(text, option)) return {};
+      return "option buttons take True or False";
     case SettingForm::kText:
     case SettingForm::kPath:
-      return true;
+      return StoredTextProblem(text);
   }
-  return false;
+  return "unknown form";
+}
+
+bool SettingValueFits(const SettingDef& def, std::string_view text) {
+  return SettingValueProblem(def, text).empty();
 }
 
 bool SetSetting(Session& session, const SettingDef& def, std::string_view text,
                 ValueSource source) {
   bool changed = false;
-  const bool fits = std::visit(
-      Overloaded{[&](int W::*m) {
-                   int value = 0;
-                   if (!ParseInteger(text, value) || value < 0 || value > 1) return false;
-                   changed = session.ui.*m != value;
-                   session.ui.*m = value;
-                   return true;
-                 },
-                 [&](bool W::*m) {
-                   bool value = false;
-                   if (!ParseOption(text, value)) return false;
-                   changed = session.ui.*m != value;
-                   session.ui.*m = value;
-                   if (value && !def.partner.empty()) {
-                     if (const SettingDef* partner = FindSetting(def.partner)) {
-                       session.ui.*std::get<bool W::*>(partner->control) = false;
-                     }
-                   }
-                   return true;
-                 },
-                 [&](std::string W::*m) {
-                   std::string value(text);
-                   if (def.form == SettingForm::kPath && source == ValueSource::kSettingsFile) {
-                     value = session.app.BaseDirectory + value;
-                   }
-                   changed = session.ui.*m != value;
-                   session.ui.*m = std::move(value);
-                   return true;
-                 }},
-      def.control);
+  const bool fits =
+      std::visit(Overloaded{[&](int W::*m) {
+                              int value = 0;
+                              if (!ParseInteger(text, value) || value < 0 || value > 1)
+                                return false;
+                              changed = session.ui.*m != value;
+                              session.ui.*m = value;
+                              return true;
+                            },
+                            [&](bool W::*m) {
+                              bool value = false;
+                              if (!ParseOption(text, value)) return false;
+                              changed = session.ui.*m != value;
+                              session.ui.*m = value;
+                              if (value && !def.partner.empty()) {
+                                if (const SettingDef* partner = FindSetting(def.partner)) {
+                                  session.ui.*std::get<bool W::*>(partner->control) = false;
+                                }
+                              }
+                              return true;
+                            },
+                            [&](std::string W::*m) {
+                              std::string value(text);
+                              if (def.form == SettingForm::kPath &&
+                                  source == ValueSource::kSettingsFile && !IsAbsolutePath(value)) {
+                                value = session.app.BaseDirectory + value;
+                              }
+                              changed = session.ui.*m != value;
+                              session.ui.*m = std::move(value);
+                              return true;
+                            }},
+                 def.control);
   if (changed && def.on_change != nullptr) def.on_change(session, def);
   return fits;
 }
@@ -152,7 +195,7 @@ void LoadINI(Session& session) {
       while (lines.Next(line)) {
         ++line_number;
         fields.clear();
-        SplitFields(line, fields);
+        SplitFields(line, fields, QuoteRule::kDoubledQuoteEscapes);
         if (fields.size() == 1 && fields[0].empty()) continue;  // blank line
         // Fields pair up as key and value along the line: a value holding a comma leaves its tail
         // to be read as the next key, while a broken line cannot shift the lines after it.
@@ -190,13 +233,30 @@ void LoadINI(Session& session) {
   SetUpOverview_Click(session);
 }
 
+std::string UnstorableSetting(const Session& session) {
+  for (const SettingDef& def : SettingsTable()) {
+    if (def.form != SettingForm::kText && def.form != SettingForm::kPath) continue;
+    const std::string problem = StoredTextProblem(StoredValue(session, def));
+    if (!problem.empty()) return std::string(def.key) + " cannot be saved as typed: " + problem;
+  }
+  return {};
+}
+
 bool WriteSettingsFile(Session& session) {
+  if (const std::string problem = UnstorableSetting(session); !problem.empty()) {
+    Log(session, "SaveToINI_Click - " + problem);
+    return false;
+  }
   AtomicFileWriter writer(SettingsFilePath(session), FileAccess::kOwnerOnly);
   std::string line;
   for (const SettingDef& def : SettingsTable()) {
     line.assign(def.key);
     line += ',';
-    line += StoredValue(session, def);
+    if (def.form == SettingForm::kText || def.form == SettingForm::kPath) {
+      AppendStoredText(line, StoredValue(session, def));
+    } else {
+      line += StoredValue(session, def);  // " 1": the check form's blank is read back trimmed
+    }
     writer.WriteLine(line);
   }
   if (writer.Commit()) return true;
@@ -214,6 +274,12 @@ void SaveToINI_Click(Session& session) {
         "saved.",
         "Corvanet Settings", Buttons::kOk, Icon::kExclamation);
     SetTabs(session);
+    return;
+  }
+  if (const std::string problem = UnstorableSetting(session); !problem.empty()) {
+    session.shell.MessageBox(
+        "Corvanet did not save its settings: " + problem + ".\rThe previous settings are kept.",
+        "Corvanet Settings", Buttons::kOk, Icon::kExclamation);
     return;
   }
   if (!WriteSettingsFile(session)) {

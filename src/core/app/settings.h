@@ -49,8 +49,15 @@ enum class ValueSource { kSettingsFile, kUser };
 // set True clears its partner. False (control unchanged) when the text does not fit the form.
 bool SetSetting(Session& session, const SettingDef& def, std::string_view text, ValueSource source);
 
-// Whether SetSetting would accept the text, without changing anything.
+// Why SetSetting would refuse the text, or why the settings file could not keep it as typed; empty
+// when it fits. Changes nothing.
+std::string SettingValueProblem(const SettingDef& def, std::string_view text);
 bool SettingValueFits(const SettingDef& def, std::string_view text);
+// Why a text cannot be written to the settings file so that it reads back unchanged; empty when
+// it can (texts holding a comma or blanks at their ends are written in quotes).
+std::string StoredTextProblem(std::string_view text);
+// The first text setting that cannot be saved as typed, with the reason; empty when all can.
+std::string UnstorableSetting(const Session& session);
 
 // Assigns a check box and runs its handler when the value changed.
 void SetCheck(Session& session, std::string_view key, int value);

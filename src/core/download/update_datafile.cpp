@@ -42,12 +42,51 @@ enum class Pass {
   kFailed,
 };
 
+struct PassResult {
+  Pass pass = Pass::kFailed;
+  std::string last_date;  // of the last row written; empty when only the header was
+};
+
+// A row the datafile must not take: one holding a NUL or another control character (a tab aside).
+bool HoldsControlCharacter(std::string_view row) {
+  return std::any_of(row.begin(), row.end(), [](char c) {
+    const auto u = static_cast<unsigned char>(c);
+    return (u < 0x20 && c != '\t') || u == 0x7f;
+  });
+}
+
+// Rows left out of a pass because their date does not come after the row before, or because they
+// hold control characters: counted, and logged once per pass so a hostile body of a million bad
+// rows gives one line, not a million.
+class LeftOutRows {
+ public:
+  void Add(std::string_view where, int line = 0) {
+    if (count_++ != 0) return;
+    first_ = where;
+    if (line > 0) first_ += " line " + std::to_string(line);
+  }
+  void Report(Session& session) const {
+    if (count_ == 0) return;
+    LogPeriod(session, "UpdateDatafile - " + session.run.DestinationFileName + " - " +
+                           std::to_string(count_) +
+                           " row(s) out of date order or holding control characters left out, "
+                           "the first at " +
+                           first_);
+  }
+
+ private:
+  int count_ = 0;
+  std::string first_;
+};
+
 // One pass over the base copy: the header, then the base rows up to and including the first one
-// that is also an update row, then the update rows newer than it. The destination is written but
+// that is also an update row, then the update rows newer than it. Dates only go forward: a row
+// whose date does not come after the last one written is left out. The destination is written but
 // not committed. A garbled base copy is treated like one without overlap (a fresh copy is fetched),
 // but what was written from it is never kept.
-Pass MergeOnce(Session& session, const std::vector<std::string_view>& update_rows, LineReader& base,
-               AtomicFileWriter& destination, std::string& reason) {
+PassResult MergeOnce(Session& session, const std::vector<std::string_view>& update_rows,
+                     LineReader& base, AtomicFileWriter& destination, std::string& reason) {
+  PassResult result;
   const std::string base_path = BaseFolder(session) + session.run.BaseFileName;
   // Closed on every way out: a fetch may replace the base copy right after this pass.
   struct CloseOnReturn {
@@ -56,25 +95,29 @@ Pass MergeOnce(Session& session, const std::vector<std::string_view>& update_row
   } close_base{base};
   if (!base.Open(base_path)) {
     reason = "base copy " + session.run.BaseFileName + " cannot be read";
-    return Pass::kFailed;
+    return result;
   }
   const std::string destination_path = DestinationPath(session);
   if (!destination.Open(destination_path)) {
     reason = "cannot write " + destination_path + ": " + destination.error();
-    return Pass::kFailed;
+    return result;
   }
+  result.pass = Pass::kGarbled;
   std::string_view line;
   if (!base.Next(line)) {
     LogPeriod(session, "UpdateDatafile - base copy " + session.run.BaseFileName + " is empty");
-    return Pass::kGarbled;
+    return result;
   }
   destination.WriteLine(line);
   const std::size_t fields = CountCommas(line);
+  LeftOutRows left_out;
 
   // Update rows that do not have the datafile's shape would spoil it: leave them out.
   std::vector<std::string_view> rows;
   for (const std::string_view row : update_rows) {
-    if (CountCommas(row) == fields) {
+    if (HoldsControlCharacter(row)) {
+      left_out.Add("the update rows of " + session.run.WebSymbol);
+    } else if (CountCommas(row) == fields) {
       rows.push_back(row);
     } else {
       LogPeriod(session, "UpdateDatafile - update row for " + session.run.WebSymbol +
@@ -85,10 +128,10 @@ Pass MergeOnce(Session& session, const std::vector<std::string_view>& update_row
     // Not one update row has the base copy's shape: the base copy is what is wrong.
     LogPeriod(session, "UpdateDatafile - " + session.run.BaseFileName +
                            " does not have the columns of the update rows");
-    return Pass::kGarbled;
+    return result;
   }
 
-  std::string_view match_date;
+  std::string& last_date = result.last_date;
   std::string match;  // the view into the reader's buffer would not outlive the next read
   int number = 1;
   while (base.Next(line)) {
@@ -98,29 +141,53 @@ Pass MergeOnce(Session& session, const std::vector<std::string_view>& update_row
     if (CountCommas(line) != fields || !HasRowDate(line)) {
       LogPeriod(session, "UpdateDatafile - " + session.run.BaseFileName + " line " +
                              std::to_string(number) + " is garbled");
-      return Pass::kGarbled;
+      return result;
+    }
+    if (RowDate(line) <= std::string_view(last_date) || HoldsControlCharacter(line)) {
+      left_out.Add(session.run.BaseFileName, number);
+      continue;
     }
     destination.WriteLine(line);
+    last_date.assign(RowDate(line));
     if (std::find(rows.begin(), rows.end(), line) != rows.end()) {
       match.assign(line);
-      match_date = RowDate(match);
       break;
     }
   }
+  left_out.Report(session);
   if (base.failed()) {
     reason = "read error in base copy " + session.run.BaseFileName;
-    return Pass::kFailed;
+    result.pass = Pass::kFailed;
+    return result;
   }
   if (number == 1) {
     LogPeriod(session, "UpdateDatafile - base copy " + session.run.BaseFileName + " has no rows");
-    return Pass::kGarbled;
+    return result;
   }
-  if (match.empty() || session.run.GetFileCount >= kFetchGuard) return Pass::kNoOverlap;
-  // Rows of the match's date are not written again, older ones are skipped.
+  if (match.empty() || session.run.GetFileCount >= kFetchGuard) {
+    result.pass = Pass::kNoOverlap;
+    return result;
+  }
+  // Rows of the match's date are not written again, older ones are skipped, and so is any update
+  // row out of date order.
+  LeftOutRows out_of_order;
   for (const std::string_view row : rows) {
-    if (RowDate(row) > match_date) destination.WriteLine(row);
+    if (RowDate(row) > std::string_view(last_date)) {
+      destination.WriteLine(row);
+      last_date.assign(RowDate(row));
+    } else if (RowDate(row) > RowDate(match)) {
+      out_of_order.Add("the update rows of " + session.run.WebSymbol);
+    }
   }
-  return Pass::kMerged;
+  out_of_order.Report(session);
+  result.pass = Pass::kMerged;
+  return result;
+}
+
+// The date of the destination's last row, read from its end; empty when it has none.
+std::string DestinationLastDate(const Session& session) {
+  const std::string last = LastLineOf(DestinationPath(session));
+  return HasRowDate(last) ? std::string(RowDate(last)) : std::string();
 }
 
 // A run merges thousands of datafiles: the reader's and the writer's buffers are kept from one to
@@ -159,6 +226,27 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
     outcome.reason = "too many fetches for one datafile";
     return outcome;
   }
+  // A datafile never moves backwards: whatever the service sends (a file cut short, a body of
+  // stale rows), nothing replaces the destination with rows that end before its last date.
+  const std::string kept_last_date = DestinationLastDate(session);
+  MergeFiles& files = ReusedMergeFiles();
+  AtomicFileWriter& destination = files.destination;
+  const auto commit = [&](const PassResult& written) {
+    if (written.last_date < kept_last_date) {
+      destination.Discard();
+      outcome.reason = "the service's file ends on " +
+                       (written.last_date.empty() ? std::string("no row") : written.last_date) +
+                       ", before the datafile's last row " + kept_last_date;
+      LogPeriod(session, "UpdateDatafile - " + run.DestinationFileName +
+                             " kept as it was: " + outcome.reason);
+      return false;
+    }
+    if (!destination.Commit()) {
+      outcome.reason = "cannot write " + destination.target() + ": " + destination.error();
+      return false;
+    }
+    return true;
+  };
   const std::string tag = run.DestinationFileName + run.DownloadSymbol;
   for (int attempts = 0;;) {
     const std::vector<std::string_view> rows = update_rows.RowsFor(run.WebSymbol);
@@ -167,18 +255,13 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
       LogPeriod(session, "DownloadSymbol - " + update_rows.last_symbol() + " WebSymbol - " +
                              run.WebSymbol + " Error Number:  0 - ");
     }
-    MergeFiles& files = ReusedMergeFiles();
-    AtomicFileWriter& destination = files.destination;
-    const Pass pass = MergeOnce(session, rows, files.base, destination, outcome.reason);
-    if (pass == Pass::kFailed) {
+    const PassResult written = MergeOnce(session, rows, files.base, destination, outcome.reason);
+    if (written.pass == Pass::kFailed) {
       destination.Discard();  // the reused writer must not keep a temporary file until the next one
       return outcome;
     }
-    if (pass == Pass::kMerged) {
-      if (!destination.Commit()) {
-        outcome.reason = "cannot write " + destination.target() + ": " + destination.error();
-        return outcome;
-      }
+    if (written.pass == Pass::kMerged) {
+      if (!commit(written)) return outcome;
       outcome.kind =
           fetched_whole ? DatafileOutcome::Kind::kFetchedWhole : DatafileOutcome::Kind::kMerged;
       return outcome;
@@ -186,10 +269,9 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
     LogPeriod(session, "UpdateDatafile - " + tag + " - Can't update - getting full file");
     // The destination keeps its old content until a merge on a fresh copy succeeds; only a second
     // clean pass without overlap is kept, since it holds the service's whole fresh file.
-    if (attempts == 0 || pass == Pass::kGarbled) {
+    if (attempts == 0 || written.pass == Pass::kGarbled) {
       destination.Discard();
-    } else if (!destination.Commit()) {
-      outcome.reason = "cannot write " + destination.target() + ": " + destination.error();
+    } else if (!commit(written)) {
       return outcome;
     }
     const FetchResult fetched = RetrieveDataFile(session, run.RemoteFileName, run.BaseFileName);

@@ -4,9 +4,11 @@
 
 namespace corvanet {
 
-// Deletes every file directly in PathToDataFiles and in its Daily, Weekly, Monthly and Quarterly
-// folders. Base/ and any other folder below the data folder keep their files. A missing period
-// folder is created (empty); a missing data folder is left missing.
-void ClearDataFiles_Click(Session& session);
+// Deletes the datafiles directly in PathToDataFiles (those of the vendor "Other") and every .csv
+// file in its Daily, Weekly, Monthly and Quarterly folders. Base/, other folders and any other file
+// keep what they hold. A missing period folder is created (empty). A data folder that is missing,
+// or that is the root, the home folder, the installation folder or one above it, is refused with a
+// message. False when it refused or a file could not be deleted.
+bool ClearDataFiles_Click(Session& session);
 
 }  // namespace corvanet

@@ -4,16 +4,39 @@
 
 namespace corvanet {
 
-void SplitFields(std::string_view line, std::vector<std::string>& fields) {
+namespace {
+
+// The text of a quoted field that starts at `from` (after its opening quote); `close` becomes the
+// place of its closing quote, or the line's end when there is none.
+std::string QuotedField(std::string_view line, std::size_t from, QuoteRule quotes,
+                        std::size_t& close) {
+  close = line.find('"', from);
+  if (quotes == QuoteRule::kClassic) {
+    if (close == std::string_view::npos) close = line.size();
+    return std::string(line.substr(from, close - from));
+  }
+  std::string field;
+  while (close != std::string_view::npos && close + 1 < line.size() && line[close + 1] == '"') {
+    field.append(line.substr(from, close + 1 - from));
+    from = close + 2;
+    close = line.find('"', from);
+  }
+  if (close == std::string_view::npos) close = line.size();
+  field.append(line.substr(from, close - from));
+  return field;
+}
+
+}  // namespace
+
+void SplitFields(std::string_view line, std::vector<std::string>& fields, QuoteRule quotes) {
   std::size_t pos = 0;
   for (;;) {
     while (pos < line.size() && (line[pos] == ' ' || line[pos] == '\t')) ++pos;
     if (pos < line.size() && line[pos] == '"') {
-      const std::size_t close = line.find('"', pos + 1);
-      const std::size_t stop = close == std::string_view::npos ? line.size() : close;
-      fields.emplace_back(line.substr(pos + 1, stop - pos - 1));
+      std::size_t close = 0;
+      fields.push_back(QuotedField(line, pos + 1, quotes, close));
       // Whatever stands between the closing quote and the next comma is not part of the field.
-      pos = stop == line.size() ? stop : line.find(',', stop);
+      pos = close == line.size() ? close : line.find(',', close);
       if (pos == std::string_view::npos) return;
     } else {
       const std::size_t comma = line.find(',', pos);

@@ -13,8 +13,14 @@
 
 namespace corvanet {
 
+enum class QuoteRule {
+  kClassic,              // a quoted field ends at the next quote
+  kDoubledQuoteEscapes,  // within quotes, "" stands for one quote (the settings file's own texts)
+};
+
 // Splits one line into its fields (quotes removed, unquoted fields trimmed). Appends to `fields`.
-void SplitFields(std::string_view line, std::vector<std::string>& fields);
+void SplitFields(std::string_view line, std::vector<std::string>& fields,
+                 QuoteRule quotes = QuoteRule::kClassic);
 // The fields of one line as a new vector.
 std::vector<std::string> SplitFields(std::string_view line);
 

@@ -1,15 +1,19 @@
 #include "core/platform/files.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
+#include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <random>
 #include <system_error>
 #include <utility>
 
 #ifndef _WIN32
 #include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #else
 #include <process.h>
@@ -33,23 +37,77 @@ long ProcessId() {
 #endif
 }
 
+// A random part makes every name new even when a process id comes back (a container started
+// afresh reuses them), so a file left by a dead process can never block a later write.
+std::string RandomHex() {
+  thread_local std::mt19937_64 generator{[] {
+    std::random_device device;
+    return (static_cast<std::uint64_t>(device()) << 32) ^ device() ^
+           static_cast<std::uint64_t>(ProcessId());
+  }()};
+  static constexpr char kDigits[] = "0123456789abcdef";
+  std::uint64_t bits = generator();
+  std::string hex(16, '0');
+  for (char& c : hex) {
+    c = kDigits[bits & 0xf];
+    bits >>= 4;
+  }
+  return hex;
+}
+
 std::string TempNameFor(const std::string& target) {
-  static std::atomic<unsigned> counter{0};
-  return target + std::string(kTempMarker) + std::to_string(ProcessId()) + "-" +
-         std::to_string(counter++);
+  return target + std::string(kTempMarker) + std::to_string(ProcessId()) + "-" + RandomHex();
 }
 
-bool AllDigits(std::string_view text) {
-  return !text.empty() &&
-         std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+bool AllOf(std::string_view text, bool (*allowed)(char)) {
+  return !text.empty() && std::all_of(text.begin(), text.end(), allowed);
 }
 
-// ".tmp-<process id>-<counter>", the end of every name TempNameFor makes.
+// ".tmp-<process id>-<hex>", the end of every name TempNameFor makes (older builds put a decimal
+// counter where the hex stands, which the test takes too).
 bool IsTempSuffix(std::string_view suffix) {
   suffix.remove_prefix(kTempMarker.size());
   const std::size_t dash = suffix.find('-');
-  return dash != std::string_view::npos && AllDigits(suffix.substr(0, dash)) &&
-         AllDigits(suffix.substr(dash + 1));
+  return dash != std::string_view::npos &&
+         AllOf(suffix.substr(0, dash), [](char c) { return c >= '0' && c <= '9'; }) &&
+         AllOf(suffix.substr(dash + 1),
+               [](char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'); });
+}
+
+// A writer holds a lock on its temporary file for as long as it writes it, so a sweep can tell a
+// file that a living writer owns (locked) from one a dead process left (the kernel dropped its
+// lock). A sweep may take a new file in the moment between its creation and its lock; the writer
+// sees that its name no longer leads to its file and starts again under a new name.
+bool HoldWriterLock(std::FILE* file, const std::string& path) {
+#ifndef _WIN32
+  const int fd = ::fileno(file);
+  if (::flock(fd, LOCK_EX) != 0) return true;  // no locks on this file system: nothing to guard
+  struct stat held {};
+  struct stat named {};
+  return ::fstat(fd, &held) == 0 && ::stat(path.c_str(), &named) == 0 &&
+         held.st_ino == named.st_ino && held.st_dev == named.st_dev;
+#else
+  (void)file;  // an open file cannot be deleted there: the sweep fails on it by itself
+  (void)path;
+  return true;
+#endif
+}
+
+// True when no living process holds the file's writer lock.
+bool IsAbandoned(const fs::path& path) {
+#ifndef _WIN32
+  const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+  if (fd < 0) return false;
+  const bool unlocked = ::flock(fd, LOCK_EX | LOCK_NB) == 0;
+  // Removed while the lock is held, so a writer that locks next finds its name gone.
+  std::error_code ec;
+  const bool removed = unlocked && fs::remove(path, ec);
+  ::close(fd);
+  return removed;
+#else
+  std::error_code ec;
+  return fs::remove(path, ec);
+#endif
 }
 
 // Opens a file for writing, created with the owner-only mode from the start when asked, so no other
@@ -109,11 +167,16 @@ bool AtomicFileWriter::Open(std::string target, FileAccess access) {
   error_.clear();
   failed_ = false;
   // Exclusive: never reuse a file someone else left under the temporary name.
-  file_ = OpenForWriting(temp_, access, true);
-  if (file_ == nullptr) {
-    error_ = std::strerror(errno);
-    failed_ = true;
-    return false;
+  for (int attempt = 0;; ++attempt) {
+    file_ = OpenForWriting(temp_, access, true);
+    if (file_ == nullptr) {
+      error_ = std::strerror(errno);
+      failed_ = true;
+      return false;
+    }
+    if (HoldWriterLock(file_, temp_) || attempt == 3) break;
+    std::fclose(std::exchange(file_, nullptr));
+    temp_ = TempNameFor(target_);
   }
   if (access == FileAccess::kOwnerOnly) RestrictToOwner(temp_);
   if (!buffer_) buffer_ = std::make_unique<char[]>(kWriteBuffer);
@@ -229,21 +292,70 @@ bool DeleteFilesIn(const std::string& folder) {
   return ok;
 }
 
+bool IsTemporaryFileName(std::string_view name) {
+  const std::size_t marker = name.rfind(kTempMarker);
+  return marker != std::string_view::npos && marker > 0 && IsTempSuffix(name.substr(marker));
+}
+
+bool DeleteFilesIn(const std::string& folder, bool (*wanted)(std::string_view name), int* deleted) {
+  std::error_code ec;
+  fs::directory_iterator it(folder, ec);
+  if (ec) return false;
+  bool ok = true;
+  for (const auto& entry : it) {
+    std::error_code entry_ec;
+    if (!entry.is_regular_file(entry_ec) && !entry.is_symlink(entry_ec)) continue;
+    if (!wanted(entry.path().filename().string())) continue;
+    if (fs::remove(entry.path(), entry_ec)) {
+      if (deleted != nullptr) ++*deleted;
+    } else if (entry_ec) {
+      ok = false;
+    }
+  }
+  return ok;
+}
+
+namespace {
+
+// The folder a text leads to, links resolved, without a trailing separator; empty when unknown.
+fs::path ResolvedFolder(const std::string& folder) {
+  std::error_code ec;
+  // An empty text names the current folder, which is what a delete there would reach.
+  fs::path path = fs::absolute(folder.empty() ? "." : folder, ec);
+  if (ec) return {};
+  path = fs::weakly_canonical(path, ec);
+  if (ec) return {};
+  if (!path.has_filename() && path != path.root_path()) path = path.parent_path();
+  return path;
+}
+
+}  // namespace
+
+std::string ProtectedFolderReason(const std::string& folder, const std::string& base_directory) {
+  const fs::path target = ResolvedFolder(folder);
+  if (target.empty()) return "a folder whose place cannot be told";
+  if (target == target.root_path()) return "the root of the file system";
+  const char* home = std::getenv("HOME");
+  if (home != nullptr && *home != '\0' && target == ResolvedFolder(home)) return "the home folder";
+  if (base_directory.empty()) return {};
+  const fs::path base = ResolvedFolder(base_directory);
+  if (target == base) return "the installation folder";
+  // Above the installation folder when every part of its path starts the installation's.
+  const auto [t, b] = std::mismatch(target.begin(), target.end(), base.begin(), base.end());
+  if (t == target.end()) return "a folder above the installation folder";
+  return {};
+}
+
 int RemoveStaleTemporaryFiles(const std::string& folder) {
-  const std::string own = std::string(kTempMarker) + std::to_string(ProcessId()) + "-";
   std::error_code ec;
   int removed = 0;
   for (const auto& entry : fs::directory_iterator(folder, ec)) {
-    const std::string name = entry.path().filename().string();
-    const std::size_t marker = name.rfind(kTempMarker);
     // Only the exact names TempNameFor gives: a datafile whose symbol happens to hold ".tmp-"
     // is somebody's data.
-    if (marker == std::string::npos || !IsTempSuffix(std::string_view(name).substr(marker)) ||
-        name.compare(marker, own.size(), own) == 0) {
-      continue;
-    }
-    std::error_code remove_ec;
-    if (entry.is_regular_file(remove_ec) && fs::remove(entry.path(), remove_ec)) ++removed;
+    if (!IsTemporaryFileName(entry.path().filename().string())) continue;
+    std::error_code type_ec;
+    if (!entry.is_regular_file(type_ec) || entry.is_symlink(type_ec)) continue;
+    if (IsAbandoned(entry.path())) ++removed;
   }
   return removed;
 }
@@ -269,6 +381,37 @@ bool CopyFileReplacing(const std::string& from, const std::string& to) {
   std::fclose(in);
   if (!read_ok) return false;
   return writer.Commit();
+}
+
+std::string LastLineOf(const std::string& path) {
+  std::FILE* file = std::fopen(path.c_str(), "rb");
+  if (file == nullptr) return {};
+  // Rows are well under this; a longer last line comes back as its tail, which still ends it.
+  constexpr long kTail = 64 * 1024;
+  std::string tail(kTail, '\0');
+  std::size_t got = 0;
+  if (std::fseek(file, 0, SEEK_END) == 0) {
+    const long size = std::ftell(file);
+    const long start = size > kTail ? size - kTail : 0;
+    if (size >= 0 && std::fseek(file, start, SEEK_SET) == 0) {
+      got = std::fread(tail.data(), 1, static_cast<std::size_t>(size - start), file);
+    }
+  }
+  std::fclose(file);
+  tail.resize(got);
+  std::size_t end = tail.size();
+  while (end > 0) {
+    const std::size_t newline = tail.rfind('\n', end - 1);
+    const std::size_t begin = newline == std::string::npos ? 0 : newline + 1;
+    std::string_view line(tail.data() + begin, end - begin);
+    while (!line.empty() && (line.back() == '\r' || line.back() == ' ' || line.back() == '\t')) {
+      line.remove_suffix(1);
+    }
+    if (!line.empty()) return std::string(line);
+    if (newline == std::string::npos) break;
+    end = newline;
+  }
+  return {};
 }
 
 std::optional<std::string> ReadWholeFile(const std::string& path) {

@@ -72,12 +72,26 @@ bool CreateFolders(const std::string& path);
 // Deletes every file directly in `folder` (not in its subfolders). False when the folder is
 // missing.
 bool DeleteFilesIn(const std::string& folder);
+// Deletes the files directly in `folder` whose names `wanted` accepts; counts them in `deleted`.
+// False when the folder is missing or a wanted file could not be deleted.
+bool DeleteFilesIn(const std::string& folder, bool (*wanted)(std::string_view name),
+                   int* deleted = nullptr);
+// Why the program must never delete files in `folder`: it is the root of the file system, the
+// home folder, the installation's base folder or a folder above it (links resolved first).
+// Empty when deleting there is allowed.
+std::string ProtectedFolderReason(const std::string& folder, const std::string& base_directory);
 bool RemoveFile(const std::string& path);
-// Removes the temporary files a killed process left in `folder` (those of other processes, by the
-// name AtomicFileWriter gives them). Returns how many were removed.
+// True for the names AtomicFileWriter gives its temporary files.
+bool IsTemporaryFileName(std::string_view name);
+// Removes the temporary files a dead process left in `folder`: those with the names
+// AtomicFileWriter gives, that no living writer holds (a writer locks its file until it commits or
+// discards it). Returns how many were removed.
 int RemoveStaleTemporaryFiles(const std::string& folder);
 // Copies `from` onto `to` through a temporary file, replacing `to` only when the copy is complete.
 bool CopyFileReplacing(const std::string& from, const std::string& to);
+// The last line of a file that holds more than blanks (its end read, not the whole file), without
+// its line end; empty when the file is missing, empty or holds only blank lines.
+std::string LastLineOf(const std::string& path);
 // The whole content of a (small) file; nullopt when it cannot be read.
 std::optional<std::string> ReadWholeFile(const std::string& path);
 std::string CurrentDirectory();

@@ -69,9 +69,26 @@ std::string FetchResult::Describe() const {
 }
 
 std::string ServiceUrl(std::string_view data_set_url, std::string_view remote_path) {
+  GlobalInitOnce();
   std::string url = "http://";
   url += data_set_url;
-  for (const char c : remote_path) url += c == '\\' ? '/' : c;
+  // Each part of the path is escaped on its own: a symbol with a blank, '#', '?' or '%' must reach
+  // the service as that symbol's file, not as a broken URL or another file.
+  std::size_t start = 0;
+  for (;;) {
+    const std::size_t end = remote_path.find_first_of("/\\", start);
+    const std::string_view part = remote_path.substr(start, end - start);
+    if (!part.empty()) {
+      char* escaped = curl_easy_escape(nullptr, part.data(), static_cast<int>(part.size()));
+      if (escaped != nullptr) {
+        url += escaped;
+        curl_free(escaped);
+      }
+    }
+    if (end == std::string_view::npos) break;
+    url += '/';
+    start = end + 1;
+  }
   return url;
 }
 

@@ -44,7 +44,8 @@ class HttpClient {
   virtual FetchResult FetchToFile(const FetchRequest& request, const std::string& local_path) = 0;
 };
 
-// "http://" + data set address + remote path, a backslash in the path becoming '/'.
+// "http://" + data set address + remote path, a backslash in the path becoming '/' and each part of
+// the path percent-encoded ("BRK B" -> "BRK%20B").
 std::string ServiceUrl(std::string_view data_set_url, std::string_view remote_path);
 
 // The libcurl client. One handle is kept, so a run reuses its connection.

@@ -12,6 +12,15 @@ std::string BaseDirectoryFromProgramFolder(std::string_view program_folder) {
   return folder;
 }
 
+bool IsAbsolutePath(std::string_view path) {
+#ifdef _WIN32
+  if (path.size() >= 3 && path[1] == ':' && (path[2] == '\\' || path[2] == '/')) return true;
+  return path.size() >= 2 && path[0] == '\\' && path[1] == '\\';
+#else
+  return !path.empty() && path.front() == '/';
+#endif
+}
+
 bool IsSafeFileNamePart(std::string_view text) {
   if (text.empty() || text.find("..") != std::string_view::npos) return false;
   for (const char c : text) {

@@ -30,6 +30,9 @@ inline std::string WithTrailingSeparator(std::string path) {
 // backslashes keeps the whole text.
 std::string BaseDirectoryFromProgramFolder(std::string_view program_folder);
 
+// "/x" on POSIX; "C:\x", "C:/x" or "\\server\x" on Windows.
+bool IsAbsolutePath(std::string_view path);
+
 // True when a symbol may be used as (part of) a file name: no separator of either kind, no "..",
 // no control character, not empty.
 bool IsSafeFileNamePart(std::string_view text);

@@ -77,15 +77,35 @@ TEST(SettingsBadInputTest, ValueHoldingACommaLosesItsTailToTheNextKey) {
   // The tail stays on its own line: the lines after it are read as written.
   EXPECT_EQ(fresh.ui.IPAddress, "host");
   EXPECT_EQ(fresh.ui.Password, "x,y");  // a quoted value keeps its comma
+}
 
-  // Values lose their surrounding blanks, and an unquoted comma does not survive a save.
-  t.session.ui.UserName = "  spaced  ";
-  t.session.ui.Password = "p,w";
-  SaveToINI_Click(t.session);
-  Session again = FreshSession(t);
-  LoadINI(again);
-  EXPECT_EQ(again.ui.UserName, "spaced");
-  EXPECT_EQ(again.ui.Password, "p");
+// Every text a user can save reads back exactly as typed; one the file cannot hold is refused
+// with a message and the old file stays.
+TEST(SettingsBadInputTest, TextsReadBackExactlyAsSaved) {
+  TestSession t;
+  for (const char* text :
+       {"a,b", "\"quoted\"", " spaced ", "x\"y,z", "\"a\",b", " q\" ", "\tt", ",", "p@ss:w/rd"}) {
+    SCOPED_TRACE(text);
+    t.session.ui.Password = text;
+    t.session.ui.UserName = std::string("u") + text;
+    t.session.ui.IPAddress = text;
+    SaveToINI_Click(t.session);
+    Session again = FreshSession(t);
+    LoadINI(again);
+    EXPECT_EQ(again.ui.Password, text);
+    EXPECT_EQ(again.ui.UserName, std::string("u") + text);
+    EXPECT_EQ(again.ui.IPAddress, text);
+  }
+  const std::string saved = ReadFile(t.base("Rondex/Rondex.ini"));
+  for (const char* text : {"line\rbreak", "two\nlines"}) {
+    SCOPED_TRACE(text);
+    t.session.ui.Password = text;
+    t.shell.boxes.clear();
+    SaveToINI_Click(t.session);
+    ASSERT_EQ(t.shell.boxes.size(), 1U);
+    EXPECT_NE(t.shell.boxes[0].text.find("Password cannot be saved as typed"), std::string::npos);
+    EXPECT_EQ(ReadFile(t.base("Rondex/Rondex.ini")), saved);
+  }
 }
 
 TEST(SettingsBadInputTest, TheTailOfAPasswordWithACommaNeverReachesTheLog) {

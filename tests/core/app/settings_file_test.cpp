@@ -153,22 +153,27 @@ TEST(SettingsFileTest, PlaceholderOrEmptyCredentialsWriteNothing) {
   EXPECT_EQ(ReadLines(SettingsFile(t)).size(), 89U);
 }
 
-TEST(SettingsFileTest, PathsAreCutByTheLengthOfBaseDirectoryWhateverTheyHold) {
+// Paths inside the installation are stored relative to it; any other path as it stands, so that
+// every path reads back as saved.
+TEST(SettingsFileTest, PathsReadBackAsSavedInsideTheInstallationOrNot) {
   TestSession t;
   Session& s = t.session;
   const std::size_t base_length = s.app.BaseDirectory.size();
   const std::string elsewhere = "/elsewhere/" + std::string(base_length, 'x') + "/Data/";
   s.ui.PathToDataFiles = elsewhere;
-  s.ui.PathToMSPxFiles = "/short/";  // shorter than BaseDirectory: nothing is left
+  s.ui.PathToMSPxFiles = "/short/";
+  s.ui.PathToLists = s.app.BaseDirectory + "My, Lists/";
   SaveToINI_Click(s);
   const std::vector<std::string> lines = ReadLines(SettingsFile(t));
-  EXPECT_EQ(lines[2], "PathToDataFiles," + elsewhere.substr(base_length));
-  EXPECT_EQ(lines[5], "PathToMSPxFiles,");
+  EXPECT_EQ(lines[2], "PathToDataFiles," + elsewhere);
+  EXPECT_EQ(lines[3], "PathToLists,\"My, Lists/\"");
+  EXPECT_EQ(lines[5], "PathToMSPxFiles,/short/");
 
   Session fresh = FreshSession(t);
   LoadINI(fresh);
-  EXPECT_EQ(fresh.ui.PathToDataFiles, s.app.BaseDirectory + elsewhere.substr(base_length));
-  EXPECT_EQ(fresh.ui.PathToMSPxFiles, s.app.BaseDirectory);
+  EXPECT_EQ(fresh.ui.PathToDataFiles, elsewhere);
+  EXPECT_EQ(fresh.ui.PathToMSPxFiles, "/short/");
+  EXPECT_EQ(fresh.ui.PathToLists, s.ui.PathToLists);
 }
 
 TEST(RetryNumberTest, ZeroOrEmptyBringsTheMessageAndThree) {

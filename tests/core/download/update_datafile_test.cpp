@@ -82,6 +82,7 @@ TEST_F(UpdateDatafileTest, DropsBaseRowsAfterTheFirstCommonRowAndKeepsAnUpToDate
   EXPECT_EQ(Merge().kind, Kind::kMerged);
   EXPECT_EQ(Destination(), Expected({6, 7, 8, 9, 10}));
 
+  std::filesystem::remove(daily("$NYA.csv"));
   WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2, 3}));
   UpdateRowsFor({2, 3});
   EXPECT_EQ(Merge().kind, Kind::kMerged);

@@ -11,43 +11,53 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool IsEmptyFolder(const std::string& path) {
-  return fs::is_directory(path) && fs::is_empty(path);
-}
-
-TEST(ClearDataFilesTest, EmptiesTheDataFolderAndItsPeriodFoldersOnly) {
+TEST(ClearDataFilesTest, DeletesOnlyDatafilesOfTheDataFolderAndItsPeriodFolders) {
   TestSession t;
-  WriteFile(t.data("stray.txt"), "x");
-  WriteFile(t.data("Daily/$INDU.csv"), "x");
-  WriteFile(t.data("Monthly/$NYA.csv"), "x");
-  WriteFile(t.data("Quarterly/temp.csv"), "x");
-  WriteFile(t.data("Base/Masterfile2.csv"), "kept");
-  WriteFile(t.data("Daily/Sub/kept.csv"), "kept");  // subfolders are not walked
-  fs::remove_all(t.data("Weekly"));                 // a missing period folder is made
-  ClearDataFiles_Click(t.session);
-  for (const char* folder : {"Monthly", "Quarterly", "Weekly"}) {
-    EXPECT_TRUE(IsEmptyFolder(t.data(folder))) << folder;
-  }
-  EXPECT_FALSE(Exists(t.data("stray.txt")));
-  EXPECT_FALSE(Exists(t.data("Daily/$INDU.csv")));
+  const std::vector<std::pair<std::string, bool>> files = {
+      {"Daily/$INDU.csv", false},
+      {"Monthly/$NYA.CSV", false},
+      {"Quarterly/temp.csv", false},
+      {"NYSEDaily-CompositeStats.csv", false},  // vendor Other keeps its datafiles here
+      {"Masterfile2.csv", true},                // not a datafile
+      {"thesis.docx", true},
+      {"Daily/notes.txt", true},
+      {"Base/NYSEDaily-CompositeStats.csv", true},
+      {"Daily/Sub/kept.csv", true},  // subfolders are not walked
+  };
+  for (const auto& [name, kept] : files) WriteFile(t.data(name), "x");
+  fs::remove_all(t.data("Weekly"));  // a missing period folder is made
+  EXPECT_TRUE(ClearDataFiles_Click(t.session));
+  for (const auto& [name, kept] : files) EXPECT_EQ(Exists(t.data(name)), kept) << name;
+  EXPECT_TRUE(fs::is_empty(t.data("Weekly")));
   EXPECT_FALSE(Exists(t.data("Daily/temp.csv")));
-  EXPECT_EQ(ReadFile(t.data("Base/Masterfile2.csv")), "kept");
-  EXPECT_EQ(ReadFile(t.data("Daily/Sub/kept.csv")), "kept");
   EXPECT_TRUE(t.shell.boxes.empty());
 }
 
-TEST(ClearDataFilesTest, AMissingOrUnsetDataFolderIsLeftAlone) {
+// Folders a careless setting may name: none of their files may go, and the user is told why.
+TEST(ClearDataFilesTest, RefusesFoldersItDoesNotOwn) {
   TestSession t;
-  t.EnableLog();
-  t.session.ui.PathToDataFiles = t.base("Nowhere/");
-  ClearDataFiles_Click(t.session);
+  const std::string above = fs::path(t.base()).parent_path().parent_path().string() + "/";
+  const struct {
+    std::string folder;
+    const char* reason;
+  } cases[] = {
+      {"/", "the root of the file system"},
+      {t.base(), "the installation folder"},
+      {t.base() + "CSVFiles/../", "the installation folder"},
+      {above, "a folder above the installation folder"},
+      {t.base("Nowhere/"), "does not exist"},
+  };
+  WriteFile(t.masterfile(), "kept");
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.folder);
+    t.shell.boxes.clear();
+    t.session.ui.PathToDataFiles = c.folder;
+    EXPECT_FALSE(ClearDataFiles_Click(t.session));
+    ASSERT_EQ(t.shell.boxes.size(), 1U);
+    EXPECT_NE(t.shell.boxes[0].text.find(c.reason), std::string::npos) << t.shell.boxes[0].text;
+    EXPECT_EQ(ReadFile(t.masterfile()), "kept");
+  }
   EXPECT_FALSE(fs::exists(t.base("Nowhere")));
-  // An empty path would name the current folder; nothing there may go.
-  WriteFile(t.base("Rondex/keep.txt"), "x");
-  t.session.ui.PathToDataFiles.clear();
-  ClearDataFiles_Click(t.session);
-  EXPECT_TRUE(Exists(t.base("Rondex/keep.txt")));
-  EXPECT_NE(t.LogText().find("does not exist; nothing cleared"), std::string::npos);
 }
 
 }  // namespace
