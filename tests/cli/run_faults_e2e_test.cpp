@@ -113,15 +113,6 @@ TEST_F(RunFaultsTest, AGarbledBaseCopyIsReplacedOrLeavesTheDatafileAlone) {
   EXPECT_EQ(ValidateDatafile(data("Daily/$NYA.csv")), std::vector<std::string>{});
 }
 
-TEST_F(RunFaultsTest, AMissingDestinationFolderFailsItsDatafilesAndKeepsTheRest) {
-  std::filesystem::remove_all(data("Daily"));
-  const CliResult run = RunList(2);
-  EXPECT_EQ(run.code, 3);
-  EXPECT_TRUE(Contains(run.out, "Datafiles failed: 3")) << run.out;
-  EXPECT_TRUE(Contains(run.out, "cannot write")) << run.out;
-  EXPECT_TRUE(Exists(data("Base/NYSEDaily-CompositeStats.csv")));
-}
-
 TEST_F(RunFaultsTest, SymbolsThatCannotBeFileNamesAreSkipped) {
   std::vector<std::string> list = ReadLines(base() + "Lists/Download2.csv");
   list.insert(list.begin() + 6, {"Escape,$../../x", "Slash,$A/B"});

@@ -7,6 +7,7 @@
 #include "core/download/datafile_names.h"
 #include "core/download/refresh_masterfile.h"
 #include "core/download/retrieve.h"
+#include "core/download/run_folders.h"
 #include "core/download/run_total.h"
 #include "core/download/single_file_update.h"
 #include "core/download/system_messages.h"
@@ -64,21 +65,21 @@ void ClearPriceFileFolders(Session& session, int list) {
   }
 }
 
-// Temporary files of a run that was killed are never datafiles: sweep them before writing anew.
-void SweepTemporaryFiles(Session& session) {
-  const std::string destination_folder =
-      session.ui.VendorOther ? session.ui.PathToDataFiles
-                             : session.ui.PathToDataFiles + Folder(session.run.DataPeriod);
-  const int removed = RemoveStaleTemporaryFiles(BaseFolder(session)) +
-                      RemoveStaleTemporaryFiles(destination_folder);
+// Temporary files of a run that was killed are never datafiles: sweep them before writing anew,
+// and make again the folders a user deleted by hand.
+void PrepareFolders(Session& session, RunSummary& summary) {
+  const int removed = SweepTemporaryFiles(session);
   if (removed > 0) {
     Log(session, "DownLoadButton_Click - removed " + std::to_string(removed) +
                      " temporary file(s) left by an interrupted run");
   }
+  for (std::string& problem : MakeRunFolders(session)) {
+    Log(session, "DownLoadButton_Click - " + problem);
+    summary.period_problems.push_back(std::move(problem));
+  }
 }
 
 void RunPeriod(Session& session, int run_total, RunSummary& summary) {
-  SweepTemporaryFiles(session);
   ProgressBar& bar = session.ui.ProgressBar1;
   bar.minimum = 0;
   bar.maximum = run_total;
@@ -172,6 +173,7 @@ RunSummary DownLoadButton_Click(Session& session) {
   session.NotifyObserver();
   SelectMasterfile(session);
   const int run_total = CountRunDatafiles(session);
+  PrepareFolders(session, summary);
 
   run.DatafileCounter = 0;
   for (int period = 1; period <= 4; ++period) {

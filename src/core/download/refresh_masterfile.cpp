@@ -1,18 +1,22 @@
 #include "core/download/refresh_masterfile.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "core/app/log.h"
 #include "core/download/retrieve.h"
 #include "core/lists/check_lists.h"
 #include "core/lists/masterfile.h"
+#include "core/platform/field_reader.h"
 #include "core/platform/line_reader.h"
 
 namespace corvanet {
 
 namespace {
 
-// Every line holds exactly one comma, and there is at least one line.
+// Every line holds exactly one comma, and the field reader takes from each exactly one record of
+// two fields with a symbol: a stray quote would otherwise shift every later record, and the list
+// check would then remove symbols the service still has. There is at least one line.
 bool IsValidMasterfile(const std::string& path, std::string& problem) {
   LineReader lines;
   if (!lines.Open(path)) {
@@ -20,13 +24,29 @@ bool IsValidMasterfile(const std::string& path, std::string& problem) {
     return false;
   }
   std::string_view line;
+  std::vector<std::string> fields;
   int number = 0;
   while (lines.Next(line)) {
     ++number;
+    const std::string where = "line " + std::to_string(number);
     if (std::count(line.begin(), line.end(), ',') != 1) {
-      problem = "line " + std::to_string(number) + " does not hold exactly one comma";
+      problem = where + " does not hold exactly one comma";
       return false;
     }
+    fields.clear();
+    SplitFields(line, fields);
+    if (fields.size() != 2) {
+      problem = where + " does not read as a name and a symbol (a stray quote?)";
+      return false;
+    }
+    if (fields[1].empty()) {
+      problem = where + " has no symbol";
+      return false;
+    }
+  }
+  if (lines.failed()) {
+    problem = "cannot be read to its end";
+    return false;
   }
   if (number == 0) {
     problem = "is empty";

@@ -56,25 +56,29 @@ bool HoldsControlCharacter(std::string_view row) {
 }
 
 // Rows left out of a pass because their date does not come after the row before, or because they
-// hold control characters: counted, and logged once per pass so a hostile body of a million bad
-// rows gives one line, not a million.
+// hold control characters: counted, and logged once when the pass ends, so a hostile body of a
+// million bad rows gives one line, not a million.
 class LeftOutRows {
  public:
+  explicit LeftOutRows(Session& session) : session_(session) {}
+  LeftOutRows(const LeftOutRows&) = delete;
+  LeftOutRows& operator=(const LeftOutRows&) = delete;
+  ~LeftOutRows() {
+    if (count_ == 0) return;
+    LogPeriod(session_, "UpdateDatafile - " + session_.run.DestinationFileName + " - " +
+                            std::to_string(count_) +
+                            " row(s) out of date order or holding control characters left out, "
+                            "the first in " +
+                            first_);
+  }
   void Add(std::string_view where, int line = 0) {
     if (count_++ != 0) return;
     first_ = where;
     if (line > 0) first_ += " line " + std::to_string(line);
   }
-  void Report(Session& session) const {
-    if (count_ == 0) return;
-    LogPeriod(session, "UpdateDatafile - " + session.run.DestinationFileName + " - " +
-                           std::to_string(count_) +
-                           " row(s) out of date order or holding control characters left out, "
-                           "the first at " +
-                           first_);
-  }
 
  private:
+  Session& session_;
   int count_ = 0;
   std::string first_;
 };
@@ -110,21 +114,23 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
   }
   destination.WriteLine(line);
   const std::size_t fields = CountCommas(line);
-  LeftOutRows left_out;
+  LeftOutRows left_out(session);
 
   // Update rows that do not have the datafile's shape would spoil it: leave them out.
   std::vector<std::string_view> rows;
+  std::size_t misshapen = 0;
   for (const std::string_view row : update_rows) {
     if (HoldsControlCharacter(row)) {
       left_out.Add("the update rows of " + session.run.WebSymbol);
     } else if (CountCommas(row) == fields) {
       rows.push_back(row);
     } else {
+      ++misshapen;
       LogPeriod(session, "UpdateDatafile - update row for " + session.run.WebSymbol +
                              " does not match the datafile's columns; left out");
     }
   }
-  if (rows.empty() && !update_rows.empty()) {
+  if (misshapen > 0 && misshapen == update_rows.size()) {
     // Not one update row has the base copy's shape: the base copy is what is wrong.
     LogPeriod(session, "UpdateDatafile - " + session.run.BaseFileName +
                            " does not have the columns of the update rows");
@@ -154,7 +160,6 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
       break;
     }
   }
-  left_out.Report(session);
   if (base.failed()) {
     reason = "read error in base copy " + session.run.BaseFileName;
     result.pass = Pass::kFailed;
@@ -170,16 +175,14 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
   }
   // Rows of the match's date are not written again, older ones are skipped, and so is any update
   // row out of date order.
-  LeftOutRows out_of_order;
   for (const std::string_view row : rows) {
     if (RowDate(row) > std::string_view(last_date)) {
       destination.WriteLine(row);
       last_date.assign(RowDate(row));
     } else if (RowDate(row) > RowDate(match)) {
-      out_of_order.Add("the update rows of " + session.run.WebSymbol);
+      left_out.Add("the update rows of " + session.run.WebSymbol);
     }
   }
-  out_of_order.Report(session);
   result.pass = Pass::kMerged;
   return result;
 }

@@ -91,6 +91,8 @@ bool CheckOneList(Session& session, const std::string& lists_folder, int n, cons
   }
   std::string removed;
   const std::string prefix = "Download List " + std::to_string(n) + " - Symbol:  ";
+  int kept_count = 0;
+  int removed_count = 0;
   while (!reader.AtEnd()) {
     if (!reader.ReadRecord(first, second)) {
       Log(session, "CheckLists - the last record of " + list_path + " has no symbol; skipped");
@@ -98,8 +100,10 @@ bool CheckOneList(Session& session, const std::string& lists_folder, int n, cons
     }
     if (master.count(second) != 0) {
       WriteRecord(temp, line, first, second);
+      ++kept_count;
     } else {
       removed.append(prefix).append(ReportedForm(session, second)).append("\r");
+      ++removed_count;
     }
   }
   if (reader.failed()) {
@@ -110,6 +114,17 @@ bool CheckOneList(Session& session, const std::string& lists_folder, int n, cons
   if (!temp.Commit()) {
     Log(session, "CheckLists - could not write " + temp_path + ": " + temp.error());
     return false;
+  }
+  // A master file that drops most of a list at once is more likely wrong than the list: the list
+  // as it was is kept beside it, so the user can have it back.
+  if (removed_count > kept_count && removed_count >= 2) {
+    const std::string backup = list_path + ".bak";
+    if (!CopyFile(session, list_path, backup)) return false;
+    removed += "Download List " + std::to_string(n) + " lost " + std::to_string(removed_count) +
+               " of its " + std::to_string(removed_count + kept_count) +
+               " symbols; the list as it was is kept in " + backup + "\r";
+    Log(session,
+        "CheckLists - " + list_path + " lost most of its symbols; a copy is kept in " + backup);
   }
   // Temp.csv stays behind on purpose: the next list overwrites it.
   if (!CopyFile(session, temp_path, list_path)) return false;

@@ -37,6 +37,9 @@ void RunSingleStatFilesNow(Session& session, StatFilesSummary* summary = nullptr
 bool MakeIndividualStatFile(Session& session, std::string_view listed_symbol,
                             std::string* problem = nullptr);
 
+// The folder of one statistic's files of one period, in the folder structure the user chose.
+std::string StatisticFolder(const WindowState& ui, std::string_view period,
+                            std::string_view statistic);
 // PathToDataFiles + the two folders of the chosen structure + the name rule + ".csv".
 std::string StatisticFilePath(const Session& session, std::string_view listed_symbol,
                               std::string_view statistic);

@@ -143,6 +143,12 @@ bool SplitDatafile(Session& session, std::string_view listed_symbol,
 
 }  // namespace
 
+std::string StatisticFolder(const WindowState& ui, std::string_view period,
+                            std::string_view statistic) {
+  return ui.PathToDataFiles + (PeriodFirst(ui) ? Folder(period) + Folder(statistic)
+                                               : Folder(statistic) + Folder(period));
+}
+
 std::string StatisticFilePath(const Session& session, std::string_view listed_symbol,
                               std::string_view statistic) {
   const WindowState& ui = session.ui;
@@ -155,9 +161,7 @@ std::string StatisticFilePath(const Session& session, std::string_view listed_sy
   // composite may share a name; each statistic has its own folder, which keeps them apart.
   const auto limit = static_cast<std::size_t>(NameLengthLimit(ui.MaxFilenameLength));
   if (name.size() > limit) name.resize(limit);
-  const std::string& period = session.run.DataPeriod;
-  std::string path = ui.PathToDataFiles;
-  path += PeriodFirst(ui) ? Folder(period) + Folder(statistic) : Folder(statistic) + Folder(period);
+  std::string path = StatisticFolder(ui, session.run.DataPeriod, statistic);
   path += name;
   path += ".csv";
   return path;

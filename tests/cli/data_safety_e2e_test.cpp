@@ -1,0 +1,192 @@
+// What a user already has is never lost, whatever the service sends or the settings say: runs of
+// corvanet-cli against the demo service with hostile bodies, master files and folders.
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "cli/run_fixture.h"
+
+namespace corvanet::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+bool Contains(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+std::string Date(const std::string& row) {
+  return row.size() >= 10 ? row.substr(2, 8) : std::string();
+}
+
+// List 2 ($NYA, $INDU, $SOX, daily) after one good run with traditional price files.
+class DataSafetyTest : public RunTest {
+ protected:
+  void SetUp() override {
+    RunTest::SetUp();
+    ASSERT_EQ(RunIn({"settings", "ImplementSpecialFunctions=1", "MakeMetaStockPxFiles=1",
+                     "OHLCVV=1", "DoNotMakeMetaStockFormat=1"})
+                  .code,
+              0);
+    MakeList(2, "eSignal", "D", {"$NYA", "$INDU", "$SOX"});
+    ASSERT_EQ(RunList(2).code, 0);
+  }
+  std::string Log() const { return ReadFile(base() + "Rondex/LogFile.txt"); }
+  std::string NyaFile() const { return ServiceFile("NYSEDaily-CompositeStats.csv"); }
+};
+
+// A whole file that ends before the datafile does (a body cut short without a length, a body of
+// one stale row repeated) leaves the datafile and its price file as they were, and says why.
+TEST_F(DataSafetyTest, AFetchedFileEndingBeforeTheDatafileNeverReplacesIt) {
+  service.Advance(7);  // more than the update file holds: the whole file is needed
+  const std::vector<std::string> whole = ReadLines(NyaFile());
+  const std::vector<std::string> cut(whole.begin(), whole.begin() + 100);
+  std::vector<std::string> stale(5000, whole[100]);
+  stale.insert(stale.begin(), whole[0]);
+  const std::string datafile = ReadFile(data("Daily/$NYA.csv"));
+  const std::string price_file = ReadFile(data("PX/Daily/$NYA.csv"));
+  const std::string last = Date(ReadLines(data("Daily/$NYA.csv")).back());
+  for (const auto& body : {cut, stale}) {
+    WriteLines(NyaFile(), body);
+    const CliResult run = RunIn({"--log", "run", "2"});
+    EXPECT_EQ(run.code, 3);
+    EXPECT_TRUE(Contains(run.out, "$NYA Daily: the service's file ends on " + Date(body.back()) +
+                                      ", before the datafile's last row " + last))
+        << run.out;
+    EXPECT_EQ(ReadFile(data("Daily/$NYA.csv")), datafile);
+    EXPECT_EQ(ReadFile(data("PX/Daily/$NYA.csv")), price_file);
+    EXPECT_TRUE(Contains(run.out, "Datafiles failed: 1")) << "the others go on";
+  }
+  // 4,999 stale rows: one log line says so, not thousands.
+  EXPECT_TRUE(Contains(Log(), "4999 row(s) out of date order or holding control characters"));
+  EXPECT_LT(Log().size(), 100000U);
+
+  WriteLines(NyaFile(), whole);
+  EXPECT_EQ(RunList(2).code, 0) << "a whole file heals it";
+  EXPECT_EQ(ValidateDatafile(data("Daily/$NYA.csv")), std::vector<std::string>{});
+}
+
+// Update rows out of date order or holding a NUL are left out: a datafile's dates only go forward.
+TEST_F(DataSafetyTest, MergedDatesOnlyGoForward) {
+  service.Advance(2);
+  const std::vector<std::string> base_rows = ReadLines(data("Daily/$NYA.csv"));
+  std::vector<std::string> update = ReadLines(ServiceFile("Update-Daily.csv"));
+  std::size_t newest = 0;
+  for (std::size_t i = 0; i < update.size(); ++i) {
+    if (update[i].rfind("NYSE ", 0) == 0) newest = i;
+  }
+  update[newest].insert(update[newest].size() - 1, 1, '\0');
+  update.push_back("NYSE            " + base_rows[base_rows.size() - 3]);  // old, after the new
+  WriteLines(ServiceFile("Update-Daily.csv"), update);
+  const CliResult run = RunIn({"--log", "run", "2"});
+  EXPECT_EQ(run.code, 0) << run.out;
+  const std::vector<std::string> rows = ReadLines(data("Daily/$NYA.csv"));
+  EXPECT_EQ(rows.size(), base_rows.size() + 1) << "the row before the NUL row is merged";
+  for (std::size_t i = 2; i < rows.size(); ++i) {
+    EXPECT_LT(Date(rows[i - 1]), Date(rows[i])) << "line " << i + 1;
+    EXPECT_EQ(rows[i].find('\0'), std::string::npos) << "line " << i + 1;
+  }
+  EXPECT_TRUE(Contains(Log(), "out of date order or holding control characters left out"))
+      << run.out;
+}
+
+// A master file that the field reader would read shifted is never installed, so the list check
+// cannot empty the lists; a valid one that drops most of a list keeps a copy of it.
+TEST_F(DataSafetyTest, ABadMasterFileNeverEmptiesTheLists) {
+  const std::string list = ReadFile(base() + "Lists/Download2.csv");
+  const std::string installed = ReadFile(base() + "Masterfile2.csv");
+  std::vector<std::string> master = ReadLines(ServiceFile("Masterfile2.csv"));
+  master[0] = "\"NYSE Composite,$NYA";  // still one comma, but an unbalanced quote
+  WriteLines(ServiceFile("Masterfile2.csv"), master);
+  EXPECT_EQ(RunIn({"settings"}).code, 0);  // start-up fetches the master file
+  RunIn({"--log", "refresh-masterfile"});
+  EXPECT_EQ(ReadFile(base() + "Lists/Download2.csv"), list);
+  EXPECT_EQ(ReadFile(base() + "Masterfile2.csv"), installed);
+  EXPECT_TRUE(Contains(Log(), "does not read as a name and a symbol")) << Log();
+
+  WriteLines(ServiceFile("Masterfile2.csv"), {"Dow Jones Industrial Average,$INDU"});
+  const CliResult refreshed = RunIn({"refresh-masterfile"});
+  EXPECT_TRUE(Contains(refreshed.out,
+                       "Download List 2 lost 2 of its 3 symbols; the list as it was "
+                       "is kept in " +
+                           base() + "Lists/Download2.csv.bak"))
+      << refreshed.out;
+  EXPECT_EQ(ReadFile(base() + "Lists/Download2.csv.bak"), list);
+}
+
+// Clearing deletes datafiles only, and only in a folder the program owns.
+TEST_F(DataSafetyTest, ClearingStaysInItsFolder) {
+  WriteFile(dir / "thesis.docx", "years of work");
+  WriteFile(dir / "notes.csv", "mine");
+  for (const char* folder : {"PathToDataFiles=../", "PathToDataFiles="}) {
+    SCOPED_TRACE(folder);
+    ASSERT_EQ(RunIn({"settings", folder}).code, 0);
+    const CliResult clear = RunIn({"clear-datafiles"});
+    EXPECT_EQ(clear.code, 4);
+    EXPECT_TRUE(Contains(clear.out, "Datafiles were not cleared")) << clear.out;
+    EXPECT_EQ(ReadFile(dir / "thesis.docx"), "years of work");
+    EXPECT_EQ(ReadFile(dir / "notes.csv"), "mine");
+    EXPECT_TRUE(Exists(base() + "Masterfile2.csv"));
+  }
+  ASSERT_EQ(RunIn({"settings", "PathToDataFiles=CSVFiles/"}).code, 0);
+  WriteFile(data("Daily/readme.txt"), "mine");
+  EXPECT_EQ(RunIn({"clear-datafiles"}).code, 0);
+  EXPECT_FALSE(Exists(data("Daily/$NYA.csv")));
+  EXPECT_TRUE(Exists(data("Daily/readme.txt")));
+  EXPECT_TRUE(Exists(data("Base/NYSEDaily-CompositeStats.csv")));
+}
+
+// Temporary files a dead run left (under this very process id, as a container started afresh
+// would give) block no write and are swept from every folder the program writes to.
+TEST_F(DataSafetyTest, LeftoverTemporaryFilesBlockNothingAndAreSwept) {
+  service.Advance(1);
+  const std::string pid = std::to_string(::getpid());
+  std::vector<std::string> leftovers;
+  for (const char* file :
+       {"CSVFiles/Daily/$NYA.csv", "CSVFiles/Base/Update-Daily.csv", "CSVFiles/PX/Daily/$SOX.csv",
+        "Lists/Download2.csv", "Rondex/Rondex.ini", "Masterfile2.csv"}) {
+    for (int counter = 0; counter < 3; ++counter) {
+      leftovers.push_back(base() + file + ".tmp-" + pid + "-" + std::to_string(counter));
+      WriteFile(leftovers.back(), "half");
+    }
+  }
+  const CliResult run = RunList(2);
+  EXPECT_EQ(run.code, 0) << run.out;
+  EXPECT_TRUE(Contains(run.out, "Datafiles updated by merge: 3")) << run.out;
+  for (const std::string& leftover : leftovers) EXPECT_FALSE(Exists(leftover)) << leftover;
+}
+
+// Folders deleted by hand are made again at the start of a run.
+TEST_F(DataSafetyTest, DeletedFoldersAreMadeAgain) {
+  fs::remove_all(data("Daily"));
+  fs::remove_all(data("PX"));
+  const CliResult run = RunList(2);
+  EXPECT_EQ(run.code, 0) << run.out;
+  EXPECT_EQ(ValidateDatafile(data("Daily/$NYA.csv")), std::vector<std::string>{});
+  EXPECT_TRUE(Exists(data("PX/Daily/$NYA.csv")));
+}
+
+// Symbols reach the service percent-encoded; their files keep the listed names.
+TEST_F(DataSafetyTest, SymbolsWithBlanksAndHashesReachTheServiceAsThemselves) {
+  fs::copy_file(NyaFile(), ServiceFile("BRK BDaily-CompositeStats.csv"));
+  std::string update = ReadFile(ServiceFile("Update-Daily.csv"));
+  for (const std::string& line : ReadLines(ServiceFile("Update-Daily.csv"))) {
+    if (line.rfind("NYSE ", 0) == 0) update += "BRK B" + line.substr(5) + "\r\n";
+  }
+  WriteFile(ServiceFile("Update-Daily.csv"), update);
+  WriteFile(ServiceFile("Masterfile2.csv"),
+            ReadFile(ServiceFile("Masterfile2.csv")) + "Berkshire,BRK B\r\nHash,NYSE#\r\n");
+  std::vector<std::string> list = ReadLines(base() + "Lists/Download2.csv");
+  list.insert(list.end(), {"Berkshire,BRK B", "Hash,NYSE#"});
+  WriteLines(base() + "Lists/Download2.csv", list);
+  const CliResult run = RunList(2);
+  EXPECT_EQ(ReadFile(data("Daily/BRK B.csv")), ReadFile(data("Daily/$NYA.csv"))) << run.out;
+  EXPECT_EQ(Requests("/ovalith/data/NYSE#Daily-CompositeStats.csv"), 1) << service.log();
+  EXPECT_TRUE(Contains(run.out, "NYSE# Daily: HTTP 404")) << run.out;
+  EXPECT_FALSE(Exists(data("Daily/NYSE#.csv")));
+}
+
+}  // namespace
+}  // namespace corvanet::test
