@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QDesktopServices>
+#include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QThread>
@@ -66,10 +67,17 @@ bool OpenWithDesktop(const std::string& target) {
   return url.isValid() && QDesktopServices::openUrl(url);
 }
 
+std::string ChooseFileWithDialog(const std::string& folder, const std::string& pattern) {
+  return QFileDialog::getOpenFileName(QApplication::activeWindow(), QString(),
+                                      QString::fromStdString(folder),
+                                      QString::fromStdString(pattern))
+      .toStdString();
+}
+
 }  // namespace
 
 DesktopActions QtDesktopActions() {
-  return {&ShowMessageBox, &OpenWithDesktop};
+  return {&ShowMessageBox, &OpenWithDesktop, &ChooseFileWithDialog};
 }
 
 std::string LineBreaksFromCarriageReturns(std::string_view text) {
@@ -108,10 +116,22 @@ bool QtShell::OpenDocument(std::string_view target) {
   return OnWindowThread<bool>([&] { return actions_.open_document(text); });
 }
 
-bool QtShell::StartHidden(const std::string& batch_file, const std::string& working_folder) {
+BatchProcess QtShell::StartHidden(const std::string& batch_file, const std::string& working_folder,
+                                  const std::vector<std::string>& environment) {
   // Starting a process needs nothing of the window, so it stays on the caller's thread.
   return StartHiddenBatch(batch_file, working_folder,
-                          program_folder_.empty() ? ExecutableFolder() : program_folder_);
+                          program_folder_.empty() ? ExecutableFolder() : program_folder_,
+                          environment);
+}
+
+bool QtShell::StartProgram(const std::string& name) {
+  return corvanet::StartProgram(name);
+}
+
+std::string QtShell::ChooseFile(const std::string& folder, std::string_view pattern) {
+  const std::string filter(pattern);
+  return OnWindowThread<std::string>(
+      [&] { return actions_.choose_file ? actions_.choose_file(folder, filter) : std::string(); });
 }
 
 }  // namespace corvanet::gui

@@ -21,6 +21,8 @@ struct MessageRequest {
 struct DesktopActions {
   std::function<Answer(const MessageRequest&)> message_box;
   std::function<bool(const std::string&)> open_document;
+  // A file dialog in a folder with a name pattern; "" when cancelled.
+  std::function<std::string(const std::string&, const std::string&)> choose_file;
 };
 
 // The real desktop: QMessageBox and QDesktopServices.
@@ -36,7 +38,10 @@ class QtShell final : public QObject, public Shell {
   Answer MessageBox(std::string_view text, std::string_view title, Buttons buttons,
                     Icon icon) override;
   bool OpenDocument(std::string_view target) override;
-  bool StartHidden(const std::string& batch_file, const std::string& working_folder) override;
+  BatchProcess StartHidden(const std::string& batch_file, const std::string& working_folder,
+                           const std::vector<std::string>& environment) override;
+  bool StartProgram(const std::string& name) override;
+  std::string ChooseFile(const std::string& folder, std::string_view pattern) override;
 
  private:
   // Runs `action` on the thread this object lives on and waits for its result.

@@ -40,6 +40,10 @@ class GuiTest : public testing::Test {
                                    [this](const std::string& target) {
                                      opened.push_back(target);
                                      return true;
+                                   },
+                                   [this](const std::string& folder, const std::string&) {
+                                     return chosen_file.empty() ? std::string()
+                                                                : folder + chosen_file;
                                    }}),
         session_(shell_, http_, clock_) {
     StartupOptions options;
@@ -70,6 +74,7 @@ class GuiTest : public testing::Test {
 
   std::vector<RecordedMessage> messages;
   std::vector<std::string> opened;
+  std::string chosen_file;  // what the file dialog answers, in the folder it is shown in
   std::deque<corvanet::Answer> answers;  // consumed by questions; Ok boxes take none
 
   TempDir dir_;

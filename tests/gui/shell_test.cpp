@@ -23,13 +23,14 @@ TEST(GuiShell, CarriageReturnsBecomeLineBreaks) {
 TEST(GuiShell, WorkerThreadWaitsForTheAnswerGivenOnTheWindowThread) {
   bool asked_on_window_thread = false;
   gui::MessageRequest seen;
-  gui::QtShell shell(gui::DesktopActions{[&](const gui::MessageRequest& request) {
-                                           asked_on_window_thread =
-                                               QThread::currentThread() == qApp->thread();
-                                           seen = request;
-                                           return Answer::kCancel;
-                                         },
-                                         [](const std::string&) { return false; }});
+  gui::QtShell shell(
+      gui::DesktopActions{[&](const gui::MessageRequest& request) {
+                            asked_on_window_thread = QThread::currentThread() == qApp->thread();
+                            seen = request;
+                            return Answer::kCancel;
+                          },
+                          [](const std::string&) { return false; },
+                          [](const std::string&, const std::string&) { return std::string(); }});
   auto answer = std::async(std::launch::async, [&] {
     return shell.MessageBox("Save?\rReally", "Save Dialog", Buttons::kYesNoCancel, Icon::kQuestion);
   });

@@ -32,9 +32,17 @@ class ScriptedShell final : public Shell {
     opened.emplace_back(target);
     return true;
   }
-  bool StartHidden(const std::string& batch_file, const std::string& working_folder) override {
+  BatchProcess StartHidden(const std::string& batch_file, const std::string& working_folder,
+                           const std::vector<std::string>& /*environment*/) override {
     started.push_back(working_folder + batch_file);
-    return true;
+    return BatchProcess::Ended();
+  }
+  bool StartProgram(const std::string& name) override {
+    programs.push_back(name);
+    return known_programs;
+  }
+  std::string ChooseFile(const std::string& folder, std::string_view /*pattern*/) override {
+    return chosen_file.empty() ? std::string() : folder + chosen_file;
   }
 
   // The texts of the boxes shown so far, in order.
@@ -51,8 +59,11 @@ class ScriptedShell final : public Shell {
 
   std::vector<Box> boxes;
   std::vector<std::string> opened;
-  std::vector<std::string> started;  // working folder + batch file of each StartHidden
-  std::deque<Answer> answers;        // replies to Yes/No and Yes/No/Cancel questions
+  std::vector<std::string> started;   // working folder + batch file of each StartHidden
+  std::deque<Answer> answers;         // replies to Yes/No and Yes/No/Cancel questions
+  std::vector<std::string> programs;  // names given to StartProgram
+  bool known_programs = false;        // whether StartProgram finds them
+  std::string chosen_file;            // what ChooseFile answers, in the folder it is given
 };
 
 }  // namespace corvanet::test

@@ -8,14 +8,18 @@
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
 #include "core/platform/resources.h"
+#include "core/platform/text.h"
+#include "core/ui/outside_programs.h"
 
 namespace corvanet {
 
 namespace {
 
+// Everything but the sample datafiles, which go to the program folder.
 bool WriteResources(const std::string& lists_folder) {
   bool ok = true;
   for (const EmbeddedFile& file : EmbeddedResources()) {
+    if (StartsWith(file.relative_path, "SampleData/")) continue;
     std::string path = lists_folder;
     for (const char c : file.relative_path) path += c == '/' ? kSep : c;
     const auto slash = path.find_last_of(kSep);
@@ -43,6 +47,7 @@ bool EnsureInstallation(Session& session) {
   // The program folder is what marks an installation as made, so it comes last and goes again
   // when its settings file could not be written: the next start then tries afresh.
   ok = CreateFolders(app.ProgramDirectory) && ok;
+  ok = EnsureSampleData(session) && ok;
   ok = WriteSettingsFile(session) && ok;
   if (!ok) {
     std::error_code ec;

@@ -1,6 +1,7 @@
 #pragma once
 // One session of the program: the window state, the form-level state of start-up, the state of the
 // datafile in hand, and the services the platform provides. Handlers are free functions over it.
+#include <atomic>
 #include <cstdint>
 #include <string>
 
@@ -61,6 +62,9 @@ struct Session {
   HttpClient& http;
   Clock& clock;
   StateObserver* observer = nullptr;
+  // Set by a front end (from any thread) to stop a run cleanly: waits end and no further datafile
+  // is started. Owned by the front end; nullptr when it offers no way to stop.
+  const std::atomic<bool>* stop_requested = nullptr;
   long http_timeout_seconds = 60;
 
   bool logging() const { return ui.GenerateLogFile != 0; }

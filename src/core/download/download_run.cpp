@@ -16,6 +16,7 @@
 #include "core/lists/masterfile.h"
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
+#include "core/pricefiles/conversion.h"
 #include "core/stats/single_stat_files.h"
 #include "core/ui/tabs.h"
 
@@ -53,16 +54,22 @@ bool RunMayStart(Session& session) {
   return true;
 }
 
-// A full list empties its MetaStock period folders before price files are made anew.
-void ClearPriceFileFolders(Session& session, int list) {
-  if (session.ui.MakeMetaStockPxFiles == 0 || list < 6) return;
-  const int periods = list == 6 ? 1 : 4;
-  for (int i = 0; i < periods; ++i) {
-    const std::string folder = session.ui.PathToMSPxFiles + Folder(kPeriodNames[i]);
-    if (DirectoryExists(folder) && !DeleteFilesIn(folder)) {
-      Log(session, "DownLoadButton_Click - could not empty " + folder);
+// The converter batches of the run. A full list empties its MetaStock period folders first, so
+// securities gone from the master file go from them too; that happens only when every datafile of
+// the list was updated and so every security is converted again: after a failed run the folders
+// keep what they had, and the converter replaces each security it gets in place.
+void ConvertPriceFiles(Session& session, int list, RunSummary& summary) {
+  if (session.ui.MakeMetaStockPxFiles == 0) return;
+  if (ConvertsToMetaStock(session.ui) && list >= 6) {
+    if (summary.failures.empty() && summary.period_problems.empty()) {
+      ClearMetaStockFolders(session, list);
+    } else {
+      Log(session,
+          "DownLoadButton_Click - MetaStock folders not emptied: not every datafile of "
+          "the list was updated");
     }
   }
+  summary.conversions = RunConverterBatches(session);
 }
 
 // Temporary files of a run that was killed are never datafiles: sweep them before writing anew,
@@ -161,7 +168,6 @@ RunSummary DownLoadButton_Click(Session& session) {
   SaveDownloadList_Click(session);
   run.RunStartTimer = session.clock.Timer();
   run.RunStartTime = session.clock.Now();
-  ClearPriceFileFolders(session, list);
   const std::string started = " ... (Started at " + FormatClockAmPm(run.RunStartTime) + ")";
   const bool forced = (list == 6 && ui.AllDailyForceFull) || (list == 7 && ui.AllPeriodsForceFull);
   if (forced) {
@@ -171,6 +177,7 @@ RunSummary DownLoadButton_Click(Session& session) {
     ui.DownLoadButton.caption = "Updating " + DownLoadType(session) + started;
   }
   session.NotifyObserver();
+  if (ui.MakeMetaStockPxFiles != 0) StartConverterBatches(session);
   SelectMasterfile(session);
   const int run_total = CountRunDatafiles(session);
   PrepareFolders(session, summary);
@@ -193,7 +200,7 @@ RunSummary DownLoadButton_Click(Session& session) {
     RemoveFile(BaseFolder(session) + message_file.substr(1));
   }
   RefreshMasterfile(session);
-  // The converter batch files of the run are started here once they exist.
+  ConvertPriceFiles(session, list, summary);
 
   summary.elapsed = ElapsedText(session.clock.Timer() - run.RunStartTimer);
   ShowCompletion(session, list, summary);

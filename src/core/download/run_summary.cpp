@@ -20,6 +20,13 @@ std::vector<std::string> RunSummary::Lines() const {
       lines.push_back("  " + failure.symbol + " " + failure.period + ": " + failure.reason);
     }
   }
+  for (const ConversionOutcome& batch : conversions) {
+    std::string line = "MetaStock conversion " + batch.batch_file + ": " +
+                       std::to_string(batch.calls - batch.failed) + " of " +
+                       std::to_string(batch.calls) + " price file(s) converted";
+    if (!batch.problem.empty()) line += "; " + batch.problem;
+    lines.push_back(std::move(line));
+  }
   for (const std::string& problem : period_problems) lines.push_back("Problem: " + problem);
   if (!elapsed.empty()) lines.push_back("Elapsed time: " + elapsed);
   return lines;

@@ -1,5 +1,6 @@
 #pragma once
 // What a download run did, datafile by datafile: printed by the command line, logged by the run.
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,14 @@ struct DatafileFailure {
   std::string symbol;  // as listed
   std::string period;  // "Daily" ...
   std::string reason;  // "HTTP 404 for NYSEDaily-CompositeStats.csv", ...
+};
+
+// One converter batch run at the end of a run.
+struct ConversionOutcome {
+  std::string batch_file;  // "MakePxFiles.bat"
+  int calls = 0;           // price files handed to the converter
+  int failed = 0;          // of those, the ones the converter's log reports as failed
+  std::string problem;     // why the batch did not finish, or ""
 };
 
 struct RunSummary {
@@ -21,10 +30,14 @@ struct RunSummary {
   std::vector<std::string> period_problems;
   // Datafiles whose single-statistic files could not be made after the periods.
   std::vector<DatafileFailure> statistic_failures;
+  std::vector<ConversionOutcome> conversions;
   std::string elapsed;  // the elapsed-time text of the run
 
   bool has_failures() const {
-    return !failures.empty() || !period_problems.empty() || !statistic_failures.empty();
+    return !failures.empty() || !period_problems.empty() || !statistic_failures.empty() ||
+           std::any_of(conversions.begin(), conversions.end(), [](const ConversionOutcome& c) {
+             return c.failed > 0 || !c.problem.empty();
+           });
   }
   // Lines for the user: counts, then one line per failed datafile.
   std::vector<std::string> Lines() const;

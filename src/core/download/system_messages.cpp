@@ -7,6 +7,7 @@
 #include "core/platform/line_reader.h"
 #include "core/platform/paths.h"
 #include "core/platform/text.h"
+#include "core/ui/outside_programs.h"
 
 namespace corvanet {
 
@@ -17,11 +18,6 @@ void ReplaceAll(std::string& text, std::string_view from, std::string_view to) {
        pos = text.find(from, pos + to.size())) {
     text.replace(pos, from.size(), to);
   }
-}
-
-void GoToURL(Session& session, const std::string& address) {
-  LogEntry(session, "GoToURL");
-  session.shell.OpenDocument(address);  // a failure to open is ignored
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "core/platform/headless_shell.h"
 
+#include <filesystem>
+
 #include "core/platform/process.h"
 
 namespace corvanet {
@@ -19,9 +21,27 @@ bool HeadlessShell::OpenDocument(std::string_view target) {
   return true;
 }
 
-bool HeadlessShell::StartHidden(const std::string& batch_file, const std::string& working_folder) {
+BatchProcess HeadlessShell::StartHidden(const std::string& batch_file,
+                                        const std::string& working_folder,
+                                        const std::vector<std::string>& environment) {
   return StartHiddenBatch(batch_file, working_folder,
-                          program_folder_.empty() ? ExecutableFolder() : program_folder_);
+                          program_folder_.empty() ? ExecutableFolder() : program_folder_,
+                          environment);
+}
+
+bool HeadlessShell::StartProgram(const std::string& name) {
+  return corvanet::StartProgram(name);
+}
+
+std::string HeadlessShell::ChooseFile(const std::string& folder, std::string_view pattern) {
+  out_ << "Files (" << pattern << ") in " << folder << ":\n";
+  std::error_code ec;
+  const std::string_view ending = pattern.substr(pattern.find('*') + 1);
+  for (const auto& entry : std::filesystem::directory_iterator(folder, ec)) {
+    const std::string name = entry.path().filename().string();
+    if (name.size() >= ending.size() && name.ends_with(ending)) out_ << "  " << name << "\n";
+  }
+  return {};
 }
 
 }  // namespace corvanet

@@ -15,7 +15,11 @@ class HeadlessShell final : public Shell {
   Answer MessageBox(std::string_view text, std::string_view title, Buttons buttons,
                     Icon icon) override;
   bool OpenDocument(std::string_view target) override;
-  bool StartHidden(const std::string& batch_file, const std::string& working_folder) override;
+  BatchProcess StartHidden(const std::string& batch_file, const std::string& working_folder,
+                           const std::vector<std::string>& environment) override;
+  bool StartProgram(const std::string& name) override;
+  // No dialog here: the files there are listed and none is chosen.
+  std::string ChooseFile(const std::string& folder, std::string_view pattern) override;
 
  private:
   std::ostream& out_;

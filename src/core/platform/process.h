@@ -1,14 +1,44 @@
 #pragma once
+// Starting other programs: the converter batch files, and programs found on the PATH.
 #include <string>
+#include <vector>
 
 namespace corvanet {
 
+// A batch file started with no window. The process is kept as a child so that a wait on the batch's
+// flag file can tell when the batch has ended without setting it.
+class BatchProcess {
+ public:
+  BatchProcess() = default;
+  explicit BatchProcess(long id) : id_(id) {}
+  bool started() const { return id_ > 0 || ended_; }
+  // False once the process has ended (it is then reaped), or when none was started.
+  bool Running();
+  // Marks a batch that a test shell only pretended to start as already ended.
+  static BatchProcess Ended() {
+    BatchProcess batch;
+    batch.ended_ = true;
+    return batch;
+  }
+
+ private:
+  long id_ = 0;
+  bool ended_ = false;
+};
+
 // Starts a batch file with no window and without waiting for it. On POSIX it runs under `sh` in
-// `working_folder` (its CR LF line ends accepted), with a `Call` function defined (so
-// "Call Complete.exe" works) and `program_folder` first on PATH, where the converter helpers are
-// found. `batch_file` is relative to `working_folder` or absolute.
-bool StartHiddenBatch(const std::string& batch_file, const std::string& working_folder,
-                      const std::string& program_folder);
+// `working_folder`: each line (CR LF or LF) is split into words and run as a command, with no
+// expansion of `$` or wildcards, since the lines hold paths such as ".../$NYA.csv"; `Call` is a
+// function that runs its arguments (so "Call Complete.exe" works); `program_folder` comes first on
+// PATH, where the converter helpers are found; `environment` ("NAME=value") is added to the
+// child's. Its output goes nowhere. `batch_file` is relative to `working_folder` or absolute.
+BatchProcess StartHiddenBatch(const std::string& batch_file, const std::string& working_folder,
+                              const std::string& program_folder,
+                              const std::vector<std::string>& environment = {});
+
+// Starts a program found on the PATH by its name, detached, with no arguments. False when no such
+// program exists or it could not be started.
+bool StartProgram(const std::string& name);
 
 // The folder of the running executable, with a trailing separator; empty when unknown.
 std::string ExecutableFolder();

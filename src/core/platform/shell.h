@@ -3,6 +3,9 @@
 // address, and starting a process with no window. The window and the command line each provide one.
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "core/platform/process.h"
 
 namespace corvanet {
 
@@ -21,8 +24,15 @@ class Shell {
                             Icon icon) = 0;
   // Opens a document or web address with the system's associated program; false on failure.
   virtual bool OpenDocument(std::string_view target) = 0;
-  // Starts a batch file in `working_folder` with no window and does not wait for it.
-  virtual bool StartHidden(const std::string& batch_file, const std::string& working_folder) = 0;
+  // Starts a batch file in `working_folder` with no window and does not wait for it;
+  // `environment` ("NAME=value") is added to the batch's.
+  virtual BatchProcess StartHidden(const std::string& batch_file, const std::string& working_folder,
+                                   const std::vector<std::string>& environment) = 0;
+  // Starts a program found by its name, detached; false when there is no such program.
+  virtual bool StartProgram(const std::string& name) = 0;
+  // Lets the user choose one file of `folder` whose name matches `pattern` ("*.csv"); the chosen
+  // path, or "" when the user cancelled or no file could be offered.
+  virtual std::string ChooseFile(const std::string& folder, std::string_view pattern) = 0;
 
   // A message with an OK button and the default title.
   void Notify(std::string_view text) { MessageBox(text, kDefaultTitle, Buttons::kOk, Icon::kNone); }

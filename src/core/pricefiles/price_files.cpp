@@ -3,6 +3,7 @@
 #include "core/app/log.h"
 #include "core/download/datafile_names.h"
 #include "core/platform/paths.h"
+#include "core/pricefiles/conversion.h"
 #include "core/stats/composite_row.h"
 #include "core/stats/value_text.h"
 
@@ -193,11 +194,14 @@ bool WritePriceFiles(Session& session, DatafileError& error) {
       return Fail(error, kErrorFileAccess, open.file.target() + ": " + open.file.error());
     }
   }
-  // ---- Converter calls ----------------------------------------------------------------------
-  // The MetaStock conversion appends here, for each kind written above and in the same order, one
-  // call of the converter on the file just committed, unless DoNotMakeMetaStockFormat is ticked.
-  // It comes after the commits so a batch file never names a price file that was not written.
-  // ---------------------------------------------------------------------------------------------
+  // After the commits, so a batch file never names a price file that was not written.
+  if (ConvertsToMetaStock(ui)) {
+    for (std::size_t k = 0; k < kKinds.size(); ++k) {
+      if (ui.*kKinds[k].ticked == 0) continue;
+      AppendConverterCall(session, ui.PathToLists + std::string(ConverterKinds()[k].batch_file),
+                          kinds[k].file.target(), ConverterOutputFolder(session, k));
+    }
+  }
   return true;
 }
 

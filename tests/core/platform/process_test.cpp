@@ -11,25 +11,47 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A helper program in its own folder that leaves a mark in the folder it runs in.
+// A helper program in its own folder that writes its arguments, one a line, and the variable the
+// batch runner adds to Complete.txt in the folder it runs in.
 std::string HelperFolder(const TempDir& dir) {
-  WriteFile(dir / "bin/Complete.exe", "#!/bin/sh\necho \"$1\" >> Complete.txt\n");
+  WriteFile(dir / "bin/Complete.exe",
+            "#!/bin/sh\nfor a in \"$@\"; do echo \"$a\"; done >> Complete.txt\n"
+            "echo \"$CORVANET_MARK\" >> Complete.txt\n");
   fs::permissions(dir / "bin/Complete.exe", fs::perms::owner_all);
   return dir / "bin/";
 }
 
-TEST(StartHiddenBatchTest, RunsCrLfBatchLinesNamedRelativeOrAbsolute) {
+void WaitUntilEnded(BatchProcess& batch) {
+  ASSERT_TRUE(WaitFor([&] { return !batch.Running(); }));
+}
+
+TEST(StartHiddenBatchTest, RunsEachCrLfLineAsItsWordsWithoutExpandingThem) {
   TempDir dir;
   const std::string program_folder = HelperFolder(dir);
-  WriteFile(dir / "work/Make.bat", "Call Complete.exe first\r\nCall Complete.exe second\r\n");
-  ASSERT_TRUE(StartHiddenBatch("Make.bat", dir / "work", program_folder));
-  ASSERT_TRUE(WaitFor([&] { return ReadLines(dir / "work/Complete.txt").size() == 2; }));
-  EXPECT_EQ(ReadLines(dir / "work/Complete.txt"), (std::vector<std::string>{"first", "second"}));
+  WriteFile(dir / "work/Make.bat",
+            "Call Complete.exe $NYA.csv *\r\n\r\nComplete.exe 'q' second\r\nCall Complete.exe");
+  BatchProcess batch =
+      StartHiddenBatch("Make.bat", dir / "work", program_folder, {"CORVANET_MARK=m"});
+  ASSERT_TRUE(batch.started());
+  WaitUntilEnded(batch);
+  EXPECT_EQ(ReadLines(dir / "work/Complete.txt"),
+            (std::vector<std::string>{"$NYA.csv", "*", "m", "'q'", "second", "m", "m"}));
 
   WriteFile(dir / "other/Make.bat", "Call Complete.exe third\r\n");
-  ASSERT_TRUE(StartHiddenBatch(dir / "other/Make.bat", dir / "work", program_folder));
-  ASSERT_TRUE(WaitFor([&] { return ReadLines(dir / "work/Complete.txt").size() == 3; }));
-  EXPECT_EQ(ReadLines(dir / "work/Complete.txt").back(), "third");
+  batch = StartHiddenBatch(dir / "other/Make.bat", dir / "work", program_folder);
+  WaitUntilEnded(batch);
+  EXPECT_EQ(ReadLines(dir / "work/Complete.txt").at(7), "third");
+}
+
+TEST(StartHiddenBatchTest, ABatchWhoseProgramIsMissingEndsAndIsSeenToEnd) {
+  TempDir dir;
+  WriteFile(dir / "work/Make.bat", "Call NoSuchProgram.exe\r\n");
+  BatchProcess batch = StartHiddenBatch("Make.bat", dir / "work", dir / "bin/");
+  ASSERT_TRUE(batch.started());
+  WaitUntilEnded(batch);
+  EXPECT_FALSE(batch.Running());
+  EXPECT_FALSE(StartProgram("NoSuchProgram.exe"));
+  EXPECT_FALSE(StartProgram("../bin/sh"));
 }
 
 }  // namespace
