@@ -73,6 +73,10 @@ struct Session {
   }
 };
 
+inline bool StopRequested(const Session& session) {
+  return session.stop_requested != nullptr && session.stop_requested->load();
+}
+
 // Lets the window repaint. Runs happen off the window's thread, so this only hands the state to the
 // observer and never sleeps.
 inline void Pause(Session& session, double /*seconds*/) {

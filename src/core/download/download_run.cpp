@@ -1,5 +1,6 @@
 #include "core/download/download_run.h"
 
+#include <algorithm>
 #include <string>
 
 #include "core/app/log.h"
@@ -187,24 +188,30 @@ RunSummary DownLoadButton_Click(Session& session) {
     DetermineInterval(session, period);
     if (run.DataPeriod.empty()) continue;
     RunPeriod(session, run_total, summary);
+    if (summary.stopped) break;
   }
 
-  if (ui.AutoCreateOneStatFiles != 0) {
-    StatFilesSummary statistics;
-    MakeSingleStatFiles(session, &statistics);
-    summary.statistic_failures = std::move(statistics.failures);
+  if (summary.stopped) {
+    // Stopped between datafiles: what was written stays, and nothing more is started.
+    summary.not_tried = std::max(0, run_total - run.DatafileCounter);
+  } else {
+    if (ui.AutoCreateOneStatFiles != 0) {
+      StatFilesSummary statistics;
+      MakeSingleStatFiles(session, &statistics);
+      summary.statistic_failures = std::move(statistics.failures);
+    }
+    const std::string message_file = GetSystemMessageFileName(session);
+    if (!RetrieveDataFile(session, message_file, message_file).ok()) {
+      // A failed fetch keeps the old copy, and an old message must not be shown again as new.
+      RemoveFile(BaseFolder(session) + message_file.substr(1));
+    }
+    RefreshMasterfile(session);
+    ConvertPriceFiles(session, list, summary);
   }
-  const std::string message_file = GetSystemMessageFileName(session);
-  if (!RetrieveDataFile(session, message_file, message_file).ok()) {
-    // A failed fetch keeps the old copy, and an old message must not be shown again as new.
-    RemoveFile(BaseFolder(session) + message_file.substr(1));
-  }
-  RefreshMasterfile(session);
-  ConvertPriceFiles(session, list, summary);
 
   summary.elapsed = ElapsedText(session.clock.Timer() - run.RunStartTimer);
   ShowCompletion(session, list, summary);
-  RetrieveSystemMessages(session, summary.elapsed);
+  if (!summary.stopped) RetrieveSystemMessages(session, summary.elapsed);
   for (const std::string& line : summary.Lines()) Log(session, "Run summary - " + line);
   Log(session, "DownLoadButton_Click - Complete!");
   ui.ForceFullDownload = 0;

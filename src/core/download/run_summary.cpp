@@ -20,6 +20,10 @@ std::vector<std::string> RunSummary::Lines() const {
       lines.push_back("  " + failure.symbol + " " + failure.period + ": " + failure.reason);
     }
   }
+  if (stopped) {
+    lines.push_back("Run stopped at the user's request: " + std::to_string(not_tried) +
+                    " datafile(s) not tried");
+  }
   for (const ConversionOutcome& batch : conversions) {
     std::string line = "MetaStock conversion " + batch.batch_file + ": " +
                        std::to_string(batch.calls - batch.failed) + " of " +

@@ -31,10 +31,14 @@ struct RunSummary {
   // Datafiles whose single-statistic files could not be made after the periods.
   std::vector<DatafileFailure> statistic_failures;
   std::vector<ConversionOutcome> conversions;
+  // Stopped at the user's request between datafiles; so many of the run's total were not tried.
+  bool stopped = false;
+  int not_tried = 0;
   std::string elapsed;  // the elapsed-time text of the run
 
   bool has_failures() const {
-    return !failures.empty() || !period_problems.empty() || !statistic_failures.empty() ||
+    return stopped || !failures.empty() || !period_problems.empty() ||
+           !statistic_failures.empty() ||
            std::any_of(conversions.begin(), conversions.end(), [](const ConversionOutcome& c) {
              return c.failed > 0 || !c.problem.empty();
            });

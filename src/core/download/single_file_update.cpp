@@ -59,6 +59,10 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
   std::string name;
   std::string symbol;
   while (!list.AtEnd()) {
+    if (StopRequested(session)) {
+      summary.stopped = true;
+      break;
+    }
     SetProgress(session, run.DatafileCounter + 1);
     Pause(session, 0.0025);
     if (!list.ReadRecord(name, symbol)) {

@@ -160,7 +160,7 @@ bool WaitForConversion(Session& session, BatchProcess& batch, std::string& probl
       problem = "the batch ended without its completion mark (is Complete.exe missing?)";
       break;
     }
-    if (session.stop_requested != nullptr && session.stop_requested->load()) {
+    if (StopRequested(session)) {
       problem = "the wait was cancelled";
       break;
     }
