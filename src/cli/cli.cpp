@@ -89,6 +89,7 @@ int RunCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
       options.base_directory.empty() ? DefaultBaseDirectory() : options.base_directory;
   startup.start_directory = environment.start_directory;
   startup.change_directory = environment.change_directory;
+  startup.may_run_unattended = options.command.empty();
   if (!Form_Load(session, startup)) {
     err << "corvanet-cli: start-up failed: could not create the installation in "
         << session.app.ProgramDirectory << '\n';

@@ -14,19 +14,19 @@ std::string LogFilePath(const Session& session) {
   return folder + "LogFile.txt";
 }
 
-void WriteLogAlways(Session& session, std::string_view message, std::string_view detail) {
+void WriteLogAlways(Session& session, std::string_view message) {
   std::string line = FormatTimeOfDay(session.clock.Now());
   line += " - ";
-  line += detail;
+  line += session.app.LogDetail;
   line += " - ";
   // A symbol or a file name from outside must not be able to forge log lines.
   for (const char c : message) line += static_cast<unsigned char>(c) < 0x20 ? '?' : c;
   AppendLine(LogFilePath(session), line, FileAccess::kOwnerOnly);
 }
 
-void WriteLog(Session& session, std::string_view message, std::string_view detail) {
+void WriteLog(Session& session, std::string_view message) {
   if (!session.logging()) return;
-  WriteLogAlways(session, message, detail);
+  WriteLogAlways(session, message);
 }
 
 void WriteSettingsReport(Session& session) {

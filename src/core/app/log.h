@@ -7,19 +7,20 @@
 
 namespace corvanet {
 
-// Appends one line when logging is on. The file is opened and closed per line, so a crash loses
-// nothing already logged. Created readable by its owner only: the report holds the password.
-void WriteLog(Session& session, std::string_view message, std::string_view detail);
+// Appends one line when logging is on: time, " - ", LogDetail, " - ", message. The file is opened
+// and closed per line, so a crash loses nothing already logged. Created readable by its owner
+// only: the report holds the password.
+void WriteLog(Session& session, std::string_view message);
 // The same whatever the box says, for the few lines that are always written.
-void WriteLogAlways(Session& session, std::string_view message, std::string_view detail);
+void WriteLogAlways(Session& session, std::string_view message);
 
 // The entry line every procedure writes: its own name, when logging is on.
 inline void LogEntry(Session& session, std::string_view procedure) {
-  if (session.logging()) WriteLog(session, procedure, session.app.LogDetail);
+  WriteLog(session, procedure);
 }
-// A line with the usual detail, when logging is on.
+// A line at a notable event or in an error trap, when logging is on.
 inline void Log(Session& session, std::string_view message) {
-  if (session.logging()) WriteLog(session, message, session.app.LogDetail);
+  WriteLog(session, message);
 }
 
 // Starts LogFile.txt afresh with the 16-line report of the main settings.

@@ -1,5 +1,7 @@
 #include "core/app/startup.h"
 
+#include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 
@@ -46,12 +48,21 @@ std::string DefaultBaseDirectory() {
 #endif
 }
 
+int WholeNumberRead(std::string_view text) {
+  double value = 0;
+  if (!ParseNumber(text, value)) return 0;
+  // A number read into a whole-number variable is rounded half to even, as the classic read
+  // does: 3.6 gives 4 and 2.5 gives 2. Beyond the 16-bit range the read fails: no list.
+  const double rounded = std::nearbyint(value);
+  if (rounded < INT16_MIN || rounded > INT16_MAX) return 0;
+  return static_cast<int>(rounded);
+}
+
 int ReadAndResetRunListNum(const std::string& path) {
   if (!FileExists(path)) return 0;
-  int number = 0;
   FieldReader reader(path);
   std::string field;
-  if (reader.ReadField(field) && !ParseInteger(field, number)) number = 0;
+  int number = reader.ReadField(field) ? WholeNumberRead(field) : 0;
   // "0 or less" is an interactive start; holding it as 0 keeps the closing question for it too.
   if (number < 0) number = 0;
   reader.Close();
@@ -67,7 +78,11 @@ bool Form_Load(Session& session, const StartupOptions& options) {
       options.start_directory.empty() ? "" : WithTrailingSeparator(options.start_directory);
   app.BaseDirectory = AbsoluteFolder(options.base_directory);
   app.ProgramDirectory.clear();  // the report below must go to the start folder
-  app.RunListNum = ReadAndResetRunListNum(app.StartDirectory + "RunListNum.txt");
+  // Only a start that can carry out the unattended run takes the number: any other would lose a
+  // scheduled run without a word.
+  app.RunListNum = options.may_run_unattended
+                       ? ReadAndResetRunListNum(app.StartDirectory + "RunListNum.txt")
+                       : 0;
   ui.PathToDataFiles = app.BaseDirectory + Folder("CSVFiles");
   // Written before ProgramDirectory is known, so it goes to the start directory and shows the
   // design state; kept in this order on purpose.

@@ -12,6 +12,9 @@ struct StartupOptions {
   std::string base_directory;    // the installation root, ending with a separator
   std::string start_directory;   // where RunListNum.txt is read; "" = the current directory
   bool change_directory = true;  // make ProgramDirectory the current directory (the real programs)
+  // Whether this start can carry out an unattended run; only then is RunListNum.txt read and
+  // reset. A command-line start given a command of its own leaves the file for the next start.
+  bool may_run_unattended = true;
 };
 
 // The installation root where no --base-dir is given: env CORVANET_BASE_DIR, else $HOME/Tessaly/
@@ -19,9 +22,11 @@ struct StartupOptions {
 std::string DefaultBaseDirectory();
 
 // Reads the list number of an unattended start and resets the file to "0" at once, so a number
-// starts exactly one run. A missing file is an interactive start (0); a text that is not a whole
-// number counts as 0 too.
+// starts exactly one run. A missing file is an interactive start (0); a text that is not a number
+// counts as 0 too; a fraction is rounded as a whole-number read rounds it (3.6 gives 4).
 int ReadAndResetRunListNum(const std::string& path);
+// The whole-number read of a text: rounded half to even; 0 for no number or one beyond 16 bits.
+int WholeNumberRead(std::string_view text);
 
 // Puts the window into its first state, loads the settings and the master file, and leaves the
 // choice between waiting for the user and an unattended run to the caller (RunListNum).

@@ -8,7 +8,7 @@ namespace corvanet {
 
 void DetermineInterval(Session& session, int period_number) {
   // Written on entry, so the line carries the period set by the previous call.
-  WriteLog(session, "DetermineInterval", session.run.DataPeriod);
+  WriteLog(session, "DetermineInterval");
   const WindowState& ui = session.ui;
   const int boxes[] = {ui.DailyInterval, ui.WeeklyInterval, ui.MonthlyInterval,
                        ui.QuarterlyInterval};
@@ -18,7 +18,7 @@ void DetermineInterval(Session& session, int period_number) {
 }
 
 bool SetDatafileNames(Session& session) {
-  WriteLog(session, "SetDatafileNames", session.run.DataPeriod);
+  WriteLog(session, "SetDatafileNames");
   RunState& run = session.run;
   run.RemoteFileName = run.WebSymbol + run.DataPeriod + "-CompositeStats.csv";
   run.RemoteUpdateFileName = run.WebSymbol + run.DataPeriod + "-Update.csv";
@@ -35,8 +35,7 @@ bool SetDatafileNames(Session& session) {
   if (IsSafeFileNamePart(run.WebSymbol) && IsSafeFileNamePart(run.DestinationFileName)) return true;
   WriteLog(
       session,
-      "SetDatafileNames - symbol " + run.DownloadSymbol + " cannot be used in a file name; skipped",
-      run.DataPeriod);
+      "SetDatafileNames - symbol " + run.DownloadSymbol + " cannot be used in a file name; skipped");
   return false;
 }
 

@@ -154,8 +154,8 @@ void ShowCompletion(Session& session, int list, const RunSummary& summary) {
 
 RunSummary DownLoadButton_Click(Session& session) {
   if (session.logging()) {
-    WriteLog(session, "", session.app.LogDetail);
-    WriteLog(session, "DownLoadButton_Click", session.app.LogDetail);
+    WriteLog(session, "");
+    WriteLog(session, "DownLoadButton_Click");
   }
   RunSummary summary;
   if (!RunMayStart(session)) return summary;
@@ -191,6 +191,7 @@ RunSummary DownLoadButton_Click(Session& session) {
     if (summary.stopped) break;
   }
 
+  bool message_fetched = false;
   if (summary.stopped) {
     // Stopped between datafiles: what was written stays, and nothing more is started.
     summary.not_tried = std::max(0, run_total - run.DatafileCounter);
@@ -200,18 +201,16 @@ RunSummary DownLoadButton_Click(Session& session) {
       MakeSingleStatFiles(session, &statistics);
       summary.statistic_failures = std::move(statistics.failures);
     }
+    // A failed fetch keeps the old copy on disk, but an old message is not shown again as new.
     const std::string message_file = GetSystemMessageFileName(session);
-    if (!RetrieveDataFile(session, message_file, message_file).ok()) {
-      // A failed fetch keeps the old copy, and an old message must not be shown again as new.
-      RemoveFile(BaseFolder(session) + message_file.substr(1));
-    }
+    message_fetched = RetrieveDataFile(session, message_file, message_file).ok();
     RefreshMasterfile(session);
     ConvertPriceFiles(session, list, summary);
   }
 
   summary.elapsed = ElapsedText(session.clock.Timer() - run.RunStartTimer);
   ShowCompletion(session, list, summary);
-  if (!summary.stopped) RetrieveSystemMessages(session, summary.elapsed);
+  if (!summary.stopped) RetrieveSystemMessages(session, summary.elapsed, message_fetched);
   for (const std::string& line : summary.Lines()) Log(session, "Run summary - " + line);
   Log(session, "DownLoadButton_Click - Complete!");
   ui.ForceFullDownload = 0;

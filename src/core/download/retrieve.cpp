@@ -13,7 +13,7 @@ std::string BaseFolder(const Session& session) {
 FetchResult RetrieveDataFile(Session& session, std::string_view remote_path,
                              std::string_view local_name) {
   // The fetch steps of a run log the period in hand as their lines' middle field.
-  WriteLog(session, "RetrieveDataFile", session.run.DataPeriod);
+  WriteLog(session, "RetrieveDataFile");
   if (session.run.GetFileCount < INT16_MAX) ++session.run.GetFileCount;
   FetchRequest request{ServiceUrl(session.app.DataSetURL, remote_path), session.ui.UserName,
                        session.ui.Password, session.http_timeout_seconds};
@@ -24,18 +24,15 @@ FetchResult RetrieveDataFile(Session& session, std::string_view remote_path,
   if (!result.ok()) {
     WriteLog(session,
              "RetrieveDataFile - " + std::string(remote_path) + " - " + result.Describe() +
-                 " - nothing saved",
-             session.run.DataPeriod);
+                 " - nothing saved");
   }
   return result;
 }
 
 bool CopyFile(Session& session, const std::string& source, const std::string& destination) {
-  WriteLog(session, "CopyFile - FileToCopy:  " + source + " CopyToDestination:  " + destination,
-           session.run.DataPeriod);
+  WriteLog(session, "CopyFile - FileToCopy:  " + source + " CopyToDestination:  " + destination);
   if (CopyFileReplacing(source, destination)) return true;
-  WriteLog(session, "CopyFile - could not copy " + source + " to " + destination,
-           session.run.DataPeriod);
+  WriteLog(session, "CopyFile - could not copy " + source + " to " + destination);
   return false;
 }
 

@@ -14,6 +14,7 @@ std::vector<std::string> RunSummary::Lines() const {
   for (const DatafileFailure& failure : failures) {
     lines.push_back("  " + failure.symbol + " " + failure.period + ": " + failure.reason);
   }
+  for (const std::string& note : notes) lines.push_back("Note: " + note);
   if (!statistic_failures.empty()) {
     lines.push_back("Statistic files failed: " + std::to_string(statistic_failures.size()));
     for (const DatafileFailure& failure : statistic_failures) {

@@ -28,6 +28,9 @@ struct RunSummary {
   // Fetches of a whole period that failed (its update file): the period's datafiles were merged
   // from the update file of an earlier run, so they may lack the newest rows.
   std::vector<std::string> period_problems;
+  // What a user should know of datafiles that were written all the same ("$X Daily: the update
+  // file does not cover it"); no failure.
+  std::vector<std::string> notes;
   // Datafiles whose single-statistic files could not be made after the periods.
   std::vector<DatafileFailure> statistic_failures;
   std::vector<ConversionOutcome> conversions;

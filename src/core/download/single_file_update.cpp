@@ -9,6 +9,7 @@
 #include "core/download/symbols.h"
 #include "core/download/update_datafile.h"
 #include "core/lists/download_lists.h"
+#include "core/platform/files.h"
 #include "core/platform/text.h"
 #include "core/pricefiles/price_files.h"
 
@@ -21,8 +22,10 @@ void SetProgress(Session& session, int value) {
   bar.value = std::clamp(value, bar.minimum, bar.maximum);
 }
 
-// Brings the datafile named by the run state up to date.
-DatafileOutcome UpdateOne(Session& session, const UpdateFileIndex& update_rows) {
+// Brings the datafile named by the run state up to date. A forced full download that fails is
+// `problem`: the merge still follows on the kept base copy, so the datafile does not fall behind.
+DatafileOutcome UpdateOne(Session& session, const UpdateFileIndex& update_rows,
+                          std::string& problem) {
   DatafileOutcome outcome;
   if (!update_rows.loaded()) {
     outcome.reason = "no update file Update-" + session.run.DataPeriod + ".csv";
@@ -32,12 +35,18 @@ DatafileOutcome UpdateOne(Session& session, const UpdateFileIndex& update_rows) 
   if (session.ui.ForceFullDownload != 0) {
     const FetchResult fetched =
         RetrieveDataFile(session, session.run.RemoteFileName, session.run.BaseFileName);
+    fetched_whole = fetched.ok();
     if (!fetched.ok()) {
-      outcome.reason =
-          "full download failed: " + fetched.Describe() + " for " + session.run.RemoteFileName;
-      return outcome;
+      problem = "the full download failed: " + fetched.Describe() + " for " +
+                session.run.RemoteFileName;
+      const auto kept = FileSize(BaseFolder(session) + session.run.BaseFileName);
+      if (!kept || *kept == 0) {
+        outcome.reason = problem;
+        problem.clear();
+        return outcome;
+      }
+      problem += "; merged on the kept base copy";
     }
-    fetched_whole = true;
   } else {
     const std::int16_t before = session.run.GetFileCount;
     if (!CheckForDataFile(session, outcome.reason)) return outcome;
@@ -72,7 +81,7 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
     if (quarterly && IsSkippedInQuarterly(symbol)) continue;
     run.DownloadName = name;
     run.DownloadSymbol = symbol;
-    if (session.logging()) WriteLog(session, "Downloading " + symbol + " - " + name, "");
+    if (session.logging()) WriteLog(session, "Downloading " + symbol + " - " + name);
     run.GetFileCount = 0;
     if (run.DatafileCounter < INT16_MAX) ++run.DatafileCounter;
     WebSymbolCorrection(session, symbol);
@@ -91,7 +100,14 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
         tail;
     session.NotifyObserver();
     ++record_counter;
-    const DatafileOutcome outcome = UpdateOne(session, update_rows);
+    std::string problem;
+    const DatafileOutcome outcome = UpdateOne(session, update_rows, problem);
+    const std::string which = symbol + " " + run.DataPeriod + ": ";
+    if (!problem.empty() && outcome.ok()) {
+      Log(session, "SingleFileUpdate - " + which + problem);
+      summary.period_problems.push_back(which + problem);
+    }
+    if (!outcome.note.empty()) summary.notes.push_back(which + outcome.note);
     switch (outcome.kind) {
       case DatafileOutcome::Kind::kMerged:
         ++summary.merged;

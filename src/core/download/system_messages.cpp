@@ -48,10 +48,11 @@ SystemMessage ReadSystemMessage(const std::string& path) {
   return message;
 }
 
-void RetrieveSystemMessages(Session& session, std::string_view elapsed) {
+void RetrieveSystemMessages(Session& session, std::string_view elapsed, bool fetched) {
   Log(session, "Retrieve system messages");
   SystemMessage message;
-  if (session.ui.SystemMessagesYes) {
+  if (!fetched) Log(session, "Retrieve system messages - not fetched this run; nothing shown");
+  if (session.ui.SystemMessagesYes && fetched) {
     // The name's leading separator stands for the Base folder's own.
     message = ReadSystemMessage(BaseFolder(session) + GetSystemMessageFileName(session).substr(1));
     if (message.kind.empty() && message.address.empty()) {

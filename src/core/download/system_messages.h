@@ -18,7 +18,9 @@ struct SystemMessage {
 std::string GetSystemMessageFileName(Session& session);
 // Reads a message file; a missing or short file gives what it holds (an empty kind when none).
 SystemMessage ReadSystemMessage(const std::string& path);
-// Shows the messages as the two option pairs ask, at the end of a run.
-void RetrieveSystemMessages(Session& session, std::string_view elapsed);
+// Shows the messages as the two option pairs ask, at the end of a run. When this run could not
+// fetch the message file (`fetched` false) the copy on disk is an old message: nothing of it is
+// shown, and it stays on disk.
+void RetrieveSystemMessages(Session& session, std::string_view elapsed, bool fetched = true);
 
 }  // namespace corvanet

@@ -16,11 +16,6 @@ namespace {
 
 constexpr int kFetchGuard = 5;
 
-// Lines of this step carry the period as their detail.
-void LogPeriod(Session& session, std::string_view text) {
-  WriteLog(session, text, session.run.DataPeriod);
-}
-
 // The commas that separate fields: a quoted text field may hold commas of its own (a header name,
 // say), and those must not make a row look garbled.
 std::size_t CountCommas(std::string_view text) {
@@ -45,6 +40,7 @@ enum class Pass {
 struct PassResult {
   Pass pass = Pass::kFailed;
   std::string last_date;  // of the last row written; empty when only the header was
+  bool header_only = false;
 };
 
 // A row the datafile must not take: one holding a NUL or another control character (a tab aside).
@@ -65,7 +61,7 @@ class LeftOutRows {
   LeftOutRows& operator=(const LeftOutRows&) = delete;
   ~LeftOutRows() {
     if (count_ == 0) return;
-    LogPeriod(session_, "UpdateDatafile - " + session_.run.DestinationFileName + " - " +
+    Log(session_, "UpdateDatafile - " + session_.run.DestinationFileName + " - " +
                             std::to_string(count_) +
                             " row(s) out of date order or holding control characters left out, "
                             "the first in " +
@@ -89,7 +85,8 @@ class LeftOutRows {
 // not committed. A garbled base copy is treated like one without overlap (a fresh copy is fetched),
 // but what was written from it is never kept.
 PassResult MergeOnce(Session& session, const std::vector<std::string_view>& update_rows,
-                     LineReader& base, AtomicFileWriter& destination, std::string& reason) {
+                     std::size_t service_row_commas, LineReader& base,
+                     AtomicFileWriter& destination, std::string& reason) {
   PassResult result;
   const std::string base_path = BaseFolder(session) + session.run.BaseFileName;
   // Closed on every way out: a fetch may replace the base copy right after this pass.
@@ -109,10 +106,11 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
   result.pass = Pass::kGarbled;
   std::string_view line;
   if (!base.Next(line)) {
-    LogPeriod(session, "UpdateDatafile - base copy " + session.run.BaseFileName + " is empty");
+    Log(session, "UpdateDatafile - base copy " + session.run.BaseFileName + " is empty");
     return result;
   }
   destination.WriteLine(line);
+  const std::string header(line);
   const std::size_t fields = CountCommas(line);
   LeftOutRows left_out(session);
 
@@ -126,13 +124,13 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
       rows.push_back(row);
     } else {
       ++misshapen;
-      LogPeriod(session, "UpdateDatafile - update row for " + session.run.WebSymbol +
+      Log(session, "UpdateDatafile - update row for " + session.run.WebSymbol +
                              " does not match the datafile's columns; left out");
     }
   }
   if (misshapen > 0 && misshapen == update_rows.size()) {
     // Not one update row has the base copy's shape: the base copy is what is wrong.
-    LogPeriod(session, "UpdateDatafile - " + session.run.BaseFileName +
+    Log(session, "UpdateDatafile - " + session.run.BaseFileName +
                            " does not have the columns of the update rows");
     return result;
   }
@@ -145,7 +143,7 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
     line = Trim(line);
     if (line.empty()) continue;
     if (CountCommas(line) != fields || !HasRowDate(line)) {
-      LogPeriod(session, "UpdateDatafile - " + session.run.BaseFileName + " line " +
+      Log(session, "UpdateDatafile - " + session.run.BaseFileName + " line " +
                              std::to_string(number) + " is garbled");
       return result;
     }
@@ -166,7 +164,14 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
     return result;
   }
   if (number == 1) {
-    LogPeriod(session, "UpdateDatafile - base copy " + session.run.BaseFileName + " has no rows");
+    // A composite the service lists but has no bars for yet: its file is a header of the service's
+    // row shape alone, and so is its datafile. Any other one-line body (an error page) is not.
+    if (fields == service_row_commas && !HoldsControlCharacter(header)) {
+      result.pass = Pass::kNoOverlap;
+      result.header_only = true;
+      return result;
+    }
+    Log(session, "UpdateDatafile - base copy " + session.run.BaseFileName + " has no rows");
     return result;
   }
   if (match.empty() || session.run.GetFileCount >= kFetchGuard) {
@@ -208,7 +213,7 @@ MergeFiles& ReusedMergeFiles() {
 }  // namespace
 
 bool CheckForDataFile(Session& session, std::string& reason) {
-  LogPeriod(session, "CheckForDataFile");
+  Log(session, "CheckForDataFile");
   const auto size = FileSize(BaseFolder(session) + session.run.BaseFileName);
   if (size && *size >= 1) return true;
   const FetchResult fetched =
@@ -221,10 +226,10 @@ bool CheckForDataFile(Session& session, std::string& reason) {
 DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_rows,
                                bool fetched_whole) {
   RunState& run = session.run;
-  LogPeriod(session, "UpdateDatafile");
+  Log(session, "UpdateDatafile");
   DatafileOutcome outcome;
   if (run.GetFileCount >= kFetchGuard) {
-    LogPeriod(session, "GetFileCount = " + std::to_string(run.GetFileCount) +
+    Log(session, "GetFileCount = " + std::to_string(run.GetFileCount) +
                            " in UpdateDatafile - Exiting Sub");
     outcome.reason = "too many fetches for one datafile";
     return outcome;
@@ -240,7 +245,7 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
       outcome.reason = "the service's file ends on " +
                        (written.last_date.empty() ? std::string("no row") : written.last_date) +
                        ", before the datafile's last row " + kept_last_date;
-      LogPeriod(session, "UpdateDatafile - " + run.DestinationFileName +
+      Log(session, "UpdateDatafile - " + run.DestinationFileName +
                              " kept as it was: " + outcome.reason);
       return false;
     }
@@ -255,10 +260,11 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
     const std::vector<std::string_view> rows = update_rows.RowsFor(run.WebSymbol);
     if (update_rows.EndsOnOtherSymbol(run.WebSymbol)) {
       // The rescan this replaces ended on another symbol's line; support reads this line so.
-      LogPeriod(session, "DownloadSymbol - " + update_rows.last_symbol() + " WebSymbol - " +
+      Log(session, "DownloadSymbol - " + update_rows.last_symbol() + " WebSymbol - " +
                              run.WebSymbol + " Error Number:  0 - ");
     }
-    const PassResult written = MergeOnce(session, rows, files.base, destination, outcome.reason);
+    const PassResult written = MergeOnce(session, rows, update_rows.row_commas(), files.base,
+                                         destination, outcome.reason);
     if (written.pass == Pass::kFailed) {
       destination.Discard();  // the reused writer must not keep a temporary file until the next one
       return outcome;
@@ -269,24 +275,35 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
           fetched_whole ? DatafileOutcome::Kind::kFetchedWhole : DatafileOutcome::Kind::kMerged;
       return outcome;
     }
-    LogPeriod(session, "UpdateDatafile - " + tag + " - Can't update - getting full file");
+    Log(session, "UpdateDatafile - " + tag + " - Can't update - getting full file");
     // The destination keeps its old content until a merge on a fresh copy succeeds; only a second
     // clean pass without overlap is kept, since it holds the service's whole fresh file.
+    bool kept_whole_file = false;
     if (attempts == 0 || written.pass == Pass::kGarbled) {
       destination.Discard();
     } else if (!commit(written)) {
       return outcome;
+    } else {
+      kept_whole_file = true;
     }
     const FetchResult fetched = RetrieveDataFile(session, run.RemoteFileName, run.BaseFileName);
-    if (!fetched.ok()) {
+    if (!fetched.ok() && !kept_whole_file) {
       outcome.reason = fetched.Describe() + " for " + run.RemoteFileName;
       return outcome;
     }
     fetched_whole = true;
     if (++attempts >= 2) {
-      LogPeriod(session, "UpdateDatafile - " + tag +
-                             " - Could not update after downloading a fresh base file");
-      outcome.reason = "no overlap with the update rows, even in a fresh base file";
+      Log(session,
+          "UpdateDatafile - " + tag + " - Could not update after downloading a fresh base file");
+      if (!kept_whole_file) {
+        outcome.reason = "no overlap with the update rows, even in a fresh base file";
+        return outcome;
+      }
+      // The service's whole file is the datafile: it is complete, only newer than any update row
+      // or not in the update file at all.
+      outcome.kind = DatafileOutcome::Kind::kFetchedWhole;
+      outcome.note = written.header_only ? "the service has no rows for it yet"
+                                         : "the update file does not cover it";
       return outcome;
     }
   }

@@ -12,6 +12,7 @@ struct DatafileOutcome {
   enum class Kind { kMerged, kFetchedWhole, kFailed };
   Kind kind = Kind::kFailed;
   std::string reason;  // why it failed, for the run summary
+  std::string note;    // what a user should know of a datafile that was written all the same
   bool ok() const { return kind != Kind::kFailed; }
 };
 

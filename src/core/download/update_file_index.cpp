@@ -28,6 +28,7 @@ bool UpdateFileIndex::Load(const std::string& path) {
   rows_by_symbol_.clear();
   last_symbol_.clear();
   garbled_lines_ = first_garbled_line_ = 0;
+  row_commas_ = std::string_view::npos;
   loaded_ = false;
   LineReader lines;
   if (!lines.Open(path)) return false;
@@ -43,6 +44,7 @@ bool UpdateFileIndex::Load(const std::string& path) {
       if (!Trim(line).empty() && garbled_lines_++ == 0) first_garbled_line_ = number;
       continue;
     }
+    if (row_commas_ == std::string_view::npos) row_commas_ = CountChar(row, ',');
     rows_by_symbol_[std::string(symbol)].push_back({number, std::string(row)});
   }
   loaded_ = !lines.failed();

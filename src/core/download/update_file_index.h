@@ -26,6 +26,8 @@ class UpdateFileIndex {
   bool EndsOnOtherSymbol(std::string_view web_symbol) const;
   const std::string& last_symbol() const { return last_symbol_; }
   int garbled_lines() const { return garbled_lines_; }
+  // The commas of the file's first row: the shape of the service's rows (npos with no row).
+  std::size_t row_commas() const { return row_commas_; }
   int first_garbled_line() const { return first_garbled_line_; }
 
  private:
@@ -37,6 +39,7 @@ class UpdateFileIndex {
   std::string last_symbol_;
   int garbled_lines_ = 0;
   int first_garbled_line_ = 0;
+  std::size_t row_commas_ = std::string_view::npos;
   bool loaded_ = false;
 };
 

@@ -79,7 +79,7 @@ void AppendWrittenText(std::string& out, std::string_view text) {
 // converted and written by the rule. False (file.error() says why) when it is no number.
 bool AppendField(std::string& out, CompositeFile& file, CompositeRow& row, int column) {
   const std::string_view text = file.FieldText(column);
-  if (IsNumberRuleText(text)) {
+  if (CopiesAsWritten(text, column)) {
     AppendWrittenText(out, text);
     return true;
   }
@@ -160,7 +160,7 @@ bool WritePriceFiles(Session& session, DatafileError& error) {
       out = head;
       for (std::size_t j = 0; j < 6; ++j) {
         const int column = open.columns[j];
-        if (column != 0 && IsNumberRuleText(datafile.FieldText(column))) {
+        if (column != 0 && CopiesAsWritten(datafile.FieldText(column), column)) {
           AppendWrittenText(out, datafile.FieldText(column));
           continue;
         }
@@ -228,7 +228,7 @@ void WritePriceLine(std::string& out, std::string_view text) {
 }
 
 void CreateMetaStockPxFiles(Session& session) {
-  if (session.logging()) WriteLog(session, "CreateMetaStockPxFiles", session.run.DataPeriod);
+  if (session.logging()) WriteLog(session, "CreateMetaStockPxFiles");
   if (session.ui.MakeMetaStockPxFiles == 0) {
     Log(session, "Exiting CreateMetaStockPxFiles");
     return;

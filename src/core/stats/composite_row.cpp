@@ -209,6 +209,11 @@ StatisticValue ColumnValue(const CompositeRow& row, int column) {
   return value;
 }
 
+bool IsIntegerColumn(int column) {
+  return column >= 1 && column <= kCompositeColumnCount &&
+         kColumns[column - 1].type == ColumnType::kInteger;
+}
+
 const std::int32_t* IntegerField(const CompositeRow& row, int column) {
   if (column < 1 || column > kCompositeColumnCount) return nullptr;
   const ColumnDef& def = kColumns[column - 1];

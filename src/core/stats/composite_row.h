@@ -72,6 +72,8 @@ struct StatisticValue {
 // 1-based column of a catalogue name (exact, case-sensitive); 0 for an unknown name. Column 3, the
 // date as text, has no catalogue name.
 int FindColumn(std::string_view name);
+// Whether a column (1-68) holds a 32-bit whole number (the date and the counts).
+bool IsIntegerColumn(int column);
 std::string_view ColumnName(int column);
 // The value of a column (1-68) of the row; the empty value for 0 or a column out of range.
 StatisticValue ColumnValue(const CompositeRow& row, int column);

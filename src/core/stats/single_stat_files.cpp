@@ -116,7 +116,7 @@ void MakeSingleStatFiles(Session& session, StatFilesSummary* summary) {
     for (int period = 1; period <= 4; ++period) {
       DetermineInterval(session, period);
       if (run.DataPeriod.empty()) continue;
-      if (session.logging()) WriteLog(session, "MakeSingleStatFiles", run.DataPeriod);
+      if (session.logging()) WriteLog(session, "MakeSingleStatFiles");
       FieldReader list;
       if (!OpenDownloadList(session, list)) {
         Log(session, "MakeSingleStatFiles - the download list could not be opened");

@@ -120,7 +120,7 @@ bool SplitDatafile(Session& session, std::string_view listed_symbol,
       // A field already in the written form is copied as it stands.
       const int column = selected[k]->column;
       std::string_view value_text = datafile.FieldText(column);
-      if (!IsNumberRuleText(value_text)) {
+      if (!CopiesAsWritten(value_text, column)) {
         if (!ReadCompositeColumn(datafile, row, column)) {
           error = datafile.error();
           return false;

@@ -1,5 +1,7 @@
 #include "core/stats/value_text.h"
 
+#include "core/stats/composite_row.h"
+
 #include <charconv>
 #include <cstdint>
 
@@ -84,6 +86,14 @@ bool IsNumberRuleText(std::string_view text) {
   if (whole.size() + fraction.size() > 15) return false;
   // Below 1E-4 the rule takes the exponent form.
   return !whole.empty() || fraction.find_first_not_of('0') <= 3;
+}
+
+bool CopiesAsWritten(std::string_view text, int column) {
+  if (!IsNumberRuleText(text)) return false;
+  if (!IsIntegerColumn(column)) return true;
+  // Nine digits always fit 32 bits; longer ones are left to the conversion's range check.
+  const std::size_t digits = text.size() - (text.front() == '-' ? 1 : 0);
+  return text.find('.') == std::string_view::npos && digits <= 9;
 }
 
 void AppendValue(std::string& out, double value, bool trimmed) {

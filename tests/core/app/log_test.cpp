@@ -51,7 +51,7 @@ TEST(WriteLogTest, NothingIsAddedWhileTheBoxIsUnticked) {
   WriteSettingsReport(s);
   const std::string report = t.LogText();
   LogEntry(s, "LoadINI");
-  WriteLog(s, "direct call", s.app.LogDetail);
+  WriteLog(s, "direct call");
   LoadINI(s);
   SaveToINI_Click(s);
   EXPECT_EQ(t.LogText(), report);

@@ -59,8 +59,9 @@ TEST(RunListNumTest, ReadOnceAndResetToZero) {
   const struct {
     const char* content;
     int number;
-  } cases[] = {{"3\r\n", 3},   {"9", 9},       {"0\r\n", 0}, {"-2\n", 0},
-               {" 7 \r\n", 7}, {"abc\r\n", 0}, {"", 0},      {"\x01\xff", 0}};
+  } cases[] = {{"3\r\n", 3}, {"9", 9},   {"0\r\n", 0},    {"-2\n", 0}, {" 7 \r\n", 7},
+               {"abc\r\n", 0}, {"", 0},   {"\x01\xff", 0}, {"3.6", 4},   {"2.5", 2},
+               {"6.5", 6},     {"1E0", 1}, {"99999", 0}};
   for (const auto& c : cases) {
     WriteFile(path, c.content);
     EXPECT_EQ(ReadAndResetRunListNum(path), c.number) << c.content;

@@ -112,7 +112,7 @@ TEST_F(UpdateDatafileTest, OneRowBehindFetchesAFreshBaseOnceAndMergesIt) {
             std::string::npos);
 }
 
-TEST_F(UpdateDatafileTest, TheStepsOfADatafileLogThePeriodAsTheirDetail) {
+TEST_F(UpdateDatafileTest, EveryLogLineCarriesLogDetailInItsMiddleField) {
   WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2, 3}));
   UpdateRowsFor({5, 6});
   service.SetFile(kRemote, Datafile({1, 2, 3, 4, 5}));
@@ -120,22 +120,46 @@ TEST_F(UpdateDatafileTest, TheStepsOfADatafileLogThePeriodAsTheirDetail) {
   session.ui.GenerateLogFile = 1;
   SetDatafileNames(session);
   EXPECT_EQ(Merge().kind, Kind::kFetchedWhole);
-  const std::string log = ReadFile(session.app.ProgramDirectory + "LogFile.txt");
+  const std::vector<std::string> lines = ReadLines(session.app.ProgramDirectory + "LogFile.txt");
+  std::string log;
+  for (const std::string& line : lines) log += line + "\n";
   for (const char* step : {"SetDatafileNames", "UpdateDatafile", "RetrieveDataFile",
                            "UpdateDatafile - $NYA.csv$NYA - Can't update - getting full file"}) {
-    EXPECT_NE(log.find(std::string(" - Daily - ") + step + "\r\n"), std::string::npos) << step;
+    EXPECT_NE(log.find(std::string(" - Not Set - ") + step + "\n"), std::string::npos) << step;
   }
-  EXPECT_EQ(log.find("Not Set"), std::string::npos) << log;
+  for (const std::string& line : lines) {
+    EXPECT_EQ(line.substr(8, 13), " - Not Set - ") << line;
+  }
 }
 
-TEST_F(UpdateDatafileTest, ASecondFreshBaseWithoutOverlapIsKeptAndReportedAsFailure) {
-  WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2}));
-  UpdateRowsFor({8, 9});
-  service.SetFile(kRemote, Datafile({1, 2, 3, 4}));
-  const DatafileOutcome outcome = Merge();
-  EXPECT_EQ(outcome.kind, Kind::kFailed);
-  EXPECT_EQ(service.requests(kRemote), 2);
-  EXPECT_EQ(Destination(), Expected({1, 2, 3, 4}));
+// The service's whole file is the datafile when the update file does not cover it, and so is a
+// header alone for a composite that has no bars yet; an error page is never a datafile.
+TEST_F(UpdateDatafileTest, AFreshWholeFileWithoutOverlapIsTheDatafile) {
+  const struct {
+    std::string served;
+    Kind kind;
+    const char* note;
+    std::vector<std::string> destination;
+  } cases[] = {
+      {Datafile({1, 2, 3, 4}), Kind::kFetchedWhole, "the update file does not cover it",
+       Expected({1, 2, 3, 4})},
+      {Header() + "\r\n", Kind::kFetchedWhole, "the service has no rows for it yet",
+       {Header()}},
+      {"<html><body>Service Unavailable</body></html>\r\n", Kind::kFailed, "", {}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.note);
+    std::filesystem::remove(daily("$NYA.csv"));
+    WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2}));
+    UpdateRowsFor({8, 9});
+    service.SetFile(kRemote, c.served);
+    const int requests = service.requests(kRemote);
+    const DatafileOutcome outcome = Merge();
+    EXPECT_EQ(outcome.kind, c.kind);
+    EXPECT_EQ(outcome.note, c.note);
+    EXPECT_EQ(service.requests(kRemote) - requests, 2);
+    EXPECT_EQ(Destination(), c.destination);
+  }
 }
 
 TEST_F(UpdateDatafileTest, AFailedFallbackFetchLeavesDestinationAndBaseAsTheyStood) {
