@@ -83,8 +83,22 @@ TEST_F(RunFaultsTest, WrongCredentialsFailEveryDatafileAndWriteNothing) {
   service.Advance(1);
   const CliResult run = RunList(2);
   EXPECT_EQ(run.code, 3);
-  EXPECT_TRUE(Contains(run.out, "Problem: Update-Daily.csv: HTTP 401")) << run.out;
-  EXPECT_EQ(Snapshot("Daily"), before_) << "merged from the old update file: nothing new";
+  EXPECT_TRUE(Contains(run.out, "Datafiles updated by merge: 0\n")) << run.out;
+  EXPECT_TRUE(Contains(run.out, "Datafiles not updated: 3\n")) << run.out;
+  EXPECT_TRUE(Contains(run.out,
+                       "Problem: Daily: Update-Daily.csv could not be fetched: HTTP 401 "
+                       "(the data service refused the user name and password); 3 "
+                       "datafile(s) not updated"))
+      << run.out;
+  EXPECT_EQ(Snapshot("Daily"), before_);
+
+  // A service that cannot be reached says so.
+  service.Stop();
+  ASSERT_EQ(RunIn({"settings", "Password=" + service.password()}).code, 0);
+  const CliResult unreachable = RunList(2);
+  EXPECT_EQ(unreachable.code, 3);
+  EXPECT_TRUE(Contains(unreachable.out, "could not connect (the data service cannot be reached"))
+      << unreachable.out;
 }
 
 TEST_F(RunFaultsTest, GarbledUpdateLinesAreLeftOutAndTheRestMerges) {

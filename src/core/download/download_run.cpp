@@ -11,6 +11,7 @@
 #include "core/download/run_folders.h"
 #include "core/download/run_total.h"
 #include "core/download/single_file_update.h"
+#include "core/download/symbols.h"
 #include "core/download/system_messages.h"
 #include "core/download/update_file_index.h"
 #include "core/lists/download_lists.h"
@@ -87,6 +88,18 @@ void PrepareFolders(Session& session, RunSummary& summary) {
   }
 }
 
+// The datafiles a period's walk of the list would take.
+int CountPeriodDatafiles(const Session& session, FieldReader& list) {
+  const bool quarterly = session.run.DataPeriod == "Quarterly";
+  int count = 0;
+  std::string name;
+  std::string symbol;
+  while (!list.AtEnd() && list.ReadRecord(name, symbol)) {
+    if (!(quarterly && IsSkippedInQuarterly(symbol))) ++count;
+  }
+  return count;
+}
+
 void RunPeriod(Session& session, int run_total, RunSummary& summary) {
   ProgressBar& bar = session.ui.ProgressBar1;
   bar.minimum = 0;
@@ -101,17 +114,32 @@ void RunPeriod(Session& session, int run_total, RunSummary& summary) {
   }
   const std::string update_name = "Update-" + session.run.DataPeriod + ".csv";
   const FetchResult fetched = RetrieveDataFile(session, update_name, update_name);
-  if (!fetched.ok()) {
-    summary.period_problems.push_back(update_name + ": " + fetched.Describe() +
-                                      " (datafiles merged from the previous update file)");
-  }
   UpdateFileIndex update_rows;
-  update_rows.Load(BaseFolder(session) + update_name);
-  if (update_rows.garbled_lines() > 0) {
-    Log(session, "DownLoadButton_Click - " + update_name + " holds " +
-                     std::to_string(update_rows.garbled_lines()) +
-                     " garbled line(s), the first at line " +
-                     std::to_string(update_rows.first_garbled_line()) + "; left out");
+  std::string cause;
+  if (!fetched.ok()) {
+    // Merging the previous update file again would add nothing new, and every other fetch of the
+    // period would meet the same refusal: the period's datafiles are not updated, and the cause is
+    // named once instead of blamed on each of them.
+    cause = update_name + " could not be fetched: " + fetched.Describe();
+  } else {
+    update_rows.Load(BaseFolder(session) + update_name);
+    if (update_rows.garbled_lines() > 0) {
+      Log(session, "DownLoadButton_Click - " + update_name + " holds " +
+                       std::to_string(update_rows.garbled_lines()) +
+                       " garbled line(s), the first at line " +
+                       std::to_string(update_rows.first_garbled_line()) + "; left out");
+    }
+    if (update_rows.row_commas() == std::string::npos) {
+      cause = update_name + " holds no update rows (an error page, or no file at all?)";
+    }
+  }
+  if (!cause.empty()) {
+    const int skipped = CountPeriodDatafiles(session, list);
+    summary.not_updated += skipped;
+    summary.period_problems.push_back(session.run.DataPeriod + ": " + cause + "; " +
+                                      std::to_string(skipped) + " datafile(s) not updated");
+    Log(session, "DownLoadButton_Click - " + summary.period_problems.back());
+    return;
   }
   int records = 0;
   SingleFileUpdate(session, list, run_total, records, update_rows, summary);

@@ -11,6 +11,7 @@ std::vector<std::string> RunSummary::Lines() const {
   lines.push_back("Datafiles updated by merge: " + std::to_string(merged));
   lines.push_back("Datafiles fetched whole: " + std::to_string(fetched_whole));
   lines.push_back("Datafiles failed: " + std::to_string(failures.size()));
+  if (not_updated > 0) lines.push_back("Datafiles not updated: " + std::to_string(not_updated));
   for (const DatafileFailure& failure : failures) {
     lines.push_back("  " + failure.symbol + " " + failure.period + ": " + failure.reason);
   }

@@ -25,6 +25,9 @@ struct RunSummary {
   int merged = 0;         // datafiles brought up to date from the update file
   int fetched_whole = 0;  // datafiles written from a freshly fetched whole file
   std::vector<DatafileFailure> failures;
+  // Datafiles of periods whose update file could not be had: left as they were (the cause is
+  // among the period problems).
+  int not_updated = 0;
   // Fetches of a whole period that failed (its update file): the period's datafiles were merged
   // from the update file of an earlier run, so they may lack the newest rows.
   std::vector<std::string> period_problems;
@@ -40,7 +43,7 @@ struct RunSummary {
   std::string elapsed;  // the elapsed-time text of the run
 
   bool has_failures() const {
-    return stopped || !failures.empty() || !period_problems.empty() ||
+    return stopped || !failures.empty() || not_updated > 0 || !period_problems.empty() ||
            !statistic_failures.empty() ||
            std::any_of(conversions.begin(), conversions.end(), [](const ConversionOutcome& c) {
              return c.failed > 0 || !c.problem.empty();

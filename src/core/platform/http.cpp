@@ -51,10 +51,15 @@ std::string FetchResult::Describe() const {
     case FetchStatus::kOk:
       return "OK";
     case FetchStatus::kCouldNotConnect:
-      return "could not connect";
+      return "could not connect (the data service cannot be reached; check its address and the "
+             "network)";
     case FetchStatus::kTimedOut:
-      return "timed out";
+      return "timed out (the data service did not answer in time)";
     case FetchStatus::kHttpError:
+      if (http_status == 401 || http_status == 403) {
+        return "HTTP " + std::to_string(http_status) +
+               " (the data service refused the user name and password)";
+      }
       return "HTTP " + std::to_string(http_status);
     case FetchStatus::kTruncated:
       return "body cut short";

@@ -136,13 +136,34 @@ TEST_F(DownloadRunTest, ChecksBeforeARunStopItBeforeAnyFetch) {
   EXPECT_EQ(service.total_requests(), requests);
 }
 
-TEST_F(DownloadRunTest, AFailedUpdateFileFetchIsReported) {
-  UseList(3, "eSignal", "D", {"NYSE Composite,$NYA"});
-  service.SetStatus("/ovalith/data/Update-Daily.csv", 404);
-  const RunSummary summary = DownLoadButton_Click(session);
-  EXPECT_TRUE(summary.has_failures());
-  ASSERT_FALSE(summary.failures.empty()) << "no update file has ever been fetched";
-  EXPECT_NE(summary.period_problems.at(0).find("Update-Daily.csv: HTTP 404"), std::string::npos);
+// An update file that cannot be had, or that is no update file, is named as the cause once, and
+// the period's datafiles count as not updated instead of each being blamed.
+TEST_F(DownloadRunTest, AnUpdateFileThatCannotBeHadIsTheNamedCause) {
+  UseList(3, "eSignal", "D,W", {"NYSE Composite,$NYA", "Dow,$INDU"});
+  const struct {
+    int status;
+    const char* body;
+    const char* cause;
+  } cases[] = {
+      {401, "", "could not be fetched: HTTP 401 (the data service refused the user name"},
+      {404, "", "could not be fetched: HTTP 404"},
+      {200, "<html><body>Maintenance</body></html>", "holds no update rows"},
+      {200, "\r\r\r\r", "holds no update rows"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.cause);
+    service.SetFile("/ovalith/data/Update-Daily.csv", c.body);
+    if (c.status != 200) service.SetStatus("/ovalith/data/Update-Daily.csv", c.status);
+    const RunSummary summary = DownLoadButton_Click(session);
+    EXPECT_TRUE(summary.has_failures());
+    EXPECT_EQ(summary.not_updated, 2);
+    ASSERT_EQ(summary.period_problems.size(), 1U);
+    EXPECT_NE(summary.period_problems[0].find("Daily: Update-Daily.csv " + std::string(c.cause)),
+              std::string::npos)
+        << summary.period_problems[0];
+    EXPECT_NE(summary.period_problems[0].find("; 2 datafile(s) not updated"), std::string::npos);
+    EXPECT_EQ(service.requests("/ovalith/data/NYSEDaily-CompositeStats.csv"), 0);
+  }
 }
 
 }  // namespace
