@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # The main job, end to end on this machine: a demo data service on a free loopback port, an
-# installation pointed at it, an unattended run of "All Periods", one new bar, and a second run
-# that merges it.
+# installation pointed at it, an unattended run of "All Periods" with price files converted to
+# MetaStock format, one new bar, and a second run that merges it.
 set -euo pipefail
 build=${1:-build}
 bin="$(cd "$build/bin" && pwd)"
@@ -30,6 +30,9 @@ echo "== Demo service listening on 127.0.0.1:$port"
 cli=("$bin/corvanet-cli" --base-dir "$install")
 cd "$demo"   # RunListNum.txt and the first report live in the start folder
 "${cli[@]}" settings "UserName=$user" "Password=$password" "IPAddress=127.0.0.1:$port" >/dev/null
+# Traditional and equal-weight price files, converted to MetaStock format after each run.
+"${cli[@]}" settings ImplementSpecialFunctions=1 MakeMetaStockPxFiles=1 OHLCVV=1 EqWtOHLCVV=1 \
+  >/dev/null
 "${cli[@]}" list 7 vendor eSignal periods D,W,M,Q >/dev/null
 
 echo "== First run: every datafile fetched whole"
@@ -43,6 +46,9 @@ echo "== Second run after one new bar: merged from the update files"
 
 echo
 echo "Datafiles:      ${install}CSVFiles/ (Daily, Weekly, Monthly, Quarterly; Base holds the fetched copies)"
+echo "Price files:    ${install}CSVFiles/PX/ and ${install}CSVFiles/PxEqWt/"
+echo "MetaStock:      ${install}MetaStock/ (Daily ... Quarterly; EqWtPriceFiles/ for equal weight)"
+echo "Converter log:  ${install}Rondex/MSXlog.txt"
 echo "Settings:       ${install}Rondex/Rondex.ini"
 echo "Download lists: ${install}Lists/"
 echo "Service log:    $demo/service.log"

@@ -120,7 +120,7 @@ BatchProcess QtShell::StartHidden(const std::string& batch_file, const std::stri
                                   const std::vector<std::string>& environment) {
   // Starting a process needs nothing of the window, so it stays on the caller's thread.
   return StartHiddenBatch(batch_file, working_folder,
-                          program_folder_.empty() ? ExecutableFolder() : program_folder_,
+                          program_folder_.empty() ? HelperFolder() : program_folder_,
                           environment);
 }
 

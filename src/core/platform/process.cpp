@@ -170,4 +170,11 @@ std::string ExecutableFolder() {
 
 #endif
 
+std::string HelperFolder() {
+  if (const char* folder = std::getenv("CORVANET_HELPER_DIR"); folder != nullptr && *folder != '\0') {
+    return WithTrailingSeparator(folder);
+  }
+  return ExecutableFolder();
+}
+
 }  // namespace corvanet

@@ -32,6 +32,7 @@ const std::array<ConverterKind, 5> kConverterKinds = {{
 constexpr std::string_view kConverterCall = "PxFiles -f ";
 constexpr std::string_view kCompletionCall = "Call Complete.exe";
 constexpr auto kPollInterval = std::chrono::milliseconds(250);
+constexpr std::size_t kStampLength = 20;  // "2026-11-23 08:30:00 " before each converter log line
 
 std::string FlagFile(const Session& session) {
   return session.ui.PathToLists + "Complete.txt";
@@ -59,8 +60,8 @@ int CountConverterCalls(const std::string& batch_path) {
   return calls;
 }
 
-// The converter appends one line per call to MSXlog.txt in the program folder; the lines it wrote
-// after `offset` that report a failure.
+// The converter appends one line per call to MSXlog.txt in the program folder, a failure as the
+// date and time, then "Error: "; the lines it wrote after `offset` that report one.
 int CountConverterFailures(const std::string& log_path, std::uintmax_t offset) {
   const std::optional<std::string> log = ReadWholeFile(log_path);
   if (!log || log->size() <= offset) return 0;
@@ -68,7 +69,8 @@ int CountConverterFailures(const std::string& log_path, std::uintmax_t offset) {
   const std::string_view added = std::string_view(*log).substr(offset);
   for (std::size_t pos = 0; pos < added.size();) {
     const std::size_t end = std::min(added.find('\n', pos), added.size());
-    failures += added.substr(pos, end - pos).find(" - ERROR") != std::string_view::npos ? 1 : 0;
+    const std::string_view line = added.substr(pos, end - pos);
+    failures += line.find(" Error: ") == kStampLength - 1 ? 1 : 0;
     pos = end + 1;
   }
   return failures;
