@@ -135,6 +135,23 @@ TEST_F(PxFilesConversion, LongSymbolsAreCutAndStillFoundAgain) {
       << LastLogLine();
 }
 
+TEST_F(PxFilesConversion, ARunKilledBeforeMasterWasWrittenIsCompletedByTheNext) {
+  const std::string out = dir_ / "out/";
+  const std::string second = PriceFileText("$SOX", "Semis", 'D', MakeBars(3, 20250106, 5));
+  ASSERT_EQ(
+      ConvertText(PriceFileText("$NYA", "NYSE", 'D', MakeBars(2, 20250106, 5)), out).exit_code, 0);
+  const std::string master = ReadFile(out + "MASTER");
+  ASSERT_EQ(ConvertText(second, out).exit_code, 0);
+  // Killed after the data file and EMASTER were replaced: MASTER still lists one security.
+  WriteFile(out + "MASTER", master);
+  ASSERT_EQ(ConvertText(second, out).exit_code, 0);
+  const MetastockFolder folder = ReadMetastockFolder(out);
+  EXPECT_EQ(folder.problems, std::vector<std::string>{});
+  ASSERT_EQ(folder.securities.size(), 2u);
+  EXPECT_EQ(folder.securities[1].symbol, "$SOX");
+  EXPECT_EQ(folder.securities[1].data_file, "F2.DAT");
+}
+
 TEST_F(PxFilesConversion, WithoutTheProgramFolderTheLogGoesToTheCurrentFolder) {
   const std::string price = dir_ / "prices.csv";
   WriteFile(price, PriceFileText("$SOX", "Semis", 'D', MakeBars(2, 20250106, 5)));
