@@ -26,10 +26,11 @@ TEST_F(PxFilesErrors, UsageMistakesExitWithStatus2) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.message);
-    const ProgramResult run = RunProgram(BinaryPath("PxFiles"), c.args);
+    const ProgramResult run = RunPxFiles(c.args);
     EXPECT_EQ(run.exit_code, 2);
     EXPECT_NE(run.err.find(c.message), std::string::npos) << run.err;
     EXPECT_NE(run.err.find("usage: PxFiles -f"), std::string::npos);
+    EXPECT_NE(LastLogLine().find(c.message), std::string::npos);
   }
 }
 

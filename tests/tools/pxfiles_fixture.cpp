@@ -73,10 +73,15 @@ PxFilesTest::PxFilesTest() {
   std::filesystem::create_directories(program_dir());
 }
 
+ProgramResult PxFilesTest::RunPxFiles(const std::vector<std::string>& args) {
+  std::vector<std::string> words = {"CORVANET_PROGRAM_DIRECTORY=" + program_dir(),
+                                    BinaryPath("PxFiles")};
+  words.insert(words.end(), args.begin(), args.end());
+  return RunProgram("/usr/bin/env", words);
+}
+
 ProgramResult PxFilesTest::Convert(const std::string& price_file, const std::string& out) {
-  return RunProgram("/usr/bin/env",
-                    {"CORVANET_PROGRAM_DIRECTORY=" + program_dir(), BinaryPath("PxFiles"), "-f",
-                     price_file, "-r", "fileReplace", "-o", out});
+  return RunPxFiles({"-f", price_file, "-r", "fileReplace", "-o", out});
 }
 
 ProgramResult PxFilesTest::ConvertText(std::string_view text, const std::string& out,

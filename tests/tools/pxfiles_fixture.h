@@ -38,7 +38,9 @@ std::map<std::string, std::string> FolderSnapshot(const std::string& folder);
 class PxFilesTest : public ::testing::Test {
  protected:
   PxFilesTest();
-  // PxFiles -f <price_file> -r fileReplace -o <out>, logging to program_dir().
+  // PxFiles with these arguments, logging to program_dir().
+  ProgramResult RunPxFiles(const std::vector<std::string>& args);
+  // PxFiles -f <price_file> -r fileReplace -o <out>.
   ProgramResult Convert(const std::string& price_file, const std::string& out);
   // Writes `text` as a price file in the test's folder and converts it.
   ProgramResult ConvertText(std::string_view text, const std::string& out,
