@@ -97,8 +97,9 @@ bool IndexFiles::CheckMaster(std::string& error) {
       return Fail(error, Garbled(folder_, kMaster, i, "is no security record"));
     }
     if (emaster_at_[number] == 0) {
-      error =
-          JoinPath(folder_, kEmaster) + " is damaged: it has no record for " + DataFileName(number);
+      error = JoinPath(folder_, kEmaster) +
+              (emaster_.empty() ? " is missing beside MASTER"
+                                : " is damaged: it has no record for " + DataFileName(number));
       return false;
     }
   }
