@@ -11,8 +11,14 @@ namespace corvanet::pxfiles {
 
 namespace {
 
+// A backslash is a separator only where the system takes it as one; elsewhere it may stand in a
+// folder's name.
 bool IsSeparator(char c) {
+#ifdef _WIN32
   return c == '/' || c == '\\';
+#else
+  return c == '/';
+#endif
 }
 
 // Writes all of `content`; write(2) may take less than asked.

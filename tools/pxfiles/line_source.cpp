@@ -11,8 +11,9 @@
 namespace corvanet::pxfiles {
 
 namespace {
-// Room for a longest line with its ending and as much again, so a price file takes few reads.
-constexpr std::size_t kBufferSize = 2 * LineSource::kMaxLine + 2;
+// Room for a longest line with its ending and more, so a price file takes few reads; below the
+// size from which malloc maps memory of its own, which would cost a map and unmap per call.
+constexpr std::size_t kBufferSize = LineSource::kMaxLine + 48 * 1024;
 }  // namespace
 
 LineSource::~LineSource() {
