@@ -69,7 +69,12 @@ check_lists_section() {
   "$bin/check_lists_bench" | sed 's/^/  /'
 }
 
-sections=${BENCH_SECTIONS:-"check_lists download stat_files"}
+# --- MetaStock converter -------------------------------------------------------------------------
+metastock_section() {
+  BUILD="$build" bash "$here/metastock_bench.sh" "${COMPOSITES:-300}" "${YEARS:-10}"
+}
+
+sections=${BENCH_SECTIONS:-"check_lists download stat_files metastock"}
 for section in $sections; do
   "${section}_section"
 done
