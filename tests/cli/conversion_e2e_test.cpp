@@ -22,9 +22,11 @@ constexpr const char* kBatches[] = {"MakePxFiles.bat", "MakeEqWtPxFiles.bat",
                                     "MakeFile1PxFiles.bat", "MakeFile2PxFiles.bat",
                                     "MakeFile3PxFiles.bat"};
 // Per kind: the price-file folder under the data folder and the MetaStock folder.
-constexpr std::pair<const char*, const char*> kFolders[] = {
-    {"PX/", ""}, {"PxEqWt/", "EqWtPriceFiles/"}, {"PxFile1/", "PxFile1/"},
-    {"PxFile2/", "PxFile2/"}, {"PxFile3/", "PxFile3/"}};
+constexpr std::pair<const char*, const char*> kFolders[] = {{"PX/", ""},
+                                                            {"PxEqWt/", "EqWtPriceFiles/"},
+                                                            {"PxFile1/", "PxFile1/"},
+                                                            {"PxFile2/", "PxFile2/"},
+                                                            {"PxFile3/", "PxFile3/"}};
 
 class ConversionTest : public RunTest {
  protected:
@@ -52,8 +54,9 @@ class ConversionTest : public RunTest {
       const std::vector<std::string> lines = ReadLines(entry.path().string());
       ASSERT_GE(lines.size(), 2U);
       const std::string symbol = lines[1].substr(0, lines[1].find(','));
-      const auto found = std::find_if(folder.securities.begin(), folder.securities.end(),
-                                      [&](const MetastockSecurity& s) { return s.symbol == symbol; });
+      const auto found =
+          std::find_if(folder.securities.begin(), folder.securities.end(),
+                       [&](const MetastockSecurity& s) { return s.symbol == symbol; });
       ASSERT_NE(found, folder.securities.end()) << symbol;
       ASSERT_EQ(found->bars.size(), lines.size() - 1) << symbol;
       for (std::size_t i = 1; i < lines.size(); ++i) {
@@ -81,12 +84,18 @@ class ConversionTest : public RunTest {
 TEST_F(ConversionTest, AllPeriodsWithEveryKindConvertsEveryPriceFile) {
   Tick({"OHLCVV=1", "EqWtOHLCVV=1", "UserDefFile1=1", "UserDefFile2=1", "UserDefFile3=1",
         "Stat1File1=ClosePx", "Stat2File2=Advances", "Stat6File3=TradeVolume"});
-  ASSERT_EQ(RunIn({"list", "7", "vendor", "eSignal"}).code, 0);
+  ASSERT_EQ(RunIn({"list", "7", "vendor", "eSignal", "periods", "D,W,M,Q"}).code, 0);
   for (int pass = 0; pass < 2; ++pass) {
     SCOPED_TRACE(pass);
     if (pass == 1) service.Advance(1);
+    const std::size_t logged = ReadFile(base() + "Rondex/MSXlog.txt").size();
     const CliResult run = RunList(7);
     ASSERT_EQ(run.code, 0) << run.out;
+    // Table order: every traditional call was made before the first equal-weight one, and so on.
+    const std::string log = ReadFile(base() + "Rondex/MSXlog.txt").substr(logged);
+    EXPECT_LT(log.rfind("MetaStock/Quarterly"), log.find("EqWtPriceFiles"));
+    EXPECT_LT(log.rfind("EqWtPriceFiles"), log.find("PxFile1"));
+    EXPECT_LT(log.rfind("PxFile2"), log.find("PxFile3"));
     for (const char* batch : kBatches) {
       const std::vector<std::string> lines = ReadLines(Batch(batch));
       ASSERT_FALSE(lines.empty()) << batch;
@@ -99,14 +108,11 @@ TEST_F(ConversionTest, AllPeriodsWithEveryKindConvertsEveryPriceFile) {
     }
     for (const auto& [price, metastock] : kFolders) {
       for (const char* period : {"Daily", "Weekly", "Monthly", "Quarterly"}) {
-        ExpectConverted(data(std::string(price) + period), MetaStock(std::string(metastock) + period));
+        ExpectConverted(data(std::string(price) + period),
+                        MetaStock(std::string(metastock) + period));
       }
     }
   }
-  // Table order: every traditional call was made before the first equal-weight one.
-  const std::string log = ReadFile(base() + "Rondex/MSXlog.txt");
-  EXPECT_LT(log.rfind("MetaStock/Quarterly"), log.find("EqWtPriceFiles"));
-  EXPECT_LT(log.rfind("EqWtPriceFiles"), log.find("PxFile1"));
 }
 
 // Without the MetaStock format the batch files get no lines and nothing waits; a user list
@@ -131,6 +137,18 @@ TEST_F(ConversionTest, NoFormatNoBatchesAndUserListsDeleteNothing) {
   EXPECT_EQ(ReadFile(MetaStock("Daily/notes.txt")), "mine");
 }
 
+// Batch lines carry paths as they are: blanks and "$" in them reach the converter unharmed.
+TEST_F(ConversionTest, PathsWithBlanksAndDollarSignsAreConverted) {
+  ASSERT_EQ(RunIn({"settings", "PathToDataFiles=CSV Files/", "PathToMSPxFiles=Meta Stock/"}).code,
+            0);
+  Tick({"OHLCVV=1"});
+  MakeList(3, "eSignal", "D", {"$NYA", "$SOX"});
+  const CliResult run = RunList(3);
+  ASSERT_EQ(run.code, 0) << run.out;
+  EXPECT_TRUE(Contains(ReadFile(Batch("MakePxFiles.bat")), "/CSV Files/PX/Daily/$NYA.csv"));
+  ExpectConverted(base() + "CSV Files/PX/Daily", base() + "Meta Stock/Daily");
+}
+
 // A batch that ends without its completion mark ends the wait and is reported.
 TEST_F(ConversionTest, AMissingCompletionHelperEndsTheWaitWithAFailure) {
   Tick({"OHLCVV=1"});
@@ -141,8 +159,9 @@ TEST_F(ConversionTest, AMissingCompletionHelperEndsTheWaitWithAFailure) {
   const CliResult run = RunList(3);
   ::unsetenv("CORVANET_HELPER_DIR");
   EXPECT_EQ(run.code, 3);
-  EXPECT_TRUE(Contains(run.out, "MetaStock conversion MakePxFiles.bat: 1 of 1 price file(s) "
-                                "converted; the batch ended without its completion mark"))
+  EXPECT_TRUE(Contains(run.out,
+                       "MetaStock conversion MakePxFiles.bat: 1 of 1 price file(s) "
+                       "converted; the batch ended without its completion mark"))
       << run.out;
 }
 

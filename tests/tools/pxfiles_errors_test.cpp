@@ -22,7 +22,7 @@ TEST_F(PxFilesErrors, UsageMistakesExitWithStatus2) {
       {{"-f", "p.csv", "-r", "fileAppend", "-o", "out"}, "-r takes only fileReplace"},
       {{"-f", "p.csv", "-r", "fileReplace", "-o"}, "option -o needs a value"},
       {{"-f", "a", "-f", "b", "-r", "fileReplace", "-o", "out"}, "option -f is given twice"},
-      {{"-f", "p.csv", "-r", "fileReplace", "-o", "out", "-x"}, "unknown argument '-x'"},
+      {{"stray", "-f", "p.csv", "-r", "fileReplace", "-o", "out"}, "unknown argument 'stray'"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.message);

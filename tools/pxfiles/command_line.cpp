@@ -12,6 +12,10 @@ Parsed UsageError(std::string& error, std::string text) {
   return Parsed::kUsageError;
 }
 
+bool IsOption(std::string_view word) {
+  return word == "-f" || word == "-r" || word == "-o" || word == "-h" || word == "--help";
+}
+
 }  // namespace
 
 Parsed ParseCommandLine(int argc, const char* const* argv, Options& options, std::string& error) {
@@ -36,6 +40,9 @@ Parsed ParseCommandLine(int argc, const char* const* argv, Options& options, std
       return UsageError(error, "option " + std::string(option) + " needs a value");
     }
     *slot->value = argv[++i];
+    // The batch lines carry paths without quotes, so a path with blanks arrives as several words:
+    // the words up to the next option are one value, joined by single blanks again.
+    while (i + 1 < argc && !IsOption(argv[i + 1])) *slot->value += std::string(" ") + argv[++i];
     slot->given = true;
   }
   for (const Slot& slot : slots) {
