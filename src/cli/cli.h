@@ -13,6 +13,7 @@ enum ExitCode : int {
   kExitUsage = 2,
   kExitRunFailures = 3,
   kExitRefused = 4,  // a check of the program refused the command; nothing was changed
+  kExitBusy = 5,     // another run holds the installation
 };
 
 struct CliEnvironment {

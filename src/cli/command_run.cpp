@@ -11,6 +11,7 @@ int PrintRun(CommandContext& context, const RunSummary& summary) {
   // The run has logged these lines itself.
   for (const std::string& line : summary.Lines()) context.out << line << '\n';
   // A run a check refused never started: a scheduler must not read that as success.
+  if (!summary.busy.empty()) return kExitBusy;
   if (!summary.started) return kExitRefused;
   return summary.has_failures() ? kExitRunFailures : kExitOk;
 }

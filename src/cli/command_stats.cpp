@@ -14,6 +14,7 @@ int StatsCommand(CommandContext& context, CommandArgs args) {
   }
   StatFilesSummary summary;
   MakeListStatFiles_Click(context.session, list, &summary);
+  if (!summary.busy.empty()) return kExitBusy;
   std::ostream& out = context.out;
   out << context.session.ui.DownLoadButton.caption << '\n'
       << "Datafiles split: " << summary.datafiles << '\n'

@@ -18,6 +18,7 @@
 #include "core/lists/masterfile.h"
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
+#include "core/platform/run_lock.h"
 #include "core/pricefiles/conversion.h"
 #include "core/stats/single_stat_files.h"
 #include "core/ui/tabs.h"
@@ -186,6 +187,14 @@ RunSummary DownLoadButton_Click(Session& session) {
     WriteLog(session, "DownLoadButton_Click");
   }
   RunSummary summary;
+  // One run at a time per installation: two would sweep and replace each other's files.
+  RunLock lock;
+  if (!lock.Acquire(session.app.ProgramDirectory, FormatTimeOfDay(session.clock.Now()))) {
+    summary.busy = lock.holder();
+    Log(session, "DownLoadButton_Click - " + summary.busy);
+    session.shell.MessageBox(summary.busy, kDefaultTitle, Buttons::kOk, Icon::kExclamation);
+    return summary;
+  }
   if (!RunMayStart(session)) return summary;
   summary.started = true;
   WindowState& ui = session.ui;

@@ -5,6 +5,7 @@ namespace corvanet {
 std::vector<std::string> RunSummary::Lines() const {
   std::vector<std::string> lines;
   if (!started) {
+    if (!busy.empty()) lines.push_back(busy);
     lines.emplace_back("Run not started.");
     return lines;
   }

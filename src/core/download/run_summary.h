@@ -22,6 +22,7 @@ struct ConversionOutcome {
 
 struct RunSummary {
   bool started = false;   // false when a check before the run refused it
+  std::string busy;       // why it did not start when another run holds the installation
   int merged = 0;         // datafiles brought up to date from the update file
   int fetched_whole = 0;  // datafiles written from a freshly fetched whole file
   std::vector<DatafileFailure> failures;

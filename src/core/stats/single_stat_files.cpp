@@ -12,6 +12,7 @@
 #include "core/lists/masterfile.h"
 #include "core/platform/field_reader.h"
 #include "core/platform/paths.h"
+#include "core/platform/run_lock.h"
 #include "core/platform/text.h"
 
 namespace corvanet {
@@ -132,6 +133,14 @@ void MakeSingleStatFiles(Session& session, StatFilesSummary* summary) {
 
 void RunSingleStatFilesNow(Session& session, StatFilesSummary* summary) {
   LogEntry(session, "RunSingleStatFilesNow");
+  // A download run replaces the same files: one at a time per installation.
+  RunLock lock;
+  if (!lock.Acquire(session.app.ProgramDirectory, FormatTimeOfDay(session.clock.Now()))) {
+    Log(session, "RunSingleStatFilesNow - " + lock.holder());
+    session.shell.MessageBox(lock.holder(), kDefaultTitle, Buttons::kOk, Icon::kExclamation);
+    if (summary != nullptr) summary->busy = lock.holder();
+    return;
+  }
   session.ui.CurrentTab = kDownloadTab;
   Pause(session, 0.05);
   session.run.RunStartTimer = session.clock.Timer();

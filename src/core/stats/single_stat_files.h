@@ -16,6 +16,7 @@ namespace corvanet {
 struct StatFilesSummary {
   int datafiles = 0;  // datafiles whose statistic files were all written
   std::vector<DatafileFailure> failures;
+  std::string busy;  // why nothing was made when another run holds the installation
 };
 
 // The pass over the current download list for each period of the run: only when the list's RunWith

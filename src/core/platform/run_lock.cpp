@@ -1,0 +1,73 @@
+#include "core/platform/run_lock.h"
+
+#include <cstring>
+
+#ifndef _WIN32
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+#endif
+
+namespace corvanet {
+
+namespace {
+constexpr const char* kLockFile = "RunLock.txt";
+}  // namespace
+
+#ifndef _WIN32
+
+bool RunLock::Acquire(const std::string& folder, const std::string& started) {
+  Release();
+  holder_.clear();
+  const std::string path = folder + kLockFile;
+  const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+  if (fd < 0) {
+    holder_ = "The run lock " + path + " cannot be opened: " + std::strerror(errno) + ".";
+    return false;
+  }
+  if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
+    // The holder wrote "<time> <process id>" when it took the lock.
+    char text[64] = {};
+    const ssize_t got = ::pread(fd, text, sizeof text - 1, 0);
+    ::close(fd);
+    std::string time = "an unknown time";
+    std::string process = "unknown";
+    if (got > 0) {
+      const std::string_view held(text, static_cast<std::size_t>(got));
+      const std::size_t blank = held.find(' ');
+      if (blank != std::string_view::npos) {
+        time = std::string(held.substr(0, blank));
+        process = std::string(held.substr(blank + 1, held.find_first_of("\r\n") - blank - 1));
+      }
+    }
+    holder_ = "Another run has been in progress since " + time + " (process " + process + ").";
+    return false;
+  }
+  const std::string note = started + " " + std::to_string(::getpid()) + "\r\n";
+  if (::ftruncate(fd, 0) != 0 || ::pwrite(fd, note.data(), note.size(), 0) < 0) {
+    // The lock holds all the same; only the note for a second run is missing.
+  }
+  fd_ = fd;
+  return true;
+}
+
+void RunLock::Release() {
+  if (fd_ < 0) return;
+  ::close(fd_);  // closing drops the lock
+  fd_ = -1;
+}
+
+#else
+
+bool RunLock::Acquire(const std::string&, const std::string&) {
+  fd_ = 0;
+  return true;
+}
+
+void RunLock::Release() {
+  fd_ = -1;
+}
+
+#endif
+
+}  // namespace corvanet

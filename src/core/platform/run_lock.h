@@ -1,0 +1,29 @@
+#pragma once
+// One run at a time per installation: a lock file in the program folder that a run holds for its
+// whole length. The kernel drops the lock when the process ends, however it ends, so a killed run
+// never blocks the next one.
+#include <string>
+
+namespace corvanet {
+
+class RunLock {
+ public:
+  RunLock() = default;
+  RunLock(const RunLock&) = delete;
+  RunLock& operator=(const RunLock&) = delete;
+  ~RunLock() { Release(); }
+
+  // Takes the lock in `folder` (the program folder) and notes this process and `started` (the
+  // time of day, "18:02:11") in it. False when another process holds it; holder() then says who.
+  bool Acquire(const std::string& folder, const std::string& started);
+  void Release();
+  bool held() const { return fd_ >= 0; }
+  // "Another run has been in progress since 18:02:11 (process 4242)." after a failed Acquire.
+  const std::string& holder() const { return holder_; }
+
+ private:
+  int fd_ = -1;
+  std::string holder_;
+};
+
+}  // namespace corvanet

@@ -1,0 +1,72 @@
+// Runs that meet each other or a failing service: one run at a time per installation.
+#include <gtest/gtest.h>
+
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "cli/run_fixture.h"
+
+namespace corvanet::test {
+namespace {
+
+bool Contains(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+class ReliabilityTest : public RunTest {
+ protected:
+  void SetUp() override {
+    RunTest::SetUp();
+    MakeList(2, "eSignal", "D", {"$NYA", "$INDU", "$SOX"});
+  }
+  // Starts `corvanet-cli run N` as its own process; its output goes to `output`.
+  pid_t StartRun(int list, const std::string& output) const {
+    const std::string command = "cd '" + start() + "' && exec '" + BinaryPath("corvanet-cli") +
+                                "' --base-dir '" + base_arg() + "' run " + std::to_string(list) +
+                                " >'" + output + "' 2>&1";
+    const pid_t child = ::fork();
+    if (child == 0) {
+      ::execl("/bin/sh", "sh", "-c", command.c_str(), static_cast<char*>(nullptr));
+      ::_exit(127);
+    }
+    return child;
+  }
+  static int ExitStatus(pid_t child) {
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+};
+
+// A second run while one is in progress is refused with who holds the installation; the first
+// goes on undisturbed, and the lock goes with the process however it ends.
+TEST_F(ReliabilityTest, OneRunAtATimePerInstallation) {
+  service.SetFaults({"*/DJ30Daily-CompositeStats.csv delay 1500"});
+  const std::string output = dir / "first.txt";
+  const pid_t first = StartRun(2, output);
+  ASSERT_TRUE(WaitFor([&] { return Exists(data("Daily/$NYA.csv")); }));
+  for (const auto& args : {std::initializer_list<std::string>{"run", "2"}, {"stats", "2"}}) {
+    const CliResult second = RunIn(args);
+    EXPECT_EQ(second.code, 5) << second.out;
+    EXPECT_TRUE(Contains(second.out, "Another run has been in progress since ")) << second.out;
+    EXPECT_TRUE(Contains(second.out, "(process " + std::to_string(first) + ").")) << second.out;
+  }
+  EXPECT_EQ(ExitStatus(first), 0) << ReadFile(output);
+  for (const char* name : {"$NYA.csv", "$INDU.csv", "$SOX.csv"}) {
+    EXPECT_EQ(ValidateDatafile(data(std::string("Daily/") + name)), std::vector<std::string>{});
+  }
+
+  // A killed run leaves no lock behind.
+  const pid_t killed = StartRun(2, dir / "killed.txt");
+  ASSERT_TRUE(WaitFor([&] {
+    return Contains(ReadFile(base() + "Rondex/RunLock.txt"), " " + std::to_string(killed));
+  }));
+  ::kill(killed, SIGKILL);
+  ExitStatus(killed);
+  service.SetFaults({});
+  EXPECT_EQ(RunList(2).code, 0);
+}
+
+}  // namespace
+}  // namespace corvanet::test
