@@ -7,7 +7,7 @@ ifdef CI
 CMAKE_FLAGS += -DCORVANET_WERROR=ON
 endif
 
-.PHONY: deps build test demo bench format clean
+.PHONY: deps build test demo bench fuzz format clean
 
 deps:
 	@bash scripts/install-deps.sh
@@ -25,6 +25,10 @@ demo: build
 bench: build
 	@bash scripts/install-deps.sh bench
 	@bash bench/run.sh $(BUILD)
+
+# Each fuzz target for FUZZ_SECONDS (default 60).
+fuzz:
+	@bash scripts/fuzz.sh $(or $(FUZZ_SECONDS),60)
 
 format:
 	@git ls-files '*.cpp' '*.h' | xargs clang-format -i

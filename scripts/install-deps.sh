@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Puts every build and test dependency on a Debian 12 machine. Quick no-op when all is present.
-# With the argument "bench" it also installs what the benchmarks compare against (pandas).
+# With the argument "bench" it also installs what the benchmarks compare against (pandas, curl);
+# with "fuzz" the clang toolchain of the fuzz targets.
 set -euo pipefail
 
 packages=(
@@ -12,7 +13,10 @@ packages=(
   python3 time
   clang-format
 )
-if [ "${1:-}" = "bench" ]; then packages+=(python3-pandas); fi
+case "${1:-}" in
+  bench) packages+=(python3-pandas curl) ;;
+  fuzz) packages+=(clang libclang-rt-14-dev) ;;
+esac
 
 missing=()
 for p in "${packages[@]}"; do

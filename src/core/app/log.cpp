@@ -19,8 +19,13 @@ void WriteLogAlways(Session& session, std::string_view message) {
   line += " - ";
   line += session.app.LogDetail;
   line += " - ";
-  // A symbol or a file name from outside must not be able to forge log lines.
-  for (const char c : message) line += static_cast<unsigned char>(c) < 0x20 ? '?' : c;
+  // A symbol or a file name from outside must not be able to forge log lines, nor make the log
+  // grow by more than a line's worth for each thing it reports.
+  constexpr std::size_t kLongest = 2048;
+  for (const char c : message.substr(0, kLongest)) {
+    line += static_cast<unsigned char>(c) < 0x20 ? '?' : c;
+  }
+  if (message.size() > kLongest) line += " ...";
   AppendLine(LogFilePath(session), line, FileAccess::kOwnerOnly);
 }
 

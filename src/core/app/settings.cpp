@@ -224,7 +224,12 @@ void LoadINI(Session& session) {
           }
         }
       }
-      if (lines.failed()) Log(session, "LoadINI - read error in " + path);
+      if (lines.line_too_long()) {
+        Log(session, "LoadINI - line " + std::to_string(line_number + 1) + " of " + path +
+                         " is longer than any setting; it and the lines after it are skipped");
+      } else if (lines.failed()) {
+        Log(session, "LoadINI - read error in " + path);
+      }
     }
   }
   ApplySpecialFunctionsTab(session.ui);

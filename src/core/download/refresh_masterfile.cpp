@@ -12,7 +12,8 @@
 
 namespace corvanet {
 
-namespace {
+constexpr std::size_t kLongestIssueName = 256;
+constexpr std::size_t kLongestSymbol = 64;
 
 // Every line holds exactly one comma, and the field reader takes from each exactly one record of
 // two fields with a symbol: a stray quote would otherwise shift every later record, and the list
@@ -43,9 +44,15 @@ bool IsValidMasterfile(const std::string& path, std::string& problem) {
       problem = where + " has no symbol";
       return false;
     }
+    // Far beyond any real name or symbol: such a line is not a master file's.
+    if (fields[0].size() > kLongestIssueName || fields[1].size() > kLongestSymbol) {
+      problem = where + " holds a name or symbol too long to be one";
+      return false;
+    }
   }
   if (lines.failed()) {
-    problem = "cannot be read to its end";
+    problem = lines.line_too_long() ? "has a line longer than any master file's"
+                                    : "cannot be read to its end";
     return false;
   }
   if (number == 0) {
@@ -54,8 +61,6 @@ bool IsValidMasterfile(const std::string& path, std::string& problem) {
   }
   return true;
 }
-
-}  // namespace
 
 bool RefreshMasterfile(Session& session) {
   LogEntry(session, "RefreshMasterfile");

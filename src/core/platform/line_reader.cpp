@@ -14,7 +14,7 @@ bool LineReader::Open(const std::string& path) {
   if (!file_) return false;
   buffer_.resize(kChunk);
   begin_ = end_ = 0;
-  eof_ = failed_ = false;
+  eof_ = failed_ = too_long_ = false;
   return true;
 }
 
@@ -32,7 +32,13 @@ bool LineReader::Fill() {
     end_ -= begin_;
     begin_ = 0;
   }
-  if (end_ == buffer_.size()) buffer_.resize(buffer_.size() * 2);
+  if (end_ == buffer_.size()) {
+    if (end_ > kMaxLineLength) {
+      eof_ = failed_ = too_long_ = true;
+      return false;
+    }
+    buffer_.resize(buffer_.size() * 2);
+  }
   const std::size_t got = std::fread(buffer_.data() + end_, 1, buffer_.size() - end_, file_.get());
   if (got == 0) {
     eof_ = true;
@@ -64,7 +70,7 @@ bool LineReader::Next(std::string_view& line) {
     const std::size_t consumed = begin_;
     scanned = end_;
     if (!Fill()) {
-      if (begin_ == end_) return false;
+      if (begin_ == end_ || too_long_) return false;
       // Last line without an ending.
       std::size_t stop = end_;
       if (stop > begin_ && buffer_[stop - 1] == '\r') --stop;

@@ -1,13 +1,17 @@
 #pragma once
 // Streams a text file line by line. Lines may end in CR LF or LF; the returned view holds the line
 // without its ending and stays valid until the next call. Nothing is allocated per line once the
-// buffer has grown to the longest line.
+// buffer has grown to the longest line. A line longer than kMaxLineLength ends the reading as a
+// read error (failed() and line_too_long()): no file the program reads has such lines, and one
+// from outside must not cost unbounded memory.
 #include <cstdio>
 #include <memory>
 #include <string>
 #include <string_view>
 
 namespace corvanet {
+
+inline constexpr std::size_t kMaxLineLength = 1024 * 1024;
 
 class LineReader {
  public:
@@ -23,6 +27,7 @@ class LineReader {
   // True when no further line can be read.
   bool AtEnd();
   bool failed() const { return failed_; }
+  bool line_too_long() const { return too_long_; }
   void Close();
 
  private:
@@ -37,6 +42,7 @@ class LineReader {
   std::size_t end_ = 0;    // end of valid data in buffer_
   bool eof_ = false;
   bool failed_ = false;
+  bool too_long_ = false;
 };
 
 }  // namespace corvanet
