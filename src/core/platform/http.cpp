@@ -18,7 +18,8 @@ void GlobalInitOnce() {
 size_t WriteToFile(char* data, size_t size, size_t count, void* user) {
   auto* writer = static_cast<AtomicFileWriter*>(user);
   writer->Write(std::string_view(data, size * count));
-  return size * count;
+  // A failed write (a full disk) ends the transfer: the rest of the body has nowhere to go.
+  return writer->error().empty() ? size * count : 0;
 }
 
 FetchStatus StatusFor(CURLcode code) {
@@ -117,7 +118,7 @@ FetchResult CurlHttpClient::FetchToFile(const FetchRequest& request,
   AtomicFileWriter writer(local_path);
   if (!writer.is_open()) {
     result.status = FetchStatus::kLocalWriteFailed;
-    result.detail = writer.error();
+    result.detail = local_path + ": " + writer.error();
     return result;
   }
 
@@ -143,14 +144,16 @@ FetchResult CurlHttpClient::FetchToFile(const FetchRequest& request,
   result.bytes = static_cast<std::uint64_t>(bytes);
   curl_easy_setopt(curl, CURLOPT_ERRORBUFFER, nullptr);
   result.status = StatusFor(code);
-  if (code != CURLE_OK) {
+  if (code == CURLE_WRITE_ERROR) {
+    result.detail = local_path + ": " + writer.error();
+  } else if (code != CURLE_OK) {
     result.detail = error_text[0] != '\0' ? error_text : curl_easy_strerror(code);
   } else if (result.http_status < 200 || result.http_status > 299) {
     result.status = FetchStatus::kHttpError;
   }
   if (result.ok() && !writer.Commit()) {
     result.status = FetchStatus::kLocalWriteFailed;
-    result.detail = writer.error();
+    result.detail = local_path + ": " + writer.error();
   }
   return result;
 }
