@@ -14,10 +14,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool Contains(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
-
 constexpr const char* kBatches[] = {"MakePxFiles.bat", "MakeEqWtPxFiles.bat",
                                     "MakeFile1PxFiles.bat", "MakeFile2PxFiles.bat",
                                     "MakeFile3PxFiles.bat"};

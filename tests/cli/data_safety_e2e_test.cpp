@@ -13,26 +13,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool Contains(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
-
 std::string Date(const std::string& row) {
   return row.size() >= 10 ? row.substr(2, 8) : std::string();
 }
 
-// List 2 ($NYA, $INDU, $SOX, daily) after one good run with traditional price files.
-class DataSafetyTest : public RunTest {
+class DataSafetyTest : public ListTwoRunTest {
  protected:
-  void SetUp() override {
-    RunTest::SetUp();
-    ASSERT_EQ(RunIn({"settings", "ImplementSpecialFunctions=1", "MakeMetaStockPxFiles=1",
-                     "OHLCVV=1", "DoNotMakeMetaStockFormat=1"})
-                  .code,
-              0);
-    MakeList(2, "eSignal", "D", {"$NYA", "$INDU", "$SOX"});
-    ASSERT_EQ(RunList(2).code, 0);
-  }
   std::string Log() const { return ReadFile(base() + "Rondex/LogFile.txt"); }
   std::string NyaFile() const { return ServiceFile("NYSEDaily-CompositeStats.csv"); }
 };

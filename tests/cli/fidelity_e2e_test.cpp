@@ -9,10 +9,6 @@
 namespace corvanet::test {
 namespace {
 
-bool Contains(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
-
 // The line with field `index` (from 0) replaced.
 std::string WithField(const std::string& line, int index, const std::string& value) {
   std::size_t start = 0;
@@ -21,18 +17,8 @@ std::string WithField(const std::string& line, int index, const std::string& val
   return line.substr(0, start) + value + (end == std::string::npos ? "" : line.substr(end));
 }
 
-// List 2 ($NYA, $INDU, $SOX, daily) with traditional price files, after one good run.
-class FidelityTest : public RunTest {
+class FidelityTest : public ListTwoRunTest {
  protected:
-  void SetUp() override {
-    RunTest::SetUp();
-    ASSERT_EQ(RunIn({"settings", "ImplementSpecialFunctions=1", "MakeMetaStockPxFiles=1",
-                     "OHLCVV=1", "DoNotMakeMetaStockFormat=1"})
-                  .code,
-              0);
-    MakeList(2, "eSignal", "D", {"$NYA", "$INDU", "$SOX"});
-    ASSERT_EQ(RunList(2).code, 0);
-  }
   // Adds a composite to the service's master file and to list 2.
   void AddComposite(const std::string& symbol, const std::string& served) {
     WriteFile(ServiceFile(symbol + "Daily-CompositeStats.csv"), served);

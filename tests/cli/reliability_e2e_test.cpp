@@ -13,10 +13,6 @@
 namespace corvanet::test {
 namespace {
 
-bool Contains(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
-
 class ReliabilityTest : public RunTest {
  protected:
   void SetUp() override {

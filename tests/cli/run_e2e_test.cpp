@@ -19,10 +19,6 @@ std::string NewestUpdateRow(const std::string& update_file, const std::string& s
   return newest;
 }
 
-bool Contains(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
-
 TEST_F(RunTest, FirstRunFetchesEveryBaseCopyAndTheNextRunOnlyMerges) {
   MakeList(2, "eSignal", "D", {"$NYA", "$INDU", "$SOX"});
   const CliResult first = RunList(2);

@@ -11,10 +11,6 @@
 namespace corvanet::test {
 namespace {
 
-bool Contains(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
-
 class RunFaultsTest : public RunTest {
  protected:
   void SetUp() override {

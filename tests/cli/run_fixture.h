@@ -68,4 +68,19 @@ class RunTest : public CliTest {
   DemoService service;
 };
 
+// List 2 ($NYA, $INDU, $SOX, daily) with traditional price files (no MetaStock format), after one
+// good run: the state most run tests start from.
+class ListTwoRunTest : public RunTest {
+ protected:
+  void SetUp() override {
+    RunTest::SetUp();
+    ASSERT_EQ(RunIn({"settings", "ImplementSpecialFunctions=1", "MakeMetaStockPxFiles=1",
+                     "OHLCVV=1", "DoNotMakeMetaStockFormat=1"})
+                  .code,
+              0);
+    MakeList(2, "eSignal", "D", {"$NYA", "$INDU", "$SOX"});
+    ASSERT_EQ(RunList(2).code, 0);
+  }
+};
+
 }  // namespace corvanet::test

@@ -31,6 +31,9 @@ void WriteLines(const std::string& path, const std::vector<std::string>& lines);
 // The file's lines without their endings (CR LF or LF).
 std::vector<std::string> ReadLines(const std::string& path);
 bool Exists(const std::string& path);
+inline bool Contains(std::string_view text, std::string_view part) {
+  return text.find(part) != std::string_view::npos;
+}
 
 bool WaitFor(const std::function<bool()>& condition,
              std::chrono::milliseconds deadline = std::chrono::seconds(10));

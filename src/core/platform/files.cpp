@@ -277,21 +277,6 @@ bool CreateFolders(const std::string& path) {
   return DirectoryExists(path);
 }
 
-bool DeleteFilesIn(const std::string& folder) {
-  std::error_code ec;
-  fs::directory_iterator it(folder, ec);
-  if (ec) return false;
-  bool ok = true;
-  for (const auto& entry : it) {
-    std::error_code entry_ec;
-    if (entry.is_regular_file(entry_ec) || entry.is_symlink(entry_ec)) {
-      fs::remove(entry.path(), entry_ec);
-      if (entry_ec) ok = false;
-    }
-  }
-  return ok;
-}
-
 bool IsTemporaryFileName(std::string_view name) {
   const std::size_t marker = name.rfind(kTempMarker);
   return marker != std::string_view::npos && marker > 0 && IsTempSuffix(name.substr(marker));

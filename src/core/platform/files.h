@@ -69,10 +69,8 @@ std::optional<std::uintmax_t> FileSize(const std::string& path);
 bool CreateFolder(const std::string& path);
 // Creates a folder and its missing parents.
 bool CreateFolders(const std::string& path);
-// Deletes every file directly in `folder` (not in its subfolders). False when the folder is
-// missing.
-bool DeleteFilesIn(const std::string& folder);
-// Deletes the files directly in `folder` whose names `wanted` accepts; counts them in `deleted`.
+// Deletes the files directly in `folder` (not in its subfolders) whose names `wanted` accepts;
+// counts them in `deleted`.
 // False when the folder is missing or a wanted file could not be deleted.
 bool DeleteFilesIn(const std::string& folder, bool (*wanted)(std::string_view name),
                    int* deleted = nullptr);

@@ -132,10 +132,14 @@ TEST(FileOperationsTest, CopyDeleteAndTouch) {
   EXPECT_FALSE(FileSize(dir / "missing.csv").has_value());
 
   WriteFile(dir / "sub/keep.csv", "k");
-  EXPECT_TRUE(DeleteFilesIn(dir.path()));
-  EXPECT_EQ(Entries(dir.path()), (std::set<std::string>{"sub"}));
+  WriteFile(dir / "keep.txt", "k");
+  const auto csv = [](std::string_view name) { return name.ends_with(".csv"); };
+  int deleted = 0;
+  EXPECT_TRUE(DeleteFilesIn(dir.path(), csv, &deleted));
+  EXPECT_EQ(deleted, 3);
+  EXPECT_EQ(Entries(dir.path()), (std::set<std::string>{"keep.txt", "sub"}));
   EXPECT_TRUE(Exists(dir / "sub/keep.csv"));
-  EXPECT_FALSE(DeleteFilesIn(dir / "missing/"));
+  EXPECT_FALSE(DeleteFilesIn(dir / "missing/", csv));
 }
 
 TEST(FileOperationsTest, OnlyTemporaryFilesOfOtherProcessesAreSwept) {
