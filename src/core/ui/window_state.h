@@ -133,6 +133,8 @@ struct WindowState {
   ControlView Label13{"Download progress is displayed here"};
   // Which datafiles the last run could not update; shown only after a run with failures.
   ControlView RunProblems{"", false};
+  // What the last "select" search found, so a search without a match does not pass unnoticed.
+  std::string SearchResult;
   ControlView ButtonBarFrame{"Select a Download List"};
   ProgressBar ProgressBar1;
   ControlView FullPath{"/ovalith/data/"};
