@@ -133,6 +133,12 @@ struct WindowState {
   ControlView Label13{"Download progress is displayed here"};
   // Which datafiles the last run could not update; shown only after a run with failures.
   ControlView RunProblems{"", false};
+  // What the last run did, every line of its RunSummary, under a heading that says plainly whether
+  // every file is up to date, so a run that fetched nothing cannot pass for a success. Emptied with
+  // RunProblems when another list is selected.
+  ControlView RunOutcome{"The result of a download is shown here."};
+  std::vector<std::string> RunSummaryLines;
+  bool RunFailed = false;
   // What the last "select" search found, so a search without a match does not pass unnoticed.
   std::string SearchResult;
   ControlView ButtonBarFrame{"Select a Download List"};
