@@ -157,6 +157,9 @@ struct WindowState {
   std::string WebBrowser2Page;  // full path of the page shown in the setup browser
   // Bold state of the seven setup help buttons, in the order of HelpButton.
   std::array<bool, 7> HelpButtonBold{};
+  // Work the window starts by itself (the master list after the first save) and outcomes nothing
+  // else on the page shows; the window's status line.
+  std::string StatusText;
 };
 
 }  // namespace corvanet
