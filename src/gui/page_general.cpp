@@ -1,5 +1,6 @@
 // "General Settings": log-in, data set, messages, special functions, log file, folders, server.
 #include <QCheckBox>
+#include <QEvent>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -7,6 +8,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include "core/app/log.h"
@@ -19,7 +21,28 @@ namespace corvanet::gui {
 
 namespace {
 
-constexpr std::string_view kPasswordPlaceholder = "Enter password here";
+// Clicking into a field that still holds its initial text ("Enter username here") selects that
+// text, so what the user types replaces it instead of landing inside it.
+class ReplaceInitialText final : public QObject {
+ public:
+  ReplaceInitialText(QLineEdit* edit, const std::string& initial)
+      : QObject(edit), initial_(QString::fromStdString(initial)) {
+    edit->installEventFilter(this);
+  }
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    auto* edit = static_cast<QLineEdit*>(watched);
+    if (event->type() == QEvent::FocusIn && edit->text() == initial_) {
+      // After the click that gave the focus has placed the cursor.
+      QTimer::singleShot(0, edit, [edit] { edit->selectAll(); });
+    }
+    return false;
+  }
+
+ private:
+  QString initial_;
+};
 
 QGroupBox* Group(const char* name, const QString& title, QLayout* content) {
   auto* frame = new QGroupBox(title);
@@ -53,10 +76,14 @@ class GeneralPage final : public Page {
     columns->addLayout(right, 2);
 
     auto* login = new QGridLayout;
+    const WindowState initial;
     login->addWidget(new QLabel("User Name"), 0, 0);
-    login->addWidget(bind_.SettingText("UserName"), 0, 1);
+    QLineEdit* user = bind_.SettingText("UserName");
+    new ReplaceInitialText(user, initial.UserName);
+    login->addWidget(user, 0, 1);
     login->addWidget(new QLabel("Password"), 1, 0);
     password_ = bind_.SettingText("Password");
+    new ReplaceInitialText(password_, initial.Password);
     login->addWidget(password_, 1, 1);
     login->addWidget(Note("Both are case sensitive."), 2, 1);
     left->addWidget(Group("Frame4", "Log In Info", login));
