@@ -69,7 +69,7 @@ void AskAndClearDataFiles(Session& session) {
 class GeneralPage final : public Page {
  public:
   explicit GeneralPage(PageHost& host) : Page(host) {
-    auto* columns = new QHBoxLayout(this);
+    auto* columns = new QHBoxLayout(content());
     auto* left = new QVBoxLayout;
     auto* right = new QVBoxLayout;
     columns->addLayout(left, 3);
@@ -107,10 +107,11 @@ class GeneralPage final : public Page {
     auto* server = new QGridLayout;
     server->addWidget(new QLabel("Data Service Address"), 0, 0);
     server->addWidget(bind_.SettingText("IPAddress"), 0, 1);
-    server->addWidget(new QLabel("Retries"), 1, 0);
+    server->addWidget(Note("Host name or address and port, such as 127.0.0.1:8080."), 1, 1);
+    server->addWidget(new QLabel("Retries"), 2, 0);
     auto* retries = bind_.SettingText("RetryNumber");
     retries->setMaximumWidth(80);
-    server->addWidget(retries, 1, 1, Qt::AlignLeft);
+    server->addWidget(retries, 2, 1, Qt::AlignLeft);
     left->addWidget(Group("FrameServer", "Data Service", server));
     left->addStretch();
 
@@ -130,7 +131,7 @@ class GeneralPage final : public Page {
     right->addStretch();
 
     auto* buttons = new QGridLayout;
-    buttons->addWidget(bind_.Button("SaveToINI", "Save Settings", &SaveToINI_Click), 0, 0);
+    buttons->addWidget(bind_.SaveButton("SaveToINI", "Save Settings", &SaveToINI_Click), 0, 0);
     // Reloading fetches a fresh master file from the service, which may take a while.
     buttons->addWidget(
         bind_.WorkerButton("LoadConfiguration", "Reload Saved Settings", &LoadConfiguration_Click),
@@ -146,9 +147,12 @@ class GeneralPage final : public Page {
 
   void Render(const WindowState& state) override {
     bind_.Render(state);
-    // The placeholder stays readable; a real password is shown only while it is being typed.
-    const bool placeholder = state.Password.empty() || state.Password == kPasswordPlaceholder;
-    password_->setEchoMode(placeholder ? QLineEdit::Normal : QLineEdit::PasswordEchoOnEdit);
+    // The initial text stays readable; a real password never shows. Not PasswordEchoOnEdit: that
+    // mode empties the field at the first key typed after it gets the focus, which cost a password
+    // typed over the initial text its first character.
+    const bool initial = state.Password.empty() || state.Password == WindowState().Password;
+    const QLineEdit::EchoMode mode = initial ? QLineEdit::Normal : QLineEdit::Password;
+    if (password_->echoMode() != mode) password_->setEchoMode(mode);
   }
 
  private:

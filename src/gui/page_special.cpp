@@ -7,7 +7,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScrollArea>
 #include <QVBoxLayout>
 
 #include "core/app/settings.h"
@@ -139,27 +138,17 @@ namespace {
 class SpecialPage final : public Page {
  public:
   explicit SpecialPage(PageHost& host) : Page(host) {
-    auto* content = new QWidget;
-    auto* sections = new QVBoxLayout(content);
+    auto* sections = new QVBoxLayout(content());
     sections->addWidget(MakePriceFileSection(bind_));
     sections->addWidget(MakeStatisticSection(bind_));
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
-    buttons->addWidget(bind_.Button("SaveSettings", "Save Settings", &SaveSettings_Click));
+    buttons->addWidget(bind_.SaveButton("SaveSettings", "Save Settings", &SaveSettings_Click));
     auto* exit = new QPushButton("Exit");
     exit->setObjectName("Exit4");
     connect(exit, &QPushButton::clicked, this, [this] { host_.ExitClicked(4); });
     buttons->addWidget(exit);
     sections->addLayout(buttons);
-
-    // The page holds more than a window's height of controls.
-    auto* scroll = new QScrollArea;
-    scroll->setWidget(content);
-    scroll->setWidgetResizable(true);
-    scroll->setFrameShape(QFrame::NoFrame);
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(scroll);
   }
 
   void Render(const WindowState& state) override { bind_.Render(state); }
