@@ -14,6 +14,7 @@
 #include "core/app/log.h"
 #include "core/app/settings.h"
 #include "core/lists/clear_datafiles.h"
+#include "core/ui/outside_programs.h"
 #include "gui/folder_browse.h"
 #include "gui/page.h"
 
@@ -128,6 +129,11 @@ class GeneralPage final : public Page {
                                     "Generate Log File", &GenerateLogFile_Click));
     log->addWidget(Note("This must be selected upon each new run."));
     right->addWidget(Group("Frame16", "Generate Log File", log));
+    auto* desktop = new QVBoxLayout;
+    desktop->addWidget(bind_.Button("CreateShortcut", "Create Desktop Shortcut",
+                                    [](Session& s) { CreateShortcut_Click(s); }),
+                       0, Qt::AlignLeft);
+    right->addWidget(Group("FrameShortcut", "Desktop Shortcut", desktop));
     right->addStretch();
 
     auto* buttons = new QGridLayout;

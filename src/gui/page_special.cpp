@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 
 #include "core/app/settings.h"
+#include "core/ui/outside_programs.h"
 #include "gui/folder_browse.h"
 #include "gui/page.h"
 #include "gui/special_sections.h"
@@ -82,6 +83,17 @@ QLayout* UserDefinedFiles(Bindings& bind) {
   return grid;
 }
 
+// Beside the MetaStock settings: the converter's log, MetaStock itself and the sample datafiles.
+QLayout* OutsidePrograms(Bindings& bind) {
+  auto* row = new QHBoxLayout;
+  row->addWidget(bind.Button("Help", "MetaStock Converter Log", &Help_Click));
+  row->addWidget(bind.Button("OpenMetaStock", "Open MetaStock", &OpenMetaStock_Click));
+  row->addWidget(
+      bind.Button("OpenSampleDirectory", "Open a Sample Datafile", &OpenSampleDirectory_Click));
+  row->addStretch();
+  return row;
+}
+
 }  // namespace
 
 QGroupBox* MakePriceFileSection(Bindings& bind) {
@@ -116,6 +128,7 @@ QGroupBox* MakePriceFileSection(Bindings& bind) {
   });
   folder->addWidget(browse, 1, 1);
   layout->addLayout(folder);
+  layout->addLayout(OutsidePrograms(bind));
   // Ticking special functions marks the folder as the thing to set up next.
   bind.OnRender([label, path](const WindowState& state) {
     label->setForegroundRole(state.Label25ButtonTextColour ? QPalette::ButtonText

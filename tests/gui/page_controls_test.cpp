@@ -1,4 +1,6 @@
-// Controls a new user reaches for: the search field and the pages in a small window.
+// Controls a new user reaches for: the search field, the buttons that open things outside the
+// program, and the pages in a small window.
+#include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -7,7 +9,10 @@
 #include <QScrollBar>
 #include <QTabWidget>
 #include <QTest>
+#include <cstdlib>
 
+#include "core/platform/files.h"
+#include "core/ui/outside_programs.h"
 #include "gui_fixture.h"
 
 namespace corvanet::test {
@@ -36,6 +41,31 @@ TEST_F(GuiPageControls, EnterInTheSearchFieldSelectsAndEverySearchSaysWhatItFoun
 
   Find<QPushButton>("DownloadList2")->click();
   EXPECT_TRUE(result->text().isEmpty());
+}
+
+TEST_F(GuiPageControls, ButtonsForOutsideProgramsReachTheirHandlers) {
+  const std::string desktop = dir_ / "Desktop/";
+  ASSERT_TRUE(CreateFolder(desktop));
+  setenv("XDG_DESKTOP_DIR", desktop.c_str(), 1);
+
+  Find<QCheckBox>("ImplementSpecialFunctions")->click();  // the page of the MetaStock buttons
+  Find<QPushButton>("Help")->click();                     // the converter has written no log yet
+  ASSERT_EQ(messages.size(), 1u);
+  EXPECT_NE(messages[0].request.text.find("has not written its log yet"), std::string::npos);
+
+  chosen_file = "$INDU.csv";
+  Find<QPushButton>("OpenSampleDirectory")->click();
+  EXPECT_EQ(opened, std::vector<std::string>{SampleDataFolder(session_) + "$INDU.csv"});
+
+  // Nothing opens to show the shortcut, so the status line says where it went.
+  Find<QPushButton>("CreateShortcut")->click();
+  EXPECT_TRUE(Exists(ShortcutPath()));
+  EXPECT_EQ(Find<QLabel>("StatusText")->text().toStdString(),
+            "A shortcut to Corvanet was put on your desktop: " + ShortcutPath());
+  unsetenv("XDG_DESKTOP_DIR");
+
+  Find<QPushButton>("CheckForUpdates")->click();
+  EXPECT_EQ(messages.back().request.title, "Check For Updates");
 }
 
 TEST_F(GuiPageControls, AnEightHundredBySixHundredWindowClipsNothingOnTheDownloadPage) {
