@@ -7,7 +7,7 @@ ifdef CI
 CMAKE_FLAGS += -DCORVANET_WERROR=ON
 endif
 
-.PHONY: deps build test demo bench fuzz format clean
+.PHONY: deps build test demo screenshots bench fuzz format clean
 
 deps:
 	@bash scripts/install-deps.sh
@@ -21,6 +21,10 @@ test: build
 
 demo: build
 	@bash scripts/demo.sh $(BUILD)
+
+# Pictures of every page and of runs against the demo service, in $(BUILD)/screenshots/.
+screenshots: build
+	@bash scripts/screenshots.sh $(BUILD)
 
 bench: build
 	@bash scripts/install-deps.sh bench

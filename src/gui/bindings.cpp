@@ -156,9 +156,29 @@ QPushButton* Bindings::WorkerButton(const char* name, const QString& caption, Ha
   return button;
 }
 
-QPushButton* Bindings::WorkerButton(const char* name, ControlView WindowState::*view,
-                                    Handler handler) {
-  auto* button = WorkerButton(name, QString(), std::move(handler));
+QPushButton* Bindings::SaveButton(const char* name, const QString& caption, Handler handler) {
+  auto* button = new QPushButton(caption);
+  button->setObjectName(name);
+  QObject::connect(button, &QPushButton::clicked, button, [this, handler = std::move(handler)] {
+    host_.Handle(handler);
+    host_.FetchMasterfileIfMissing();
+  });
+  return button;
+}
+
+QPushButton* Bindings::SaveButton(const char* name, ControlView WindowState::*view,
+                                  Handler handler) {
+  auto* button = SaveButton(name, QString(), std::move(handler));
+  OnRender([button, view](const WindowState& state) { ShowView(button, state.*view); });
+  return button;
+}
+
+QPushButton* Bindings::RunButton(const char* name, ControlView WindowState::*view,
+                                 Handler handler) {
+  auto* button = new QPushButton;
+  button->setObjectName(name);
+  QObject::connect(button, &QPushButton::clicked, button,
+                   [this, handler = std::move(handler)] { host_.StartRun(handler); });
   OnRender([button, view](const WindowState& state) { ShowView(button, state.*view); });
   return button;
 }

@@ -46,9 +46,13 @@ class Bindings {
 
   QPushButton* Button(const char* name, const QString& caption, Handler handler);
   QPushButton* Button(const char* name, ControlView WindowState::*view, Handler handler);
+  // A button that saves the settings; a new user's master list is fetched once the log-in is.
+  QPushButton* SaveButton(const char* name, const QString& caption, Handler handler);
+  QPushButton* SaveButton(const char* name, ControlView WindowState::*view, Handler handler);
   // A button whose handler may run long (it fetches or walks a list): it runs on the worker.
   QPushButton* WorkerButton(const char* name, const QString& caption, Handler handler);
-  QPushButton* WorkerButton(const char* name, ControlView WindowState::*view, Handler handler);
+  // The download button: a run on the worker that the user can stop.
+  QPushButton* RunButton(const char* name, ControlView WindowState::*view, Handler handler);
   QLabel* Label(const char* name, ControlView WindowState::*view);
   QGroupBox* Frame(const char* name, ControlView WindowState::*view);
 

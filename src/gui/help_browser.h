@@ -10,12 +10,15 @@ class HelpBrowser final : public QTextBrowser {
 
  public:
   explicit HelpBrowser(QWidget* parent = nullptr);
-  // Loads the page when the path differs from the one shown, then scrolls to its anchor.
+  // Loads the page when the path differs from the one shown, then scrolls its anchor to the top.
   void ShowPage(const std::string& path_and_anchor);
   const std::string& shown() const { return shown_; }
 
  private:
+  void ScrollToAnchor();
+
   std::string shown_;
+  QString anchor_;
 };
 
 }  // namespace corvanet::gui

@@ -12,6 +12,7 @@
 #include "core/platform/http.h"
 #include "core/platform/paths.h"
 #include "core/platform/text.h"
+#include "core/ui/run_outcome.h"
 #include "gui/main_window.h"
 #include "gui/qt_shell.h"
 
@@ -109,7 +110,7 @@ int main(int argc, char** argv) {
         ScheduleScreenshot(window, options);
       }
     });
-    window.HandleOnWorker([](corvanet::Session& s) { corvanet::AutomatedRuns(s); });
+    window.StartRun([](corvanet::Session& s) { corvanet::AutomatedRunAndShowOutcome(s); });
   } else if (!options.screenshot.empty()) {
     ScheduleScreenshot(window, options);
   }

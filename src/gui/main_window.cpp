@@ -3,21 +3,35 @@
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QLabel>
+#include <QPushButton>
 #include <QSignalBlocker>
 #include <QStatusBar>
 #include <QTabWidget>
 
+#include "core/app/first_masterfile.h"
 #include "core/app/startup.h"
 
 namespace corvanet::gui {
+
+namespace {
+
+// Below this the pages scroll; the window itself never gets so small that the tab strip and the
+// status line cannot be read.
+constexpr int kMinimumWidth = 640;
+constexpr int kMinimumHeight = 480;
+
+}  // namespace
 
 MainWindow::MainWindow(Session& session, QWidget* parent)
     : QMainWindow(parent),
       session_(session),
       previous_observer_(session.observer),
+      previous_stop_(session.stop_requested),
       observer_([this](const WindowState& state) { Render(state); }),
       tabs_(new QTabWidget),
-      version_(new QLabel) {
+      version_(new QLabel),
+      status_(new QLabel),
+      stop_(new QPushButton("Stop")) {
   tabs_->setObjectName("SSTab1");
   pages_ = {MakeIntroductionPage(*this), MakeSetupPage(*this), MakeGeneralPage(*this),
             MakeDownloadPage(*this), MakeSpecialPage(*this)};
@@ -26,23 +40,37 @@ MainWindow::MainWindow(Session& session, QWidget* parent)
     if (Session* idle = IdleSession()) idle->ui.CurrentTab = index;
   });
   setCentralWidget(tabs_);
+  status_->setObjectName("StatusText");
+  status_->setTextFormat(Qt::PlainText);
+  statusBar()->addWidget(status_, 1);
+  stop_->setObjectName("StopRun");
+  stop_->setToolTip("Stops the download after the datafile in hand; what was written stays.");
+  stop_->hide();
+  connect(stop_, &QPushButton::clicked, this, [this] { RequestStop(); });
+  statusBar()->addPermanentWidget(stop_);
   version_->setObjectName("DisplayVersionNum");
   statusBar()->addPermanentWidget(version_);
   session_.observer = &observer_;
+  session_.stop_requested = &stop_requested_;
+  setMinimumSize(kMinimumWidth, kMinimumHeight);
   resize(1180, 800);
   Render(session_.ui);
 }
 
 MainWindow::~MainWindow() {
   // A run still going (the window is being torn down by force) may be waiting for an answer on
-  // this thread, so keep serving events until it has ended.
+  // this thread, so keep serving events until it has ended; it stops at the next datafile.
+  stop_requested_ = true;
   while (running_) QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
   session_.observer = previous_observer_;
+  session_.stop_requested = previous_stop_;
 }
 
 void MainWindow::Render(const WindowState& state) {
   setWindowTitle(QString::fromStdString(state.WindowTitle));
   ShowView(version_, state.DisplayVersionNum);
+  shown_status_ = state.StatusText;
+  ShowStatus();
   const QSignalBlocker blocker(tabs_);
   for (int i = 0; i < kTabCount; ++i) {
     const ControlView& tab = state.Tabs[static_cast<std::size_t>(i)];
@@ -59,16 +87,54 @@ void MainWindow::Render(const WindowState& state) {
   for (Page* page : pages_) page->Render(state);
 }
 
+void MainWindow::ShowStatus() {
+  QString text = QString::fromStdString(shown_status_);
+  if (running_ && (stop_requested_ || close_after_run_)) {
+    if (!stoppable_) {
+      text = "Corvanet closes when it has finished.";
+    } else {
+      text = close_after_run_ ? "Stopping after the datafile in hand; Corvanet then closes."
+                              : "Stopping after the datafile in hand ...";
+    }
+  } else if (running_ && text.isEmpty()) {
+    text = stoppable_ ? "A download is running: the pages are locked until it ends. Stop ends it "
+                        "after the datafile in hand."
+                      : "Corvanet is working: the pages are locked until it has finished.";
+  }
+  if (status_->text() != text) status_->setText(text);
+}
+
 void MainWindow::Handle(const Handler& handler) {
   if (running_) return;
+  // A status line tells of the last thing done; the next click makes it old news.
+  session_.ui.StatusText.clear();
   handler(session_);
   Render(session_.ui);
 }
 
 void MainWindow::HandleOnWorker(Handler handler) {
+  StartWork(std::move(handler), false);
+}
+
+void MainWindow::StartRun(Handler handler) {
+  StartWork(std::move(handler), true);
+}
+
+void MainWindow::FetchMasterfileIfMissing() {
+  if (!running_ && MasterfileMissing(session_)) HandleOnWorker(&FetchMasterfile);
+}
+
+void MainWindow::StartWork(Handler handler, bool stoppable) {
   if (running_) return;
+  session_.ui.StatusText.clear();
+  shown_status_.clear();
   running_ = true;
-  SetPagesEnabled(false);
+  stoppable_ = stoppable;
+  stop_requested_ = false;
+  SetPagesLocked(true);
+  stop_->setEnabled(true);
+  stop_->setVisible(stoppable);
+  ShowStatus();
   worker_ = std::thread([this, handler = std::move(handler)] {
     handler(session_);
     // Queued behind the run's last reports, so the final state is painted last.
@@ -80,13 +146,26 @@ void MainWindow::HandleOnWorker(Handler handler) {
 void MainWindow::FinishWork() {
   worker_.join();
   running_ = false;
-  SetPagesEnabled(true);
+  stop_->hide();
+  SetPagesLocked(false);
   Render(session_.ui);
   emit WorkFinished();
+  if (close_after_run_) {
+    // The closing question of an idle window comes next; its Cancel keeps the window open.
+    close_after_run_ = false;
+    close();
+  }
 }
 
-void MainWindow::SetPagesEnabled(bool enabled) {
-  for (Page* page : pages_) page->setEnabled(enabled);
+void MainWindow::RequestStop() {
+  if (!running_) return;
+  stop_requested_ = true;
+  stop_->setEnabled(false);
+  ShowStatus();
+}
+
+void MainWindow::SetPagesLocked(bool locked) {
+  for (Page* page : pages_) page->SetLocked(locked);
 }
 
 void MainWindow::ExitClicked(int page) {
@@ -99,9 +178,22 @@ void MainWindow::ExitClicked(int page) {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-  // A run holds the session; the window closes once the run has ended.
   if (running_) {
+    // The run holds the session: the window closes once it has stopped. Only the shell is used
+    // here; the session's state belongs to the run until it ends.
     event->ignore();
+    if (close_after_run_) return;
+    const std::string_view question =
+        stoppable_
+            ? "A download is running.\rStop it after the datafile in hand and close Corvanet?"
+            : "Corvanet is still working.\rClose Corvanet as soon as it has finished?";
+    if (session_.shell.MessageBox(question, kDefaultTitle, Buttons::kYesNo, Icon::kQuestion) !=
+        Answer::kYes) {
+      return;
+    }
+    close_after_run_ = true;
+    if (stoppable_) RequestStop();
+    ShowStatus();
     return;
   }
   if (!close_confirmed_ && Form_Unload(session_)) {

@@ -1,9 +1,10 @@
 #pragma once
 // The main window: a tab strip of five pages over one session. Short handlers run on the window's
-// thread; a download or a statistic-file pass runs on a worker thread while the controls are
-// disabled, and the window repaints from the copies of the state the run reports.
+// thread; a download or a statistic-file pass runs on a worker thread while the pages' controls are
+// locked, and the window repaints from the copies of the state the run reports.
 #include <QMainWindow>
 #include <array>
+#include <atomic>
 #include <thread>
 
 #include "core/app/session.h"
@@ -11,6 +12,7 @@
 #include "gui/state_observer.h"
 
 class QLabel;
+class QPushButton;
 class QTabWidget;
 
 namespace corvanet::gui {
@@ -22,13 +24,18 @@ class MainWindow final : public QMainWindow, public PageHost {
   explicit MainWindow(Session& session, QWidget* parent = nullptr);
   ~MainWindow() override;
 
-  // Shows the state on every page, the tab strip and the title.
+  // Shows the state on every page, the tab strip, the title and the status line.
   void Render(const WindowState& state);
 
   void Handle(const Handler& handler) override;
   void HandleOnWorker(Handler handler) override;
+  void StartRun(Handler handler) override;
+  void FetchMasterfileIfMissing() override;
   Session* IdleSession() override { return running_ ? nullptr : &session_; }
   void ExitClicked(int page) override;
+
+  // Asks the run to stop after the datafile in hand; the run ends by itself and says so.
+  void RequestStop();
 
   bool running() const { return running_; }
   QTabWidget* tabs() const { return tabs_; }
@@ -42,17 +49,27 @@ class MainWindow final : public QMainWindow, public PageHost {
   void closeEvent(QCloseEvent* event) override;
 
  private:
+  void StartWork(Handler handler, bool stoppable);
   void FinishWork();
-  void SetPagesEnabled(bool enabled);
+  void SetPagesLocked(bool locked);
+  // The status line: the state's StatusText, or what the work in hand means for the user.
+  void ShowStatus();
 
   Session& session_;
   StateObserver* previous_observer_;
+  const std::atomic<bool>* previous_stop_;
   QueuedStateObserver observer_;
   QTabWidget* tabs_;
   std::array<Page*, kTabCount> pages_{};
   QLabel* version_;
+  QLabel* status_;
+  QPushButton* stop_;
+  std::string shown_status_;  // StatusText of the state rendered last
   std::thread worker_;
+  std::atomic<bool> stop_requested_{false};
   bool running_ = false;
+  bool stoppable_ = false;        // the work in hand is a download, which stops between datafiles
+  bool close_after_run_ = false;  // the user closed the window during the run and it is stopping
   bool close_confirmed_ = false;  // an Exit button already asked the closing question
   int shown_tab_ = -1;            // the CurrentTab last brought to the front
 };

@@ -1,5 +1,6 @@
 // "General Settings": log-in, data set, messages, special functions, log file, folders, server.
 #include <QCheckBox>
+#include <QEvent>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -7,11 +8,13 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include "core/app/log.h"
 #include "core/app/settings.h"
 #include "core/lists/clear_datafiles.h"
+#include "core/ui/outside_programs.h"
 #include "gui/folder_browse.h"
 #include "gui/page.h"
 
@@ -19,7 +22,28 @@ namespace corvanet::gui {
 
 namespace {
 
-constexpr std::string_view kPasswordPlaceholder = "Enter password here";
+// Clicking into a field that still holds its initial text ("Enter username here") selects that
+// text, so what the user types replaces it instead of landing inside it.
+class ReplaceInitialText final : public QObject {
+ public:
+  ReplaceInitialText(QLineEdit* edit, const std::string& initial)
+      : QObject(edit), initial_(QString::fromStdString(initial)) {
+    edit->installEventFilter(this);
+  }
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    auto* edit = static_cast<QLineEdit*>(watched);
+    if (event->type() == QEvent::FocusIn && edit->text() == initial_) {
+      // After the click that gave the focus has placed the cursor.
+      QTimer::singleShot(0, edit, [edit] { edit->selectAll(); });
+    }
+    return false;
+  }
+
+ private:
+  QString initial_;
+};
 
 QGroupBox* Group(const char* name, const QString& title, QLayout* content) {
   auto* frame = new QGroupBox(title);
@@ -46,17 +70,21 @@ void AskAndClearDataFiles(Session& session) {
 class GeneralPage final : public Page {
  public:
   explicit GeneralPage(PageHost& host) : Page(host) {
-    auto* columns = new QHBoxLayout(this);
+    auto* columns = new QHBoxLayout(content());
     auto* left = new QVBoxLayout;
     auto* right = new QVBoxLayout;
     columns->addLayout(left, 3);
     columns->addLayout(right, 2);
 
     auto* login = new QGridLayout;
+    const WindowState initial;
     login->addWidget(new QLabel("User Name"), 0, 0);
-    login->addWidget(bind_.SettingText("UserName"), 0, 1);
+    QLineEdit* user = bind_.SettingText("UserName");
+    new ReplaceInitialText(user, initial.UserName);
+    login->addWidget(user, 0, 1);
     login->addWidget(new QLabel("Password"), 1, 0);
     password_ = bind_.SettingText("Password");
+    new ReplaceInitialText(password_, initial.Password);
     login->addWidget(password_, 1, 1);
     login->addWidget(Note("Both are case sensitive."), 2, 1);
     left->addWidget(Group("Frame4", "Log In Info", login));
@@ -80,10 +108,11 @@ class GeneralPage final : public Page {
     auto* server = new QGridLayout;
     server->addWidget(new QLabel("Data Service Address"), 0, 0);
     server->addWidget(bind_.SettingText("IPAddress"), 0, 1);
-    server->addWidget(new QLabel("Retries"), 1, 0);
+    server->addWidget(Note("Host name or address and port, such as 127.0.0.1:8080."), 1, 1);
+    server->addWidget(new QLabel("Retries"), 2, 0);
     auto* retries = bind_.SettingText("RetryNumber");
     retries->setMaximumWidth(80);
-    server->addWidget(retries, 1, 1, Qt::AlignLeft);
+    server->addWidget(retries, 2, 1, Qt::AlignLeft);
     left->addWidget(Group("FrameServer", "Data Service", server));
     left->addStretch();
 
@@ -100,10 +129,15 @@ class GeneralPage final : public Page {
                                     "Generate Log File", &GenerateLogFile_Click));
     log->addWidget(Note("This must be selected upon each new run."));
     right->addWidget(Group("Frame16", "Generate Log File", log));
+    auto* desktop = new QVBoxLayout;
+    desktop->addWidget(bind_.Button("CreateShortcut", "Create Desktop Shortcut",
+                                    [](Session& s) { CreateShortcut_Click(s); }),
+                       0, Qt::AlignLeft);
+    right->addWidget(Group("FrameShortcut", "Desktop Shortcut", desktop));
     right->addStretch();
 
     auto* buttons = new QGridLayout;
-    buttons->addWidget(bind_.Button("SaveToINI", "Save Settings", &SaveToINI_Click), 0, 0);
+    buttons->addWidget(bind_.SaveButton("SaveToINI", "Save Settings", &SaveToINI_Click), 0, 0);
     // Reloading fetches a fresh master file from the service, which may take a while.
     buttons->addWidget(
         bind_.WorkerButton("LoadConfiguration", "Reload Saved Settings", &LoadConfiguration_Click),
@@ -119,9 +153,12 @@ class GeneralPage final : public Page {
 
   void Render(const WindowState& state) override {
     bind_.Render(state);
-    // The placeholder stays readable; a real password is shown only while it is being typed.
-    const bool placeholder = state.Password.empty() || state.Password == kPasswordPlaceholder;
-    password_->setEchoMode(placeholder ? QLineEdit::Normal : QLineEdit::PasswordEchoOnEdit);
+    // The initial text stays readable; a real password never shows. Not PasswordEchoOnEdit: that
+    // mode empties the field at the first key typed after it gets the focus, which cost a password
+    // typed over the initial text its first character.
+    const bool initial = state.Password.empty() || state.Password == WindowState().Password;
+    const QLineEdit::EchoMode mode = initial ? QLineEdit::Normal : QLineEdit::Password;
+    if (password_->echoMode() != mode) password_->setEchoMode(mode);
   }
 
  private:

@@ -17,7 +17,9 @@ class IntroductionPage final : public Page {
  public:
   explicit IntroductionPage(PageHost& host) : Page(host), browser_(new HelpBrowser) {
     browser_->setObjectName("WebBrowser1");
-    auto* buttons = new QHBoxLayout;
+    auto* button_row = new QWidget;
+    auto* buttons = new QHBoxLayout(button_row);
+    buttons->setContentsMargins(0, 0, 0, 0);
     buttons->addWidget(
         bind_.Button("CheckForUpdates", "Check For Updates", &CheckForUpdates_Click));
     buttons->addStretch();
@@ -25,9 +27,11 @@ class IntroductionPage final : public Page {
     exit->setObjectName("Exit1");
     connect(exit, &QPushButton::clicked, this, [this] { host_.ExitClicked(1); });
     buttons->addWidget(exit);
-    auto* layout = new QVBoxLayout(this);
+    auto* layout = new QVBoxLayout(content());
     layout->addWidget(browser_, 1);
-    layout->addLayout(buttons);
+    layout->addWidget(button_row);
+    // The page stays readable during a run; only its buttons cannot act then.
+    LockOnly({button_row});
   }
 
   void Render(const WindowState& state) override {
@@ -58,9 +62,10 @@ class SetupPage final : public Page {
       buttons_.push_back(button);
     }
     column->addStretch();
-    auto* layout = new QHBoxLayout(this);
+    auto* layout = new QHBoxLayout(content());
     layout->addWidget(frame);
     layout->addWidget(browser_, 1);
+    LockOnly({frame});
   }
 
   void Render(const WindowState& state) override {

@@ -7,10 +7,10 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScrollArea>
 #include <QVBoxLayout>
 
 #include "core/app/settings.h"
+#include "core/ui/outside_programs.h"
 #include "gui/folder_browse.h"
 #include "gui/page.h"
 #include "gui/special_sections.h"
@@ -83,6 +83,17 @@ QLayout* UserDefinedFiles(Bindings& bind) {
   return grid;
 }
 
+// Beside the MetaStock settings: the converter's log, MetaStock itself and the sample datafiles.
+QLayout* OutsidePrograms(Bindings& bind) {
+  auto* row = new QHBoxLayout;
+  row->addWidget(bind.Button("Help", "MetaStock Converter Log", &Help_Click));
+  row->addWidget(bind.Button("OpenMetaStock", "Open MetaStock", &OpenMetaStock_Click));
+  row->addWidget(
+      bind.Button("OpenSampleDirectory", "Open a Sample Datafile", &OpenSampleDirectory_Click));
+  row->addStretch();
+  return row;
+}
+
 }  // namespace
 
 QGroupBox* MakePriceFileSection(Bindings& bind) {
@@ -117,6 +128,7 @@ QGroupBox* MakePriceFileSection(Bindings& bind) {
   });
   folder->addWidget(browse, 1, 1);
   layout->addLayout(folder);
+  layout->addLayout(OutsidePrograms(bind));
   // Ticking special functions marks the folder as the thing to set up next.
   bind.OnRender([label, path](const WindowState& state) {
     label->setForegroundRole(state.Label25ButtonTextColour ? QPalette::ButtonText
@@ -139,27 +151,17 @@ namespace {
 class SpecialPage final : public Page {
  public:
   explicit SpecialPage(PageHost& host) : Page(host) {
-    auto* content = new QWidget;
-    auto* sections = new QVBoxLayout(content);
+    auto* sections = new QVBoxLayout(content());
     sections->addWidget(MakePriceFileSection(bind_));
     sections->addWidget(MakeStatisticSection(bind_));
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
-    buttons->addWidget(bind_.Button("SaveSettings", "Save Settings", &SaveSettings_Click));
+    buttons->addWidget(bind_.SaveButton("SaveSettings", "Save Settings", &SaveSettings_Click));
     auto* exit = new QPushButton("Exit");
     exit->setObjectName("Exit4");
     connect(exit, &QPushButton::clicked, this, [this] { host_.ExitClicked(4); });
     buttons->addWidget(exit);
     sections->addLayout(buttons);
-
-    // The page holds more than a window's height of controls.
-    auto* scroll = new QScrollArea;
-    scroll->setWidget(content);
-    scroll->setWidgetResizable(true);
-    scroll->setFrameShape(QFrame::NoFrame);
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(scroll);
   }
 
   void Render(const WindowState& state) override { bind_.Render(state); }

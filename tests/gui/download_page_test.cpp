@@ -94,7 +94,7 @@ TEST_F(GuiDownloadPage, DownloadRunsOnTheWorkerAndItsQuestionsAreAskedOnTheWindo
   QObject::connect(window_.get(), &gui::MainWindow::WorkFinished, [&] { finished = true; });
   Find<QPushButton>("DownLoadButton")->click();
   EXPECT_TRUE(window_->running());
-  EXPECT_FALSE(window_->tabs()->widget(kDownloadTab)->isEnabled());
+  EXPECT_FALSE(Find<QWidget>("DownloadList2")->isEnabled());
   // A second click while the run goes on starts nothing.
   window_->HandleOnWorker([](Session&) { ADD_FAILURE() << "second run started"; });
 
@@ -105,7 +105,7 @@ TEST_F(GuiDownloadPage, DownloadRunsOnTheWorkerAndItsQuestionsAreAskedOnTheWindo
   EXPECT_TRUE(messages[0].on_window_thread);
   EXPECT_TRUE(messages[0].run_in_progress);
   EXPECT_FALSE(window_->running());
-  EXPECT_TRUE(window_->tabs()->widget(kDownloadTab)->isEnabled());
+  EXPECT_TRUE(Find<QWidget>("DownloadList2")->isEnabled());
 }
 
 TEST_F(GuiDownloadPage, ListButtonsReshapeTheListActions) {

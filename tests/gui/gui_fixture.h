@@ -1,6 +1,7 @@
 #pragma once
 // A window over a session in a fresh installation. Message boxes are recorded and answered from a
-// queue instead of waiting for a person; fetches fail at once, as if no service were reachable.
+// queue instead of waiting for a person. Fetches fail at once, as if no service were reachable,
+// unless the test asks for the real client (GuiServiceTest points it at the demo service).
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -35,7 +36,9 @@ struct RecordedMessage {
 
 class GuiTest : public testing::Test {
  protected:
-  GuiTest()
+  enum class Network { kUnreachable, kLoopback };
+
+  explicit GuiTest(Network network = Network::kUnreachable)
       : shell_(gui::DesktopActions{[this](const gui::MessageRequest& r) { return Answer(r); },
                                    [this](const std::string& target) {
                                      opened.push_back(target);
@@ -45,7 +48,8 @@ class GuiTest : public testing::Test {
                                      return chosen_file.empty() ? std::string()
                                                                 : folder + chosen_file;
                                    }}),
-        session_(shell_, http_, clock_) {
+        session_(shell_, network == Network::kLoopback ? static_cast<HttpClient&>(curl_) : http_,
+                 clock_) {
     StartupOptions options;
     options.base_directory = dir_.path();
     options.start_directory = dir_.path();
@@ -79,6 +83,7 @@ class GuiTest : public testing::Test {
 
   TempDir dir_;
   UnreachableHttp http_;
+  CurlHttpClient curl_;
   ManualClock clock_;
   gui::QtShell shell_;
   Session session_;

@@ -4,8 +4,10 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTabWidget>
 #include <QTest>
+#include <QTextBlock>
 #include <thread>
 
 #include "core/app/settings.h"
@@ -99,11 +101,20 @@ TEST_F(GuiWindow, DropDownsTakeItemsAndFreeText) {
 }
 
 TEST_F(GuiWindow, HelpButtonsShowTheirPageAtItsAnchorAndStayBoldAsTheCoreSays) {
+  window_->show();
+  window_->tabs()->setCurrentIndex(1);
   auto* browser = Find<gui::HelpBrowser>("WebBrowser2");
   EXPECT_TRUE(browser->source().toLocalFile().endsWith("SetupOverview.htm"));
+  Find<QPushButton>("DownloadSettings")->click();
+  QApplication::processEvents();
+  EXPECT_EQ(browser->verticalScrollBar()->value(), 0);
+  // The anchor's section is short and ends the page; it must still come to the top of the view.
   Find<QPushButton>("FullDownloads")->click();
+  QApplication::processEvents();
   EXPECT_TRUE(browser->source().toLocalFile().endsWith("DownloadSettings.htm"));
-  EXPECT_TRUE(browser->source().fragment().isEmpty());
+  EXPECT_EQ(browser->source().fragment(), "FullDownloads");
+  EXPECT_GT(browser->verticalScrollBar()->value(), 0);
+  EXPECT_EQ(browser->cursorForPosition(QPoint(10, 10)).block().text(), "Full Downloads");
   EXPECT_TRUE(Find<QPushButton>("FullDownloads")->font().bold());
 
   Find<QPushButton>("SpecialFunctions")->click();

@@ -319,7 +319,8 @@ void LoadConfiguration_Click(Session& session) {
   session.ui.DownLoadButton.caption = "When a Download List Is Loaded, Click Here To Download";
   session.ui.DownLoadButton.bold = true;
   SelectMasterfile(session);
-  RefreshMasterfile(session);
+  // A master file fetched for the first time must show at once, not at the next list click.
+  if (RefreshMasterfile(session)) LoadMasterfile(session);
   SetTabs(session);
 }
 

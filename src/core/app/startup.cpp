@@ -140,7 +140,12 @@ bool Exit_Click(Session& session, int page) {
 
 void CheckForUpdates_Click(Session& session) {
   LogEntry(session, "CheckForUpdates_Click");
-  session.shell.OpenDocument("http://" + session.ui.IPAddress + "/");
+  // The data service offers no program updates; the package the program came in does.
+  session.shell.MessageBox("This is Corvanet " + session.ui.DisplayVersionNum.caption +
+                               ".\rNew versions of the program come with its package: your "
+                               "system's package manager installs them with its other updates."
+                               "\rYour datafiles are brought up to date by each download.",
+                           "Check For Updates", Buttons::kOk, Icon::kInformation);
 }
 
 }  // namespace corvanet

@@ -14,6 +14,7 @@
 #include "core/platform/line_reader.h"
 #include "core/platform/text.h"
 #include "core/ui/captions.h"
+#include "core/ui/run_outcome.h"
 
 namespace corvanet {
 
@@ -36,6 +37,15 @@ constexpr std::array<PeriodBox, 4> kPeriodBoxes{{
 
 bool IsFullList(int list_number) {
   return list_number == 6 || list_number == 7;
+}
+
+// A full list fixes its own periods: daily only, or all four. Its saved file says the same, but a
+// list never saved has no file, and its run must not take the boxes of the list shown before.
+void FixFullListPeriods(WindowState& ui, int list_number) {
+  if (!IsFullList(list_number)) return;
+  for (const PeriodBox& period : kPeriodBoxes) {
+    ui.*period.box = list_number == 7 || period.box == &WindowState::DailyInterval ? 1 : 0;
+  }
 }
 
 constexpr std::array<VendorOption, 4> kVendors{{
@@ -173,6 +183,9 @@ void DownloadList_Click(Session& session, int list_number) {
     return;
   }
   if (IsFullList(list_number)) session.ui.List6.Clear();
+  // What was said about the list shown before is not about this one.
+  ClearRunOutcome(session.ui);
+  session.ui.SearchResult.clear();
   session.app.CurrentListNumber = std::to_string(list_number);
   LoadDownloadFile_Click(session);
   ChangeCaptionsOnButtons(session);
@@ -200,6 +213,7 @@ void LoadDownloadFile_Click(Session& session) {
     }
   }
   if (reader.failed()) Log(session, "LoadDownloadFile_Click - read error in " + path);
+  FixFullListPeriods(session.ui, n);
   ChangeCaptionsOnButtons(session);
 }
 
@@ -221,6 +235,8 @@ void SaveDownloadList_Click(Session& session) {
     return;
   }
   SaveToINI_Click(session);
+  // The boxes too, not only the file: a run started next reads its periods from them.
+  FixFullListPeriods(ui, n);
   ChangeCaptionsOnButtons(session);
 
   const std::string path = DownloadListPath(session, n);
@@ -228,12 +244,8 @@ void SaveDownloadList_Click(Session& session) {
   std::string line;
   line.append(vendor->word).append(",").append(vendor->word);
   writer.WriteLine(line);
-  for (std::size_t i = 0; i < kPeriodBoxes.size(); ++i) {
-    // A full list fixes its own periods, whatever the boxes show: daily only, or all four.
-    int value = ui.*kPeriodBoxes[i].box;
-    if (n == 6) value = i == 0 ? 1 : 0;
-    if (n == 7) value = 1;
-    line.assign(kPeriodBoxes[i].key).append(",").append(std::to_string(value));
+  for (const PeriodBox& period : kPeriodBoxes) {
+    line.assign(period.key).append(",").append(std::to_string(ui.*period.box));
     writer.WriteLine(line);
   }
   for (const std::string& item : ui.List6.items) {

@@ -92,10 +92,23 @@ void AddByString_Click(Session& session) {
   if (!MayChangeList(session, "Cannot add to or change this download list.")) return;
   const std::string needle = ToLower(session.ui.Text5);
   ListLookup lookup(session.ui.List6);
+  int matches = 0;
+  int added = 0;
   for (const std::string& item : session.ui.List5.items) {
-    if (ContainsIgnoreCase(item, needle)) lookup.AddIfMissing(session.ui.List6, item);
+    if (!ContainsIgnoreCase(item, needle)) continue;
+    ++matches;
+    if (lookup.AddIfMissing(session.ui.List6, item)) ++added;
   }
+  session.ui.SearchResult = SearchResultText(session.ui, matches, added);
   ChangeCaptionsOnButtons(session);
+}
+
+std::string SearchResultText(const WindowState& ui, int matches, int added) {
+  const std::string quoted = "\"" + ui.Text5 + "\"";
+  if (ui.List5.size() == 0) return "There is no list of indexes and ETFs to search yet.";
+  if (matches == 0) return "No index or ETF holds " + quoted + ".";
+  if (added == 0) return "Every index or ETF holding " + quoted + " is already on the list.";
+  return std::to_string(added) + " index(es) or ETF(s) holding " + quoted + " added to the list.";
 }
 
 void MoveAllToDownloadList_Click(Session& session) {

@@ -11,8 +11,11 @@ namespace corvanet {
 // True when the box holds an item equal to `text` ignoring letter case; false for an empty text.
 bool IsInList(const ListBox& box, std::string_view text);
 
-// Adds every master item holding the search text of Text5 (any letter case) not yet in the list.
+// Adds every master item holding the search text of Text5 (any letter case) not yet in the list,
+// and says in SearchResult what it found.
 void AddByString_Click(Session& session);
+// What a search for Text5 found: `matches` master items held it, `added` of them were new.
+std::string SearchResultText(const WindowState& ui, int matches, int added);
 // Replaces the download list by the whole master file, names shortened before their "(".
 void MoveAllToDownloadList_Click(Session& session);
 void ClearList_Click(Session& session);

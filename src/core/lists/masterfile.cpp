@@ -4,6 +4,7 @@
 
 #include "core/app/log.h"
 #include "core/platform/field_reader.h"
+#include "core/platform/text.h"
 
 namespace corvanet {
 
@@ -21,6 +22,17 @@ const DataSet& ChosenDataSet(const WindowState& ui) {
   return *chosen;
 }
 
+std::string ServiceHost(std::string_view address) {
+  std::string_view host = Trim(address);
+  // Users paste the address from a browser; the program puts the scheme and the path itself.
+  constexpr std::string_view kScheme = "http://";
+  if (host.size() >= kScheme.size() && ToLower(host.substr(0, kScheme.size())) == kScheme) {
+    host.remove_prefix(kScheme.size());
+  }
+  while (!host.empty() && host.back() == '/') host.remove_suffix(1);
+  return std::string(host);
+}
+
 std::string MasterFilePath(const Session& session) {
   return session.app.BaseDirectory + session.app.MasterFileName;
 }
@@ -29,7 +41,7 @@ void SelectMasterfile(Session& session) {
   LogEntry(session, "SelectMasterfile");
   const DataSet& data_set = ChosenDataSet(session.ui);
   session.app.MasterFileName = std::string(data_set.master_file_name);
-  session.app.DataSetURL = session.ui.IPAddress + std::string(data_set.server_path);
+  session.app.DataSetURL = ServiceHost(session.ui.IPAddress) + std::string(data_set.server_path);
   session.ui.FullPath.caption = std::string(data_set.caption);
   LoadMasterfile(session);
 }

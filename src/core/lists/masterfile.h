@@ -1,5 +1,6 @@
 #pragma once
 // The data set's master file: which one, where it lives on the service, and the master list box.
+#include <string>
 #include <string_view>
 
 #include "core/app/session.h"
@@ -14,6 +15,10 @@ struct DataSet {
 
 // The data set the two boxes choose: US wins over Plus, Plus over the standard set.
 const DataSet& ChosenDataSet(const WindowState& ui);
+
+// The host and port of the IPAddress text ("127.0.0.1:8080"), without a leading "http://" or
+// trailing slashes, which the service's URLs already have.
+std::string ServiceHost(std::string_view address);
 
 // Sets MasterFileName, DataSetURL and the FullPath caption from the data-set boxes, then reloads
 // the master list.

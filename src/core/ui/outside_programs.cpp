@@ -112,6 +112,8 @@ bool CreateShortcut_Click(Session& session) {
                                    std::filesystem::perms::group_exec |
                                    std::filesystem::perms::others_exec,
                                std::filesystem::perm_options::add, ec);
+  // Nothing opens to show that it worked, so say where it went.
+  session.ui.StatusText = "A shortcut to Corvanet was put on your desktop: " + path;
   return true;
 }
 

@@ -133,6 +133,14 @@ struct WindowState {
   ControlView Label13{"Download progress is displayed here"};
   // Which datafiles the last run could not update; shown only after a run with failures.
   ControlView RunProblems{"", false};
+  // What the last run did, every line of its RunSummary, under a heading that says plainly whether
+  // every file is up to date, so a run that fetched nothing cannot pass for a success. Emptied with
+  // RunProblems when another list is selected.
+  ControlView RunOutcome{"The result of a download is shown here."};
+  std::vector<std::string> RunSummaryLines;
+  bool RunFailed = false;
+  // What the last "select" search found, so a search without a match does not pass unnoticed.
+  std::string SearchResult;
   ControlView ButtonBarFrame{"Select a Download List"};
   ProgressBar ProgressBar1;
   ControlView FullPath{"/ovalith/data/"};
@@ -149,6 +157,9 @@ struct WindowState {
   std::string WebBrowser2Page;  // full path of the page shown in the setup browser
   // Bold state of the seven setup help buttons, in the order of HelpButton.
   std::array<bool, 7> HelpButtonBold{};
+  // Work the window starts by itself (the master list after the first save) and outcomes nothing
+  // else on the page shows; the window's status line.
+  std::string StatusText;
 };
 
 }  // namespace corvanet

@@ -220,7 +220,10 @@ TEST_F(FormUnloadTest, ExitButtonsLogTheirNameThenAsk) {
   EXPECT_EQ(p.shell.boxes.size(), 1U);
 
   CheckForUpdates_Click(p.session);
-  EXPECT_EQ(p.shell.opened.size(), 1U);
+  EXPECT_TRUE(p.shell.opened.empty());
+  ASSERT_EQ(p.shell.boxes.size(), 2U);
+  EXPECT_EQ(p.shell.boxes[1].text.find("This is Corvanet Version 5.1 - For Ovalith Subscribers.\r"),
+            0U);
   EXPECT_NE(log().find(" - CheckForUpdates_Click\r\n"), std::string::npos);
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <filesystem>
 
 #include "core/platform/field_reader.h"
@@ -79,6 +80,61 @@ TEST_F(DownloadListsTest, FullListsWriteTheirOwnPeriodLinesAndKeepWholeLines) {
       (Lines{"DailyInterval,1", "WeeklyInterval,1", "MonthlyInterval,1", "QuarterlyInterval,1"}));
 }
 
+// The boxes a run of a full list reads are its own, whichever list was shown before and whether
+// or not its file was ever saved (or says otherwise).
+TEST_F(DownloadListsTest, FullListsTakeTheirOwnPeriodsWhateverWasShownBefore) {
+  struct Case {
+    const char* what;
+    int before;  // the list shown first
+    int full;
+    Lines file;  // empty: never saved
+    std::array<int, 4> boxes;
+  };
+  const Lines weekly_only = {"eSignal,eSignal", "DailyInterval,0", "WeeklyInterval,1",
+                             "MonthlyInterval,0", "QuarterlyInterval,0"};
+  const Case cases[] = {
+      {"all periods after a daily list, never saved", 1, 7, {}, {1, 1, 1, 1}},
+      {"all daily after all periods, never saved", 7, 6, {}, {1, 0, 0, 0}},
+      {"all daily whose file was edited by hand", 7, 6, weekly_only, {1, 0, 0, 0}},
+      {"all periods whose file was edited by hand", 1, 7, weekly_only, {1, 1, 1, 1}},
+  };
+  t.WriteList(1, kHeaderYahooDailyMonthly);
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    std::filesystem::remove(t.lists("Download6.csv"));
+    std::filesystem::remove(t.lists("Download7.csv"));
+    if (!c.file.empty()) t.WriteList(c.full, c.file);
+    DownloadList_Click(s, c.before);
+    DownloadList_Click(s, c.full);
+    EXPECT_EQ((std::array<int, 4>{s.ui.DailyInterval, s.ui.WeeklyInterval, s.ui.MonthlyInterval,
+                                  s.ui.QuarterlyInterval}),
+              c.boxes);
+  }
+  // A save fixes the boxes as well as the file: the run that follows reads the boxes.
+  DownloadList_Click(s, 6);
+  s.ui.VendoreSignal = true;
+  s.ui.DailyInterval = 0;
+  s.ui.WeeklyInterval = 1;
+  SaveDownloadList_Click(s);
+  EXPECT_EQ(s.ui.DailyInterval, 1);
+  EXPECT_EQ(s.ui.WeeklyInterval, 0);
+  EXPECT_EQ(t.ReadList(6)[1], "DailyInterval,1");
+}
+
+TEST_F(DownloadListsTest, SelectingAListForgetsWhatWasSaidAboutTheListBefore) {
+  s.ui.RunProblems = {"2 datafile(s) could not be updated", true};
+  s.ui.RunOutcome.caption = "FAILED: ...";
+  s.ui.RunSummaryLines = {"Datafiles failed: 2"};
+  s.ui.RunFailed = true;
+  s.ui.SearchResult = "No index or ETF holds \"xyz\".";
+  DownloadList_Click(s, 2);
+  EXPECT_FALSE(s.ui.RunProblems.visible);
+  EXPECT_EQ(s.ui.RunOutcome.caption, WindowState().RunOutcome.caption);
+  EXPECT_TRUE(s.ui.RunSummaryLines.empty());
+  EXPECT_FALSE(s.ui.RunFailed);
+  EXPECT_TRUE(s.ui.SearchResult.empty());
+}
+
 TEST_F(DownloadListsTest, RestoreSelectsTheVendorOfTheFileOrNoneForAnUnknownWord) {
   struct Case {
     std::string line;
@@ -118,16 +174,13 @@ TEST_F(DownloadListsTest, GuardsAnswerWithTheirMessagesAndWriteNothing) {
   EXPECT_FALSE(Exists(t.lists("Download0.csv")));
 
   t.shell.Reset();
-  DownloadList_Click(s, 6);
-  s.ui.VendoreSignal = true;  // no period ticked: asked even though list 6 fixes its periods
-  SaveDownloadList_Click(s);
   DownloadList_Click(s, 2);
+  SaveDownloadList_Click(s);
   s.ui.DailyInterval = 1;
   s.ui.VendoreSignal = false;
   SaveDownloadList_Click(s);
   EXPECT_EQ(t.shell.texts(),
             (Lines{"Please select a Data Period!", "Please select a Data Vendor!"}));
-  EXPECT_FALSE(Exists(t.lists("Download6.csv")));
   EXPECT_FALSE(Exists(t.lists("Download2.csv")));
   EXPECT_EQ(t.shell.boxes[0].title, "Corvanet");
   EXPECT_EQ(t.shell.boxes[0].buttons, Buttons::kOk);

@@ -44,6 +44,26 @@ TEST_F(ListEditingTest, SearchAddsMatchesInAnyLetterCaseOnce) {
   EXPECT_TRUE(t.shell.boxes.empty());
 }
 
+TEST_F(ListEditingTest, SearchSaysWhatItFound) {
+  struct Case {
+    const char* text;
+    const char* result;
+  };
+  const Case cases[] = {
+      {"Bond", "No index or ETF holds \"Bond\"."},
+      {"dow", "2 index(es) or ETF(s) holding \"dow\" added to the list."},
+      {"DOW JONES", "Every index or ETF holding \"DOW JONES\" is already on the list."},
+  };
+  for (const Case& c : cases) {
+    s.ui.Text5 = c.text;
+    AddByString_Click(s);
+    EXPECT_EQ(s.ui.SearchResult, c.result);
+  }
+  s.ui.List5.Clear();
+  AddByString_Click(s);
+  EXPECT_EQ(s.ui.SearchResult, "There is no list of indexes and ETFs to search yet.");
+}
+
 TEST_F(ListEditingTest, MoveAllShortensNamesBeforeTheirFirstBracket) {
   s.ui.List6.Add("Old,$OLD");
   MoveAllToDownloadList_Click(s);

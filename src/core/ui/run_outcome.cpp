@@ -1,0 +1,55 @@
+#include "core/ui/run_outcome.h"
+
+#include "core/app/startup.h"
+#include "core/download/download_run.h"
+#include "core/lists/download_lists.h"
+
+namespace corvanet {
+
+namespace {
+
+std::string Heading(const RunSummary& summary, const std::string& list) {
+  if (!summary.started) return "FAILED: the download of " + list + " did not start.";
+  if (summary.stopped) {
+    return "STOPPED: the download of " + list + " was stopped before every datafile was updated.";
+  }
+  if (!summary.failures.empty() || !summary.period_problems.empty()) {
+    return "FAILED: not every datafile of " + list + " could be updated. Why is listed below.";
+  }
+  if (summary.has_failures()) {
+    return "FAILED: the datafiles of " + list +
+           " were updated, but not every statistic or price file could be made.";
+  }
+  return "Complete: every datafile of " + list + " was updated.";
+}
+
+}  // namespace
+
+void ShowRunOutcome(Session& session, const RunSummary& summary) {
+  WindowState& ui = session.ui;
+  ui.RunOutcome.caption = Heading(summary, DownLoadType(session));
+  ui.RunSummaryLines = summary.Lines();
+  ui.RunFailed = !summary.started || summary.has_failures();
+}
+
+void ClearRunOutcome(WindowState& ui) {
+  ui.RunOutcome.caption = WindowState().RunOutcome.caption;
+  ui.RunSummaryLines.clear();
+  ui.RunFailed = false;
+  ui.RunProblems = {"", false};
+}
+
+RunSummary DownloadAndShowOutcome(Session& session) {
+  RunSummary summary = DownLoadButton_Click(session);
+  ShowRunOutcome(session, summary);
+  return summary;
+}
+
+RunSummary AutomatedRunAndShowOutcome(Session& session) {
+  RunSummary summary = AutomatedRuns(session);
+  // A list number outside 1-7 selects nothing and runs nothing; there is no run to show.
+  if (CurrentListNumber(session) != 0) ShowRunOutcome(session, summary);
+  return summary;
+}
+
+}  // namespace corvanet
