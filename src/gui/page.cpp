@@ -1,5 +1,6 @@
 #include "gui/page.h"
 
+#include <QPushButton>
 #include <QScrollArea>
 #include <QVBoxLayout>
 
@@ -20,6 +21,13 @@ void Page::SetLocked(bool locked) {
   // The page itself is the tab's to enable (QTabWidget::setTabEnabled), so only parts inside it are
   // locked; a disabled part keeps its children disabled whatever a render sets on them.
   for (QWidget* part : lockable_) part->setEnabled(!locked);
+}
+
+QPushButton* InertExitButton(const char* name) {
+  auto* button = new QPushButton("Exit");
+  button->setObjectName(name);
+  button->setEnabled(false);
+  return button;
 }
 
 void Page::ShowWhole(QWidget* widget) {

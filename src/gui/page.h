@@ -4,6 +4,7 @@
 #include <functional>
 #include <vector>
 
+class QPushButton;
 class QScrollArea;
 
 #include "core/app/session.h"
@@ -29,6 +30,10 @@ class PageHost {
   // The pages' Exit buttons (1-4).
   virtual void ExitClicked(int page) = 0;
 };
+
+// The "Exit" buttons that carry the caption and no action (Exit6, Delete1, Delete2): shown as they
+// always were, but disabled, so no one expects them to close the window.
+QPushButton* InertExitButton(const char* name);
 
 // A page lays its controls out in content(), which scrolls when the window is smaller than they
 // need, so nothing is clipped or overlaps at any window size.

@@ -78,6 +78,7 @@ class DownloadPage final : public Page {
     exit->setObjectName("Exit3");
     connect(exit, &QPushButton::clicked, this, [this] { host_.ExitClicked(3); });
     button_column->addWidget(exit);
+    button_column->addWidget(InertExitButton("Delete1"));
     button_column->addStretch();
     bottom->addLayout(button_column);
 

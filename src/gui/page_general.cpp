@@ -58,15 +58,6 @@ QLabel* Note(const QString& text) {
   return label;
 }
 
-// Clearing deletes every datafile, and the core asks nothing first, so the window asks.
-void AskAndClearDataFiles(Session& session) {
-  const Answer answer = session.shell.MessageBox(
-      "Delete every datafile in " + session.ui.PathToDataFiles +
-          " and its period folders?\rThe next download then fetches every datafile in full.",
-      "Clear Datafiles", Buttons::kYesNo, Icon::kQuestion);
-  if (answer == Answer::kYes) ClearDataFiles_Click(session);
-}
-
 class GeneralPage final : public Page {
  public:
   explicit GeneralPage(PageHost& host) : Page(host) {
@@ -127,7 +118,12 @@ class GeneralPage final : public Page {
     auto* log = new QVBoxLayout;
     log->addWidget(bind_.PlainCheck("GenerateLogFile", &WindowState::GenerateLogFile,
                                     "Generate Log File", &GenerateLogFile_Click));
-    log->addWidget(Note("This must be selected upon each new run."));
+    log->addWidget(Note(
+        "This setting is not saved in your configuration file and must be selected upon each new "
+        "run of the Corvanet program."));
+    log->addWidget(
+        Note("When requested by Tessaly support, however, this log file can be "
+             "instrumental in identifying the cause of many errors."));
     right->addWidget(Group("Frame16", "Generate Log File", log));
     auto* desktop = new QVBoxLayout;
     desktop->addWidget(bind_.Button("CreateShortcut", "Create Desktop Shortcut",
@@ -142,12 +138,14 @@ class GeneralPage final : public Page {
     buttons->addWidget(
         bind_.WorkerButton("LoadConfiguration", "Reload Saved Settings", &LoadConfiguration_Click),
         0, 1);
-    buttons->addWidget(bind_.Button("ClearDataFiles", "Clear Datafiles", &AskAndClearDataFiles), 1,
-                       0);
+    buttons->addWidget(bind_.Button("ClearDataFiles", "Clear Datafiles",
+                                    [](Session& s) { ClearDataFiles_Click(s); }),
+                       1, 0);
     auto* exit = new QPushButton("Exit");
     exit->setObjectName("Exit2");
     connect(exit, &QPushButton::clicked, this, [this] { host_.ExitClicked(2); });
     buttons->addWidget(exit, 1, 1);
+    buttons->addWidget(InertExitButton("Delete2"), 2, 1);
     right->addLayout(buttons);
   }
 

@@ -62,8 +62,11 @@ class SetupPage final : public Page {
       buttons_.push_back(button);
     }
     column->addStretch();
+    auto* side = new QVBoxLayout;
+    side->addWidget(frame, 1);
+    side->addWidget(InertExitButton("Exit6"));
     auto* layout = new QHBoxLayout(content());
-    layout->addWidget(frame);
+    layout->addLayout(side);
     layout->addWidget(browser_, 1);
     LockOnly({frame});
   }

@@ -183,3 +183,34 @@ TEST_F(GuiWindow, ChoosingATabIsRememberedButARunCanBringAPageForward) {
 
 }  // namespace
 }  // namespace corvanet::test
+
+namespace corvanet::test {
+namespace {
+
+// Texts and buttons as the program has always had them: the log box's two sentences, the
+// caption-only Exit buttons, and clearing without a question.
+TEST_F(GuiWindow, KeepsTheProgramsOwnTextsAndButtons) {
+  std::string labels;
+  for (const QLabel* label : window_->findChildren<QLabel*>()) {
+    labels += label->text().toStdString() + "\n";
+  }
+  for (const char* sentence :
+       {"This setting is not saved in your configuration file and must be selected upon each new "
+        "run of the Corvanet program.",
+        "When requested by Tessaly support, however, this log file can be instrumental in "
+        "identifying the cause of many errors."}) {
+    EXPECT_NE(labels.find(sentence), std::string::npos) << sentence;
+  }
+  for (const char* name : {"Exit6", "Delete1", "Delete2"}) {
+    auto* button = Find<QPushButton>(name);
+    EXPECT_EQ(button->text(), "Exit") << name;
+    EXPECT_FALSE(button->isEnabled()) << name;
+  }
+  WriteFile(session_.ui.PathToDataFiles + "Daily/$NYA.csv", "x");
+  Find<QPushButton>("ClearDataFiles")->click();
+  EXPECT_FALSE(Exists(session_.ui.PathToDataFiles + "Daily/$NYA.csv"));
+  EXPECT_TRUE(messages.empty()) << "clearing asks nothing";
+}
+
+}  // namespace
+}  // namespace corvanet::test
