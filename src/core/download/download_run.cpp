@@ -149,12 +149,24 @@ void RunPeriod(Session& session, int run_total, RunSummary& summary) {
 // Names what failed, so a run that looks complete in the window says so too.
 std::string ProblemsText(const RunSummary& summary) {
   if (!summary.has_failures()) return {};
-  std::string text = std::to_string(summary.failures.size()) + " datafile(s) could not be updated";
+  std::string text;
+  const std::size_t failed = summary.failures.size() + static_cast<std::size_t>(summary.not_updated);
+  if (failed > 0) text = std::to_string(failed) + " datafile(s) could not be updated";
   for (std::size_t i = 0; i < summary.failures.size() && i < 5; ++i) {
     text += (i == 0 ? ": " : ", ") + summary.failures[i].symbol + " " + summary.failures[i].period;
   }
   if (summary.failures.size() > 5) text += ", ...";
-  for (const std::string& problem : summary.period_problems) text += "; " + problem;
+  for (const std::string& problem : summary.period_problems) {
+    text += (text.empty() ? "" : "; ") + problem;
+  }
+  if (summary.stopped) text += (text.empty() ? "" : "; ") + std::string("the run was stopped");
+  for (const ConversionOutcome& batch : summary.conversions) {
+    if (batch.failed > 0 || !batch.problem.empty()) {
+      text += (text.empty() ? "" : "; ") + batch.batch_file + ": " +
+              (batch.problem.empty() ? std::to_string(batch.failed) + " price file(s) not converted"
+                                     : batch.problem);
+    }
+  }
   return text;
 }
 
