@@ -96,18 +96,8 @@ TEST_F(GuiFirstUse, AMasterListThatCannotBeFetchedSaysWhatToDo) {
 
 class GuiFullLists : public GuiServiceTest {
  protected:
-  void SetUp() override {
-    EnterLogIn(service.password());
-    Click("SaveToINI");
-    ASSERT_TRUE(WaitUntilIdle());
-    // List 1: one index, daily only.
-    Click("DownloadList1");
-    Find<QCheckBox>("DailyInterval")->click();
-    Find<QRadioButton>("VendoreSignal")->click();
-    TypeOver("Text5", "$NYA");
-    Click("AddByString");
-    Click("SaveDownloadList");
-  }
+  // List 1: one index, daily only.
+  void SetUp() override { SaveLogInAndListOne({"$NYA"}); }
 
   std::array<int, 4> Boxes() const {
     return {session_.ui.DailyInterval, session_.ui.WeeklyInterval, session_.ui.MonthlyInterval,

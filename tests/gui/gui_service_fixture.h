@@ -1,9 +1,13 @@
 #pragma once
 // The window against the demo data service on 127.0.0.1: the user types the log-in and the
 // service's address into the fields, clicks the buttons, and the run fetches over real HTTP.
+#include <QCheckBox>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QTest>
+#include <string>
+#include <vector>
 
 #include "gui_fixture.h"
 #include "support/demo_service.h"
@@ -42,21 +46,28 @@ class GuiServiceTest : public GuiTest {
     QObject::disconnect(connection);
   }
 
+  // Saves the log-in (the master list is fetched then), and list 1 as a user makes it: daily,
+  // eSignal, the indexes found by each search text.
+  void SaveLogInAndListOne(const std::vector<std::string>& searches) {
+    EnterLogIn(service.password());
+    Click("SaveToINI");
+    ASSERT_TRUE(WaitUntilIdle());
+    Click("DownloadList1");
+    Find<QCheckBox>("DailyInterval")->click();
+    Find<QRadioButton>("VendoreSignal")->click();
+    for (const std::string& text : searches) {
+      TypeOver("Text5", text);
+      Click("AddByString");
+    }
+    Click("SaveDownloadList");
+  }
+
   // Waits for long work the window started by itself (a fetch after saving) to end.
   bool WaitUntilIdle() {
     return ProcessUntil([this] { return !window_->running(); }, std::chrono::seconds(30));
   }
 
-  // How often the service was asked for a path holding this text.
-  int Requests(const std::string& path_part) const {
-    int count = 0;
-    const std::string log = service.log();
-    for (std::size_t pos = log.find(path_part); pos != std::string::npos;
-         pos = log.find(path_part, pos + 1)) {
-      ++count;
-    }
-    return count;
-  }
+  int Requests(const std::string& path_part) const { return service.Requests(path_part); }
 
   DemoService service;
 };

@@ -16,17 +16,7 @@ namespace {
 class GuiRun : public GuiServiceTest {
  protected:
   void SetUp() override {
-    EnterLogIn(service.password());
-    Click("SaveToINI");
-    ASSERT_TRUE(WaitUntilIdle());
-    Click("DownloadList1");
-    Find<QCheckBox>("DailyInterval")->click();
-    Find<QRadioButton>("VendoreSignal")->click();
-    for (const char* symbol : {"$NYA", "$XAX"}) {
-      TypeOver("Text5", symbol);
-      Click("AddByString");
-    }
-    Click("SaveDownloadList");
+    SaveLogInAndListOne({"$NYA", "$XAX"});
     ASSERT_EQ(session_.ui.List6.size(), 2u);
   }
 

@@ -177,4 +177,14 @@ std::string DemoService::log() const {
   return ReadFile(log_file_);
 }
 
+int DemoService::Requests(std::string_view path_part) const {
+  int count = 0;
+  const std::string text = log();
+  for (std::size_t pos = text.find(path_part); pos != std::string::npos;
+       pos = text.find(path_part, pos + 1)) {
+    ++count;
+  }
+  return count;
+}
+
 }  // namespace corvanet::test

@@ -76,6 +76,8 @@ class DemoService {
   void Advance(int bars = 1);
   // The server's request log so far.
   std::string log() const;
+  // How often the server was asked for a path holding this text.
+  int Requests(std::string_view path_part) const;
 
  private:
   bool StartOn(int port);
