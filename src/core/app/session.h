@@ -12,6 +12,8 @@
 
 namespace corvanet {
 
+class FetchAhead;
+
 // Form-level state fixed at start-up and by the list and data-set choices.
 struct AppState {
   std::string StartDirectory;  // where the program was started; "" = the current directory
@@ -66,6 +68,9 @@ struct Session {
   // is started. Owned by the front end; nullptr when it offers no way to stop.
   const std::atomic<bool>* stop_requested = nullptr;
   long http_timeout_seconds = 60;
+  // While a period's walk runs: the whole files fetched ahead of it, which RetrieveDataFile takes
+  // instead of fetching them itself (download/fetch_ahead.h).
+  FetchAhead* fetch_ahead = nullptr;
 
   bool logging() const { return ui.GenerateLogFile != 0; }
   void NotifyObserver() {

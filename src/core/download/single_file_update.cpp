@@ -5,6 +5,7 @@
 
 #include "core/app/log.h"
 #include "core/download/datafile_names.h"
+#include "core/download/fetch_ahead.h"
 #include "core/download/retrieve.h"
 #include "core/download/symbols.h"
 #include "core/download/update_datafile.h"
@@ -37,8 +38,8 @@ DatafileOutcome UpdateOne(Session& session, const UpdateFileIndex& update_rows,
         RetrieveDataFile(session, session.run.RemoteFileName, session.run.BaseFileName);
     fetched_whole = fetched.ok();
     if (!fetched.ok()) {
-      problem = "the full download failed: " + fetched.Describe() + " for " +
-                session.run.RemoteFileName;
+      problem =
+          "the full download failed: " + fetched.Describe() + " for " + session.run.RemoteFileName;
       const auto kept = FileSize(BaseFolder(session) + session.run.BaseFileName);
       if (!kept || *kept == 0) {
         outcome.reason = problem;
@@ -65,16 +66,17 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
   ui.Frame2.caption = "Datafile Update Started at " + FormatClockAmPm(run.RunStartTime);
   Pause(session, 0.025);
   const bool quarterly = run.DataPeriod == "Quarterly";
+  FetchAhead ahead(session, list, update_rows);
   std::string name;
   std::string symbol;
-  while (!list.AtEnd()) {
+  while (!ahead.AtEnd()) {
     if (StopRequested(session)) {
       summary.stopped = true;
       break;
     }
     SetProgress(session, run.DatafileCounter + 1);
     Pause(session, 0.0025);
-    if (!list.ReadRecord(name, symbol)) {
+    if (!ahead.ReadRecord(name, symbol)) {
       Log(session, "SingleFileUpdate - the list ends with a name without a symbol: " + name);
       break;
     }
