@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "core/platform/clock.h"
 #include "core/platform/http.h"
@@ -71,6 +72,10 @@ struct Session {
   // While a period's walk runs: the whole files fetched ahead of it, which RetrieveDataFile takes
   // instead of fetching them itself (download/fetch_ahead.h).
   FetchAhead* fetch_ahead = nullptr;
+  // While files are written on other threads: the log lines held back until the work handed over
+  // before them is logged, so the log keeps its order (stats/writer_pool.h). nullptr: straight to
+  // the log file.
+  std::vector<std::string>* held_log_lines = nullptr;
 
   bool logging() const { return ui.GenerateLogFile != 0; }
   void NotifyObserver() {
