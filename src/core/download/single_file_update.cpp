@@ -13,6 +13,7 @@
 #include "core/platform/files.h"
 #include "core/platform/text.h"
 #include "core/pricefiles/price_files.h"
+#include "core/stats/writer_pool.h"
 
 namespace corvanet {
 
@@ -67,6 +68,8 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
   Pause(session, 0.025);
   const bool quarterly = run.DataPeriod == "Quarterly";
   FetchAhead ahead(session, list, update_rows);
+  // Price files are written on other threads while the walk merges the next datafiles.
+  WriterPool writers(session, ui.MakeMetaStockPxFiles != 0 ? WriterPool::ThreadsWanted() : 1);
   std::string name;
   std::string symbol;
   while (!ahead.AtEnd()) {
@@ -102,6 +105,8 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
         tail;
     session.NotifyObserver();
     ++record_counter;
+    // A datafile listed twice: its earlier price files are read before it changes again.
+    writers.Settle(DestinationPath(session));
     std::string problem;
     const DatafileOutcome outcome = UpdateOne(session, update_rows, problem);
     const std::string which = symbol + " " + run.DataPeriod + ": ";
@@ -124,7 +129,7 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
         break;
     }
     // A datafile that could not be updated keeps its old price files too.
-    if (outcome.ok() && ui.MakeMetaStockPxFiles != 0) CreateMetaStockPxFiles(session);
+    if (outcome.ok() && ui.MakeMetaStockPxFiles != 0) CreateMetaStockPxFiles(session, writers);
   }
 }
 
