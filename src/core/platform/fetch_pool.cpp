@@ -79,6 +79,7 @@ struct FetchPool::State {
       int still_running = 0;
       curl_multi_perform(multi, &still_running);
       int left = 0;
+      bool connection_freed = false;
       while (CURLMsg* message = curl_multi_info_read(multi, &left)) {
         if (message->msg != CURLMSG_DONE) continue;
         CURL* handle = message->easy_handle;
@@ -88,8 +89,10 @@ struct FetchPool::State {
         FetchResult result = curl::ResultOf(handle, code, job->error_text);
         Release(*job);
         End(*job, std::move(result));
+        connection_freed = true;
       }
-      curl_multi_poll(multi, nullptr, 0, kIdleWaitMs, nullptr);
+      // A freed connection takes the next waiting fetch at once.
+      if (!connection_freed) curl_multi_poll(multi, nullptr, 0, kIdleWaitMs, nullptr);
     }
   }
 
