@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Puts every build and test dependency on a Debian 12 machine. Quick no-op when all is present.
-# With the argument "bench" it also installs what the benchmarks compare against (pandas).
+# With the argument "bench" it also installs what the benchmarks compare against (pandas, curl).
 set -euo pipefail
 
 packages=(
@@ -12,7 +12,7 @@ packages=(
   python3 time
   clang-format
 )
-if [ "${1:-}" = "bench" ]; then packages+=(python3-pandas); fi
+if [ "${1:-}" = "bench" ]; then packages+=(python3-pandas curl); fi
 
 missing=()
 for p in "${packages[@]}"; do
