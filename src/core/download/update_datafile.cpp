@@ -7,6 +7,7 @@
 #include "core/download/datafile_names.h"
 #include "core/download/retrieve.h"
 #include "core/download/row_checks.h"
+#include "core/platform/deferred_release.h"
 #include "core/platform/files.h"
 #include "core/platform/line_reader.h"
 #include "core/platform/text.h"
@@ -184,6 +185,7 @@ std::string DestinationLastDate(const Session& session) {
 struct MergeFiles {
   LineReader base;
   AtomicFileWriter destination;
+  DeferredRelease old_copies;
 };
 MergeFiles& ReusedMergeFiles() {
   thread_local MergeFiles files;
@@ -229,7 +231,10 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
           "UpdateDatafile - " + run.DestinationFileName + " kept as it was: " + outcome.reason);
       return false;
     }
-    if (!destination.Commit()) {
+    const int old_copy = files.old_copies.Hold(destination.target());
+    const bool committed = destination.Commit();
+    files.old_copies.Release(old_copy);
+    if (!committed) {
       outcome.reason = "cannot write " + destination.target() + ": " + destination.error();
       return false;
     }
