@@ -1,12 +1,13 @@
-#!/usr/bin/env python3
+#!/ usr / bin / env python3
 """The statistic and price-file split of stat_files_bench done with pandas, for comparison.
 
-    stat_split_pandas.py DIR OUT
+    stat_split_pandas.py DIR OUT [--statistics-only]
 
 Reads every datafile DIR/CSVFiles/<period>/<symbol>.csv of the master file DIR/Masterfile2.csv
 once and writes the same files as the program: OUT/<statistic>/<period>/<symbol>-<statistic>.csv
 (date, value) for the 34 statistics, and OUT/PX|PxEqWt/<period>/<symbol>.csv price files with the
-ten-column header. Numbers are written the way pandas writes them; the work is the same.
+ten-column header. Numbers are written the way pandas writes them; the work is the same. With
+--statistics-only it writes the statistic files alone, as `corvanet-cli stats N` does.
 """
 import os
 import sys
@@ -14,7 +15,7 @@ import sys
 import pandas as pd
 
 PERIODS = ["Daily", "Weekly", "Monthly", "Quarterly"]
-# Statistic name -> 0-based datafile column, in catalogue order.
+#Statistic name->0 - based datafile column, in catalogue order.
 STATISTICS = [
     ("UpTrends", 10), ("NewUpTrends", 11), ("DownTrends", 12), ("NewDownTrends", 13),
     ("Advances", 15), ("Declines", 16), ("Unchanged", 22), ("Traded", 21),
@@ -34,7 +35,7 @@ PRICE_KINDS = [
 HEADER = "<ticker>,<name>,<per>,<date>,<open>,<high>,<low>,<close>,<vol>,<o/i>\r\n"
 
 
-def main(root, out):
+def main(root, out, price_files=True):
     master = pd.read_csv(os.path.join(root, "Masterfile2.csv"), header=None,
                          names=["name", "symbol"], skipinitialspace=True)
     for period in PERIODS:
@@ -45,12 +46,16 @@ def main(root, out):
     for period in PERIODS:
         for issue, symbol in zip(master["name"], master["symbol"]):
             path = os.path.join(root, "CSVFiles", period, symbol + ".csv")
+            if not os.path.exists(path):  # the quarterly files a run does not make
+                continue
             frame = pd.read_csv(path, header=None, skiprows=1)
             dates = frame[1]
             for name, column in STATISTICS:
                 target = os.path.join(out, name, period, f"{symbol}-{name}.csv")
                 pd.DataFrame({0: dates, 1: frame[column]}).to_csv(
                     target, header=False, index=False, lineterminator="\r\n")
+            if not price_files:
+                continue
             per = frame[0].replace("Q", "M")
             for kind, columns in PRICE_KINDS:
                 lines = pd.DataFrame({"t": symbol, "n": issue, "p": per, "d": dates})
@@ -63,6 +68,6 @@ def main(root, out):
 
 
 if __name__ == "__main__":
-    if len(sys.argv) != 3:
+    if len(sys.argv) not in (3, 4) or sys.argv[3:] not in ([], ["--statistics-only"]):
         sys.exit(__doc__)
-    main(sys.argv[1], sys.argv[2])
+    main(sys.argv[1], sys.argv[2], price_files=len(sys.argv) == 3)

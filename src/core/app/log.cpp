@@ -1,6 +1,7 @@
 #include "core/app/log.h"
 
 #include <string>
+#include <utility>
 
 #include "core/app/settings.h"
 #include "core/platform/files.h"
@@ -26,6 +27,14 @@ void WriteLogAlways(Session& session, std::string_view message) {
     line += static_cast<unsigned char>(c) < 0x20 ? '?' : c;
   }
   if (message.size() > kLongest) line += " ...";
+  AppendLogLine(session, std::move(line));
+}
+
+void AppendLogLine(Session& session, std::string line) {
+  if (session.held_log_lines != nullptr) {
+    session.held_log_lines->push_back(std::move(line));
+    return;
+  }
   AppendLine(LogFilePath(session), line, FileAccess::kOwnerOnly);
 }
 

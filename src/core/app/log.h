@@ -1,6 +1,7 @@
 #pragma once
 // The support log, LogFile.txt in the program folder: one line per call while GenerateLogFile is
 // ticked (time, " - ", LogDetail, " - ", message), and a settings report that starts it afresh.
+#include <string>
 #include <string_view>
 
 #include "core/app/session.h"
@@ -13,6 +14,10 @@ namespace corvanet {
 void WriteLog(Session& session, std::string_view message);
 // The same whatever the box says, for the few lines that are always written.
 void WriteLogAlways(Session& session, std::string_view message);
+
+// Appends one whole line (time and LogDetail included) to the log, or to the session's held lines
+// while it holds lines back.
+void AppendLogLine(Session& session, std::string line);
 
 // The entry line every procedure writes: its own name, when logging is on.
 inline void LogEntry(Session& session, std::string_view procedure) {

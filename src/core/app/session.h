@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "core/platform/clock.h"
 #include "core/platform/http.h"
@@ -11,6 +12,8 @@
 #include "core/ui/window_state.h"
 
 namespace corvanet {
+
+class FetchAhead;
 
 // Form-level state fixed at start-up and by the list and data-set choices.
 struct AppState {
@@ -66,6 +69,13 @@ struct Session {
   // is started. Owned by the front end; nullptr when it offers no way to stop.
   const std::atomic<bool>* stop_requested = nullptr;
   long http_timeout_seconds = 60;
+  // While a period's walk runs: the whole files fetched ahead of it, which RetrieveDataFile takes
+  // instead of fetching them itself (download/fetch_ahead.h).
+  FetchAhead* fetch_ahead = nullptr;
+  // While files are written on other threads: the log lines held back until the work handed over
+  // before them is logged, so the log keeps its order (stats/writer_pool.h). nullptr: straight to
+  // the log file.
+  std::vector<std::string>* held_log_lines = nullptr;
 
   bool logging() const { return ui.GenerateLogFile != 0; }
   void NotifyObserver() {

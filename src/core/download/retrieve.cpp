@@ -1,6 +1,7 @@
 #include "core/download/retrieve.h"
 
 #include "core/app/log.h"
+#include "core/download/fetch_ahead.h"
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
 
@@ -20,11 +21,12 @@ FetchResult RetrieveDataFile(Session& session, std::string_view remote_path,
   std::string local_path = BaseFolder(session);
   // Names such as "\Zennor_System.txt" carry the service's separator.
   for (const char c : local_name) local_path += c == '\\' ? kSep : c;
-  FetchResult result = session.http.FetchToFile(request, local_path);
+  FetchResult result = session.fetch_ahead != nullptr
+                           ? session.fetch_ahead->Fetch(request, local_path)
+                           : session.http.FetchToFile(request, local_path);
   if (!result.ok()) {
-    WriteLog(session,
-             "RetrieveDataFile - " + std::string(remote_path) + " - " + result.Describe() +
-                 " - nothing saved");
+    WriteLog(session, "RetrieveDataFile - " + std::string(remote_path) + " - " + result.Describe() +
+                          " - nothing saved");
   }
   return result;
 }

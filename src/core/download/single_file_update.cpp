@@ -5,6 +5,7 @@
 
 #include "core/app/log.h"
 #include "core/download/datafile_names.h"
+#include "core/download/fetch_ahead.h"
 #include "core/download/retrieve.h"
 #include "core/download/symbols.h"
 #include "core/download/update_datafile.h"
@@ -12,6 +13,7 @@
 #include "core/platform/files.h"
 #include "core/platform/text.h"
 #include "core/pricefiles/price_files.h"
+#include "core/stats/writer_pool.h"
 
 namespace corvanet {
 
@@ -37,8 +39,8 @@ DatafileOutcome UpdateOne(Session& session, const UpdateFileIndex& update_rows,
         RetrieveDataFile(session, session.run.RemoteFileName, session.run.BaseFileName);
     fetched_whole = fetched.ok();
     if (!fetched.ok()) {
-      problem = "the full download failed: " + fetched.Describe() + " for " +
-                session.run.RemoteFileName;
+      problem =
+          "the full download failed: " + fetched.Describe() + " for " + session.run.RemoteFileName;
       const auto kept = FileSize(BaseFolder(session) + session.run.BaseFileName);
       if (!kept || *kept == 0) {
         outcome.reason = problem;
@@ -65,16 +67,19 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
   ui.Frame2.caption = "Datafile Update Started at " + FormatClockAmPm(run.RunStartTime);
   Pause(session, 0.025);
   const bool quarterly = run.DataPeriod == "Quarterly";
+  FetchAhead ahead(session, list, update_rows);
+  // Price files are written on other threads while the walk merges the next datafiles.
+  WriterPool writers(session, ui.MakeMetaStockPxFiles != 0 ? WriterPool::ThreadsWanted() : 1);
   std::string name;
   std::string symbol;
-  while (!list.AtEnd()) {
+  while (!ahead.AtEnd()) {
     if (StopRequested(session)) {
       summary.stopped = true;
       break;
     }
     SetProgress(session, run.DatafileCounter + 1);
     Pause(session, 0.0025);
-    if (!list.ReadRecord(name, symbol)) {
+    if (!ahead.ReadRecord(name, symbol)) {
       Log(session, "SingleFileUpdate - the list ends with a name without a symbol: " + name);
       break;
     }
@@ -100,6 +105,8 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
         tail;
     session.NotifyObserver();
     ++record_counter;
+    // A datafile listed twice: its earlier price files are read before it changes again.
+    writers.Settle(DestinationPath(session));
     std::string problem;
     const DatafileOutcome outcome = UpdateOne(session, update_rows, problem);
     const std::string which = symbol + " " + run.DataPeriod + ": ";
@@ -122,7 +129,7 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
         break;
     }
     // A datafile that could not be updated keeps its old price files too.
-    if (outcome.ok() && ui.MakeMetaStockPxFiles != 0) CreateMetaStockPxFiles(session);
+    if (outcome.ok() && ui.MakeMetaStockPxFiles != 0) CreateMetaStockPxFiles(session, writers);
   }
 }
 

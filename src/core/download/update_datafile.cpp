@@ -6,6 +6,8 @@
 #include "core/app/log.h"
 #include "core/download/datafile_names.h"
 #include "core/download/retrieve.h"
+#include "core/download/row_checks.h"
+#include "core/platform/deferred_release.h"
 #include "core/platform/files.h"
 #include "core/platform/line_reader.h"
 #include "core/platform/text.h"
@@ -15,20 +17,6 @@ namespace corvanet {
 namespace {
 
 constexpr int kFetchGuard = 5;
-
-// The commas that separate fields: a quoted text field may hold commas of its own (a header name,
-// say), and those must not make a row look garbled.
-std::size_t CountCommas(std::string_view text) {
-  // Rows almost never hold a quote: then every comma separates two fields.
-  if (text.find('"') == std::string_view::npos) return CountChar(text, ',');
-  std::size_t commas = 0;
-  bool quoted = false;
-  for (const char c : text) {
-    if (c == '"') quoted = !quoted;
-    if (c == ',' && !quoted) ++commas;
-  }
-  return commas;
-}
 
 enum class Pass {
   kMerged,
@@ -43,14 +31,6 @@ struct PassResult {
   bool header_only = false;
 };
 
-// A row the datafile must not take: one holding a NUL or another control character (a tab aside).
-bool HoldsControlCharacter(std::string_view row) {
-  return std::any_of(row.begin(), row.end(), [](char c) {
-    const auto u = static_cast<unsigned char>(c);
-    return (u < 0x20 && c != '\t') || u == 0x7f;
-  });
-}
-
 // Rows left out of a pass because their date does not come after the row before, or because they
 // hold control characters: counted, and logged once when the pass ends, so a hostile body of a
 // million bad rows gives one line, not a million.
@@ -62,10 +42,10 @@ class LeftOutRows {
   ~LeftOutRows() {
     if (count_ == 0) return;
     Log(session_, "UpdateDatafile - " + session_.run.DestinationFileName + " - " +
-                            std::to_string(count_) +
-                            " row(s) out of date order or holding control characters left out, "
-                            "the first in " +
-                            first_);
+                      std::to_string(count_) +
+                      " row(s) out of date order or holding control characters left out, "
+                      "the first in " +
+                      first_);
   }
   void Add(std::string_view where, int line = 0) {
     if (count_++ != 0) return;
@@ -111,7 +91,7 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
   }
   destination.WriteLine(line);
   const std::string header(line);
-  const std::size_t fields = CountCommas(line);
+  const std::size_t fields = CountFieldCommas(line);
   LeftOutRows left_out(session);
 
   // Update rows that do not have the datafile's shape would spoil it: leave them out.
@@ -120,18 +100,18 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
   for (const std::string_view row : update_rows) {
     if (HoldsControlCharacter(row)) {
       left_out.Add("the update rows of " + session.run.WebSymbol);
-    } else if (CountCommas(row) == fields) {
+    } else if (CountFieldCommas(row) == fields) {
       rows.push_back(row);
     } else {
       ++misshapen;
       Log(session, "UpdateDatafile - update row for " + session.run.WebSymbol +
-                             " does not match the datafile's columns; left out");
+                       " does not match the datafile's columns; left out");
     }
   }
   if (misshapen > 0 && misshapen == update_rows.size()) {
     // Not one update row has the base copy's shape: the base copy is what is wrong.
     Log(session, "UpdateDatafile - " + session.run.BaseFileName +
-                           " does not have the columns of the update rows");
+                     " does not have the columns of the update rows");
     return result;
   }
 
@@ -142,12 +122,13 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
     ++number;
     line = Trim(line);
     if (line.empty()) continue;
-    if (CountCommas(line) != fields || !HasRowDate(line)) {
+    const RowShape shape = ShapeOf(line);
+    if (shape.field_commas != fields || !HasRowDate(line)) {
       Log(session, "UpdateDatafile - " + session.run.BaseFileName + " line " +
-                             std::to_string(number) + " is garbled");
+                       std::to_string(number) + " is garbled");
       return result;
     }
-    if (RowDate(line) <= std::string_view(last_date) || HoldsControlCharacter(line)) {
+    if (RowDate(line) <= std::string_view(last_date) || shape.control) {
       left_out.Add(session.run.BaseFileName, number);
       continue;
     }
@@ -204,6 +185,7 @@ std::string DestinationLastDate(const Session& session) {
 struct MergeFiles {
   LineReader base;
   AtomicFileWriter destination;
+  DeferredRelease old_copies;
 };
 MergeFiles& ReusedMergeFiles() {
   thread_local MergeFiles files;
@@ -229,8 +211,8 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
   Log(session, "UpdateDatafile");
   DatafileOutcome outcome;
   if (run.GetFileCount >= kFetchGuard) {
-    Log(session, "GetFileCount = " + std::to_string(run.GetFileCount) +
-                           " in UpdateDatafile - Exiting Sub");
+    Log(session,
+        "GetFileCount = " + std::to_string(run.GetFileCount) + " in UpdateDatafile - Exiting Sub");
     outcome.reason = "too many fetches for one datafile";
     return outcome;
   }
@@ -245,11 +227,14 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
       outcome.reason = "the service's file ends on " +
                        (written.last_date.empty() ? std::string("no row") : written.last_date) +
                        ", before the datafile's last row " + kept_last_date;
-      Log(session, "UpdateDatafile - " + run.DestinationFileName +
-                             " kept as it was: " + outcome.reason);
+      Log(session,
+          "UpdateDatafile - " + run.DestinationFileName + " kept as it was: " + outcome.reason);
       return false;
     }
-    if (!destination.Commit()) {
+    const int old_copy = files.old_copies.Hold(destination.target());
+    const bool committed = destination.Commit();
+    files.old_copies.Release(old_copy);
+    if (!committed) {
       outcome.reason = "cannot write " + destination.target() + ": " + destination.error();
       return false;
     }
@@ -261,10 +246,10 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
     if (update_rows.EndsOnOtherSymbol(run.WebSymbol)) {
       // The rescan this replaces ended on another symbol's line; support reads this line so.
       Log(session, "DownloadSymbol - " + update_rows.last_symbol() + " WebSymbol - " +
-                             run.WebSymbol + " Error Number:  0 - ");
+                       run.WebSymbol + " Error Number:  0 - ");
     }
-    const PassResult written = MergeOnce(session, rows, update_rows.row_commas(), files.base,
-                                         destination, outcome.reason);
+    const PassResult written =
+        MergeOnce(session, rows, update_rows.row_commas(), files.base, destination, outcome.reason);
     if (written.pass == Pass::kFailed) {
       destination.Discard();  // the reused writer must not keep a temporary file until the next one
       return outcome;

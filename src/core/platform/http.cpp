@@ -1,51 +1,9 @@
 #include "core/platform/http.h"
 
-#include <curl/curl.h>
-
-#include <mutex>
-
-#include "core/platform/files.h"
+#include "core/platform/curl_transfer.h"
+#include "core/platform/fetch_pool.h"
 
 namespace corvanet {
-
-namespace {
-
-void GlobalInitOnce() {
-  static std::once_flag once;
-  std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
-}
-
-size_t WriteToFile(char* data, size_t size, size_t count, void* user) {
-  auto* writer = static_cast<AtomicFileWriter*>(user);
-  writer->Write(std::string_view(data, size * count));
-  // A failed write (a full disk) ends the transfer: the rest of the body has nowhere to go.
-  return writer->error().empty() ? size * count : 0;
-}
-
-FetchStatus StatusFor(CURLcode code) {
-  switch (code) {
-    case CURLE_OK:
-      return FetchStatus::kOk;
-    case CURLE_COULDNT_CONNECT:
-    case CURLE_COULDNT_RESOLVE_HOST:
-    case CURLE_COULDNT_RESOLVE_PROXY:
-      return FetchStatus::kCouldNotConnect;
-    case CURLE_OPERATION_TIMEDOUT:
-      return FetchStatus::kTimedOut;
-    case CURLE_PARTIAL_FILE:
-      return FetchStatus::kTruncated;
-    case CURLE_GOT_NOTHING:
-    case CURLE_RECV_ERROR:
-    case CURLE_SEND_ERROR:
-      return FetchStatus::kDropped;
-    case CURLE_WRITE_ERROR:
-      return FetchStatus::kLocalWriteFailed;
-    default:
-      return FetchStatus::kFailed;
-  }
-}
-
-}  // namespace
 
 std::string FetchResult::Describe() const {
   switch (status) {
@@ -75,7 +33,7 @@ std::string FetchResult::Describe() const {
 }
 
 std::string ServiceUrl(std::string_view data_set_url, std::string_view remote_path) {
-  GlobalInitOnce();
+  curl::GlobalInitOnce();
   std::string url = "http://";
   url += data_set_url;
   // Each part of the path is escaped on its own: a symbol with a blank, '#', '?' or '%' must reach
@@ -99,7 +57,7 @@ std::string ServiceUrl(std::string_view data_set_url, std::string_view remote_pa
 }
 
 CurlHttpClient::CurlHttpClient() {
-  GlobalInitOnce();
+  curl::GlobalInitOnce();
   handle_ = curl_easy_init();
 }
 
@@ -125,37 +83,20 @@ FetchResult CurlHttpClient::FetchToFile(const FetchRequest& request,
   char error_text[CURL_ERROR_SIZE] = {};
   // Options of the previous request stay on a reused handle; reset and set all of them again.
   curl_easy_reset(curl);
-  curl_easy_setopt(curl, CURLOPT_URL, request.url.c_str());
-  curl_easy_setopt(curl, CURLOPT_HTTPAUTH, static_cast<long>(CURLAUTH_BASIC));
-  curl_easy_setopt(curl, CURLOPT_USERNAME, request.user.c_str());
-  curl_easy_setopt(curl, CURLOPT_PASSWORD, request.password.c_str());
-  curl_easy_setopt(curl, CURLOPT_TIMEOUT, request.timeout_seconds);
-  curl_easy_setopt(curl, CURLOPT_CONNECTTIMEOUT, request.timeout_seconds);
-  curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
-  curl_easy_setopt(curl, CURLOPT_USERAGENT, "Corvanet/5.1");
-  curl_easy_setopt(curl, CURLOPT_ERRORBUFFER, error_text);
-  curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, &WriteToFile);
-  curl_easy_setopt(curl, CURLOPT_WRITEDATA, &writer);
-
+  curl::SetFetchOptions(curl, request, writer, error_text);
   const CURLcode code = curl_easy_perform(curl);
-  curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &result.http_status);
-  curl_off_t bytes = 0;
-  curl_easy_getinfo(curl, CURLINFO_SIZE_DOWNLOAD_T, &bytes);
-  result.bytes = static_cast<std::uint64_t>(bytes);
+  result = curl::ResultOf(curl, code, error_text);
   curl_easy_setopt(curl, CURLOPT_ERRORBUFFER, nullptr);
-  result.status = StatusFor(code);
-  if (code == CURLE_WRITE_ERROR) {
-    result.detail = local_path + ": " + writer.error();
-  } else if (code != CURLE_OK) {
-    result.detail = error_text[0] != '\0' ? error_text : curl_easy_strerror(code);
-  } else if (result.http_status < 200 || result.http_status > 299) {
-    result.status = FetchStatus::kHttpError;
-  }
-  if (result.ok() && !writer.Commit()) {
-    result.status = FetchStatus::kLocalWriteFailed;
-    result.detail = local_path + ": " + writer.error();
-  }
+  curl::CommitBody(result, writer);
   return result;
+}
+
+std::unique_ptr<FetchPool> HttpClient::OpenPool(int /*connections*/) {
+  return nullptr;
+}
+
+std::unique_ptr<FetchPool> CurlHttpClient::OpenPool(int connections) {
+  return std::make_unique<FetchPool>(connections);
 }
 
 }  // namespace corvanet

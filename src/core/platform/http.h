@@ -3,6 +3,7 @@
 // local file untouched, and its result tells apart "could not connect", "timed out", an HTTP status
 // other than 2xx and a body cut short, so callers and run summaries can say what went wrong.
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -36,12 +37,17 @@ struct FetchResult {
   std::string Describe() const;
 };
 
+class FetchPool;
+
 class HttpClient {
  public:
   virtual ~HttpClient() = default;
   // GETs the URL and, only when the whole body arrived with a 2xx status, replaces `local_path`
   // with it (through a temporary file in the same folder).
   virtual FetchResult FetchToFile(const FetchRequest& request, const std::string& local_path) = 0;
+  // A pool of `connections` connections of its own that fetches several files side by side
+  // (fetch_pool.h); nullptr from a client that fetches one file at a time.
+  virtual std::unique_ptr<FetchPool> OpenPool(int connections);
 };
 
 // "http://" + data set address + remote path, a backslash in the path becoming '/' and each part of
@@ -57,6 +63,7 @@ class CurlHttpClient final : public HttpClient {
   CurlHttpClient& operator=(const CurlHttpClient&) = delete;
 
   FetchResult FetchToFile(const FetchRequest& request, const std::string& local_path) override;
+  std::unique_ptr<FetchPool> OpenPool(int connections) override;
 
  private:
   void* handle_ = nullptr;  // CURL*, kept opaque so no header of libcurl leaks out

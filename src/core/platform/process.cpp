@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/platform/paths.h"
+#include "core/platform/run_lock.h"
 
 #ifndef _WIN32
 #include <fcntl.h>
@@ -72,11 +73,15 @@ BatchProcess StartHiddenBatch(const std::string& batch_file, const std::string& 
       "done\n";
   const char* argv[] = {"sh", "-c", script.c_str(), "sh", batch_file.c_str(), nullptr};
   const std::vector<const char*> envp = ChildEnvironment(path_variable, environment);
+  const int run_lock = RunLock::HeldDescriptor();
 
   const pid_t child = ::fork();
   if (child < 0) return {};
   if (child == 0) {
     ::setsid();
+    // The batch keeps the run's lock: killed or stopped, a run whose conversion goes on is still
+    // a run, and the next one must not clear the MetaStock folders under it.
+    if (run_lock >= 0) ::fcntl(run_lock, F_SETFD, 0);
     if (::chdir(working_folder.c_str()) != 0) ::_exit(127);
     const int quiet = ::open("/dev/null", O_RDWR);
     if (quiet >= 0) {
@@ -171,7 +176,8 @@ std::string ExecutableFolder() {
 #endif
 
 std::string HelperFolder() {
-  if (const char* folder = std::getenv("CORVANET_HELPER_DIR"); folder != nullptr && *folder != '\0') {
+  if (const char* folder = std::getenv("CORVANET_HELPER_DIR");
+      folder != nullptr && *folder != '\0') {
     return WithTrailingSeparator(folder);
   }
   return ExecutableFolder();

@@ -1,5 +1,6 @@
 #include "core/platform/run_lock.h"
 
+#include <atomic>
 #include <cstring>
 
 #ifndef _WIN32
@@ -15,6 +16,14 @@ constexpr const char* kLockFile = "RunLock.txt";
 }  // namespace
 
 #ifndef _WIN32
+
+namespace {
+std::atomic<int> held_descriptor{-1};
+}  // namespace
+
+int RunLock::HeldDescriptor() {
+  return held_descriptor.load();
+}
 
 bool RunLock::Acquire(const std::string& folder, const std::string& started) {
   Release();
@@ -48,11 +57,14 @@ bool RunLock::Acquire(const std::string& folder, const std::string& started) {
     // The lock holds all the same; only the note for a second run is missing.
   }
   fd_ = fd;
+  held_descriptor.store(fd);
   return true;
 }
 
 void RunLock::Release() {
   if (fd_ < 0) return;
+  int mine = fd_;
+  held_descriptor.compare_exchange_strong(mine, -1);
   ::close(fd_);  // closing drops the lock
   fd_ = -1;
 }
@@ -66,6 +78,10 @@ bool RunLock::Acquire(const std::string&, const std::string&) {
 
 void RunLock::Release() {
   fd_ = -1;
+}
+
+int RunLock::HeldDescriptor() {
+  return -1;
 }
 
 #endif

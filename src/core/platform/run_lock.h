@@ -20,6 +20,10 @@ class RunLock {
   bool held() const { return fd_ >= 0; }
   // "Another run has been in progress since 18:02:11 (process 4242)." after a failed Acquire.
   const std::string& holder() const { return holder_; }
+  // The descriptor of the lock this process holds, -1 when none. A converter batch started by a
+  // run inherits it, so a run killed while its batch converts still counts as running until the
+  // batch ends: the next run cannot clear the folders the batch is writing.
+  static int HeldDescriptor();
 
  private:
   int fd_ = -1;

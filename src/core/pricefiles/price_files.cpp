@@ -1,11 +1,15 @@
 #include "core/pricefiles/price_files.h"
 
+#include <memory>
+#include <utility>
+
 #include "core/app/log.h"
 #include "core/download/datafile_names.h"
 #include "core/platform/paths.h"
 #include "core/pricefiles/conversion.h"
 #include "core/stats/composite_row.h"
 #include "core/stats/value_text.h"
+#include "core/stats/writer_pool.h"
 
 namespace corvanet {
 
@@ -98,42 +102,32 @@ bool Fail(DatafileError& error, int number, std::string detail) {
   return false;
 }
 
+}  // namespace
+
 // The whole job for one datafile; nothing is committed unless every row was read and converted,
 // so a failure leaves each price file as it was before (a half file would reach the converter and
 // the charts as if it were complete).
-bool WritePriceFiles(Session& session, DatafileError& error) {
-  const WindowState& ui = session.ui;
-  const RunState& run = session.run;
-  bool any = false;
-  for (const PriceFileKind& kind : kKinds) any = any || ui.*kind.ticked != 0;
-  if (!any) return true;
+bool WritePriceFiles(const PriceFilesJob& job, DatafileError& error) {
+  if (job.kinds.empty()) return true;
   ReusedBuffers& buffers = Buffers();
   CompositeFile& datafile = buffers.datafile;
   const CloseOnReturn close{datafile};
   // The datafile first: when it is missing no file is even started.
-  if (!datafile.Open(DestinationPath(session)) || !ReadCompositeHeader(datafile)) {
+  if (!datafile.Open(job.datafile) || !ReadCompositeHeader(datafile)) {
     error = datafile.error();
     return false;
   }
-  // The choices are taken once per datafile, so every line of a file has the same columns.
   std::array<OpenKind, 5> kinds;
   std::array<OpenKind*, 5> ticked{};
   std::size_t count = 0;
-  for (std::size_t k = 0; k < kKinds.size(); ++k) {
-    const PriceFileKind& kind = kKinds[k];
-    if (ui.*kind.ticked == 0) continue;
-    OpenKind& open = kinds[k];
-    for (std::size_t j = 0; j < 6; ++j) {
-      const std::string_view name = kind.chosen_columns[j] != nullptr
-                                        ? std::string_view(ui.*kind.chosen_columns[j])
-                                        : kind.columns[j];
-      open.columns[j] = FindColumn(name);
+  for (const PriceFilesJob::Kind& kind : job.kinds) {
+    OpenKind& open = kinds[count];
+    open.columns = kind.columns;
+    if (!open.file.Open(kind.path)) {
+      return Fail(error, kErrorPathNotFound, kind.path + ": " + open.file.error());
     }
-    const std::string path = PriceFilePath(session, kind);
-    if (!CreatePriceFile(session, path, open.file)) {
-      return Fail(error, kErrorPathNotFound, path + ": " + open.file.error());
-    }
-    open.block = &buffers.blocks[k];
+    if (job.header) open.file.WriteLine(kPriceFileHeader);
+    open.block = &buffers.blocks[count];
     open.block->clear();
     ticked[count++] = &open;
   }
@@ -147,7 +141,7 @@ bool WritePriceFiles(Session& session, DatafileError& error) {
   std::string line;
   while (ReadCompositeRow(datafile, row, wanted)) {
     ++rows;
-    head.assign(run.DownloadSymbol).append(",").append(run.DownloadName).append(",");
+    head.assign(job.symbol).append(",").append(job.name).append(",");
     // Quarterly bars go to the converter as monthly ones.
     head.append(row.Period == "Q" ? std::string_view("M") : std::string_view(row.Period));
     if (!AppendField(head, datafile, row, 2)) {
@@ -194,16 +188,39 @@ bool WritePriceFiles(Session& session, DatafileError& error) {
       return Fail(error, kErrorFileAccess, open.file.target() + ": " + open.file.error());
     }
   }
-  // After the commits, so a batch file never names a price file that was not written.
-  if (ConvertsToMetaStock(ui)) {
-    for (std::size_t k = 0; k < kKinds.size(); ++k) {
-      if (ui.*kKinds[k].ticked == 0) continue;
-      AppendConverterCall(session, ui.PathToLists + std::string(ConverterKinds()[k].batch_file),
-                          kinds[k].file.target(), ConverterOutputFolder(session, k));
-    }
-  }
   return true;
 }
+
+namespace {
+
+// One datafile's price files as a task of the writer pool. The converter calls are appended when
+// it finishes, in list order and only after its files were committed, so a batch file never names
+// a price file that was not written.
+class PriceFilesTask final : public WriterTask {
+ public:
+  explicit PriceFilesTask(PriceFilesJob job) : job_(std::move(job)) {
+    files.push_back(job_.datafile);
+    for (const PriceFilesJob::Kind& kind : job_.kinds) files.push_back(kind.path);
+  }
+  void Write() override { ok_ = WritePriceFiles(job_, error_); }
+  void Finish(Session& session) override {
+    if (!ok_) {
+      Log(session,
+          ErrorTrapLine("CreateMetaStockPxFiles", error_, job_.datafile_name, job_.period));
+      return;
+    }
+    for (const PriceFilesJob::Kind& kind : job_.kinds) {
+      if (!kind.batch_file.empty()) {
+        AppendConverterCall(session, kind.batch_file, kind.path, kind.output_folder);
+      }
+    }
+  }
+
+ private:
+  PriceFilesJob job_;
+  bool ok_ = false;
+  DatafileError error_;
+};
 
 }  // namespace
 
@@ -216,28 +233,53 @@ std::string PriceFilePath(const Session& session, const PriceFileKind& kind) {
          session.run.DestinationFileName;
 }
 
-bool CreatePriceFile(const Session& session, const std::string& path, AtomicFileWriter& file) {
-  if (!file.Open(path)) return false;
-  if (session.ui.DoNotMakeMetaStockFormat == 0) file.WriteLine(kPriceFileHeader);
-  return true;
-}
-
 void WritePriceLine(std::string& out, std::string_view text) {
   out += text;
   out += kLineEnd;
 }
 
-void CreateMetaStockPxFiles(Session& session) {
+PriceFilesJob PriceFilesJobOf(const Session& session) {
+  const WindowState& ui = session.ui;
+  const RunState& run = session.run;
+  PriceFilesJob job;
+  job.datafile = DestinationPath(session);
+  job.datafile_name = run.DestinationFileName;
+  job.period = run.DataPeriod;
+  job.symbol = run.DownloadSymbol;
+  job.name = run.DownloadName;
+  job.header = ui.DoNotMakeMetaStockFormat == 0;
+  // The choices are taken once per datafile, so every line of a file has the same columns.
+  for (std::size_t k = 0; k < kKinds.size(); ++k) {
+    const PriceFileKind& kind = kKinds[k];
+    if (ui.*kind.ticked == 0) continue;
+    PriceFilesJob::Kind& chosen = job.kinds.emplace_back();
+    for (std::size_t j = 0; j < 6; ++j) {
+      const std::string_view name = kind.chosen_columns[j] != nullptr
+                                        ? std::string_view(ui.*kind.chosen_columns[j])
+                                        : kind.columns[j];
+      chosen.columns[j] = FindColumn(name);
+    }
+    chosen.path = PriceFilePath(session, kind);
+    if (ConvertsToMetaStock(ui)) {
+      chosen.batch_file = ui.PathToLists + std::string(ConverterKinds()[k].batch_file);
+      chosen.output_folder = ConverterOutputFolder(session, k);
+    }
+  }
+  return job;
+}
+
+void CreateMetaStockPxFiles(Session& session, WriterPool& writers) {
   if (session.logging()) WriteLog(session, "CreateMetaStockPxFiles");
   if (session.ui.MakeMetaStockPxFiles == 0) {
     Log(session, "Exiting CreateMetaStockPxFiles");
     return;
   }
-  DatafileError error;
-  if (!WritePriceFiles(session, error)) {
-    Log(session, ErrorTrapLine("CreateMetaStockPxFiles", error, session.run.DestinationFileName,
-                               session.run.DataPeriod));
-  }
+  writers.Submit(std::make_unique<PriceFilesTask>(PriceFilesJobOf(session)));
+}
+
+void CreateMetaStockPxFiles(Session& session) {
+  WriterPool on_the_spot(session, 1);
+  CreateMetaStockPxFiles(session, on_the_spot);
 }
 
 }  // namespace corvanet

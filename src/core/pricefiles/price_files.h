@@ -5,9 +5,12 @@
 #include <array>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/app/session.h"
 #include "core/platform/files.h"
+#include "core/stats/composite_row.h"
+#include "core/stats/writer_pool.h"
 
 namespace corvanet {
 
@@ -26,17 +29,39 @@ inline constexpr std::string_view kPriceFileHeader =
 // Traditional, equal weight, user-defined 1-3: the order files are written in.
 const std::array<PriceFileKind, 5>& PriceFileKinds();
 
+// What one datafile's price files need, taken from the session, so the files can be written away
+// from it (on a worker thread).
+struct PriceFilesJob {
+  std::string datafile;       // the datafile's path
+  std::string datafile_name;  // and its name and period, for the error line
+  std::string period;
+  std::string symbol;  // the first two fields of every line
+  std::string name;
+  bool header = true;
+  struct Kind {
+    std::string path;
+    std::array<int, 6> columns{};  // 0 = a name the catalogue does not know: the value is 0
+    std::string batch_file;        // the converter call's batch file; empty: no call
+    std::string output_folder;
+  };
+  std::vector<Kind> kinds;  // the ticked ones, in table order
+};
+PriceFilesJob PriceFilesJobOf(const Session& session);
+// Reads the datafile once and replaces every price file of the job, or none (`error` says why).
+// Touches nothing but the job's files.
+bool WritePriceFiles(const PriceFilesJob& job, DatafileError& error);
+
 // Writes the price files of the datafile in hand (run.DownloadSymbol, run.DownloadName,
-// run.DataPeriod, run.DestinationFileName) for every ticked kind, reading the datafile once. The
-// download run calls it right after each datafile's update when MakeMetaStockPxFiles is ticked.
-// Any failure is logged as "CreateMetaStockPxFiles Error # ..." and leaves all the old files.
+// run.DataPeriod, run.DestinationFileName) for every ticked kind, reading the datafile once, and
+// then appends their converter calls. The download run hands it to its writer pool right after
+// each datafile's update when MakeMetaStockPxFiles is ticked. Any failure is logged as
+// "CreateMetaStockPxFiles Error # ..." and leaves all the old files.
+void CreateMetaStockPxFiles(Session& session, WriterPool& writers);
+// The same, written on the spot.
 void CreateMetaStockPxFiles(Session& session);
 
 // PathToDataFiles + kind folder + period folder + the datafile's own name.
 std::string PriceFilePath(const Session& session, const PriceFileKind& kind);
-// Starts the file (a temporary beside it until committed) with the header line unless
-// DoNotMakeMetaStockFormat is ticked. False when the kind's folder is missing.
-bool CreatePriceFile(const Session& session, const std::string& path, AtomicFileWriter& file);
 // Appends one line of a price file and its line end to `out`, the file's pending block. A line is
 // ticker, name and period letter as they stand, then the date and the six values by the number
 // rule untrimmed, so each number >= 0 follows its comma with a blank.

@@ -2,6 +2,8 @@
 #include "core/stats/single_stat_files.h"
 
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 #include "core/app/log.h"
 #include "core/app/settings.h"
@@ -14,6 +16,7 @@
 #include "core/platform/paths.h"
 #include "core/platform/run_lock.h"
 #include "core/platform/text.h"
+#include "core/stats/writer_pool.h"
 
 namespace corvanet {
 
@@ -38,8 +41,34 @@ void Failed(StatFilesSummary* summary, const std::string& symbol, const std::str
   if (summary != nullptr) summary->failures.push_back({symbol, period, std::move(reason)});
 }
 
+// One datafile's statistic files as a task of the writer pool; its outcome is logged and counted
+// in list order.
+class StatFilesTask final : public WriterTask {
+ public:
+  StatFilesTask(StatFilesJob job, std::string symbol, StatFilesSummary* summary)
+      : job_(std::move(job)), symbol_(std::move(symbol)), summary_(summary) {
+    files = job_.files;
+  }
+  void Write() override { ok_ = WriteStatFiles(job_, error_); }
+  void Finish(Session& session) override {
+    if (ok_) {
+      if (summary_ != nullptr) ++summary_->datafiles;
+      return;
+    }
+    Log(session, ErrorTrapLine("MakeIndividualStatFile", error_, job_.datafile_name, job_.period));
+    Failed(summary_, symbol_, job_.period, error_.Text());
+  }
+
+ private:
+  StatFilesJob job_;
+  std::string symbol_;
+  StatFilesSummary* summary_;
+  bool ok_ = false;
+  DatafileError error_;
+};
+
 // Every entry of the open list for the period in run.DataPeriod.
-void MakePeriodStatFiles(Session& session, FieldReader& list, int count,
+void MakePeriodStatFiles(Session& session, FieldReader& list, int count, WriterPool& writers,
                          StatFilesSummary* summary) {
   WindowState& ui = session.ui;
   RunState& run = session.run;
@@ -78,12 +107,9 @@ void MakePeriodStatFiles(Session& session, FieldReader& list, int count,
       Failed(summary, symbol, run.DataPeriod, "symbol cannot be used in a file name");
       continue;
     }
-    std::string problem;
-    if (MakeIndividualStatFile(session, symbol, &problem)) {
-      if (summary != nullptr) ++summary->datafiles;
-    } else {
-      Failed(summary, symbol, run.DataPeriod, problem);
-    }
+    LogEntry(session, "MakeIndividualStatFile");
+    writers.Submit(
+        std::make_unique<StatFilesTask>(StatFilesJobOf(session, symbol), symbol, summary));
   }
 }
 
@@ -114,6 +140,7 @@ void MakeSingleStatFiles(Session& session, StatFilesSummary* summary) {
     ui.DownloadProgressFrame.caption = "Generating Single Statistic Files";
     ui.Frame2.caption = "Create One Stat Datafiles Started at " + FormatClockAmPm(run.RunStartTime);
     Pause(session, 0.05);
+    WriterPool writers(session, WriterPool::ThreadsWanted());
     for (int period = 1; period <= 4; ++period) {
       DetermineInterval(session, period);
       if (run.DataPeriod.empty()) continue;
@@ -124,9 +151,10 @@ void MakeSingleStatFiles(Session& session, StatFilesSummary* summary) {
         Failed(summary, "", run.DataPeriod, "the download list could not be opened");
         continue;
       }
-      MakePeriodStatFiles(session, list, count, summary);
+      MakePeriodStatFiles(session, list, count, writers, summary);
       list.Close();
     }
+    writers.FinishAll();
   }
   ShowCompletion(session);
 }

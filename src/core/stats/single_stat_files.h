@@ -9,6 +9,8 @@
 #include "core/app/session.h"
 #include "core/download/run_summary.h"
 #include "core/platform/files.h"
+#include "core/stats/composite_row.h"
+#include "core/stats/statistic_catalogue.h"
 
 namespace corvanet {
 
@@ -30,6 +32,29 @@ void MakeSingleStatFiles(Session& session, StatFilesSummary* summary = nullptr);
 void MakeListStatFiles_Click(Session& session, int list, StatFilesSummary* summary = nullptr);
 // Shows the download page, starts the clock, restores the current list and makes the files.
 void RunSingleStatFilesNow(Session& session, StatFilesSummary* summary = nullptr);
+
+// The ReplaceZeroValues rule, taken once per pass: replace only when the text begins with a
+// non-zero number ("0" and a blank box never replace), and write the text as typed.
+struct ZeroReplacement {
+  bool active = false;
+  std::string text;
+};
+
+// What one datafile's statistic files need, taken from the session, so the files can be written
+// away from it (on a worker thread).
+struct StatFilesJob {
+  std::string datafile;       // the datafile's path
+  std::string datafile_name;  // and its name and period, for the error line
+  std::string period;
+  std::vector<const StatisticDef*> statistics;  // the selected ones, in catalogue order
+  std::vector<std::string> files;               // the file of each
+  ZeroReplacement zero;
+  bool month_first = false;
+};
+StatFilesJob StatFilesJobOf(const Session& session, std::string_view listed_symbol);
+// Reads the datafile once and replaces every file of the job, or none (`error` says why).
+// Touches nothing but the job's files.
+bool WriteStatFiles(const StatFilesJob& job, DatafileError& error);
 
 // All selected statistic files of the datafile in hand (run.DataPeriod, run.DestinationFileName),
 // named after `listed_symbol` (the symbol as the list holds it, before any vendor correction). The
@@ -77,12 +102,6 @@ class StatisticFile {
 bool OpenStatisticFile(const Session& session, std::string_view listed_symbol,
                        std::string_view statistic, StatisticFile& file);
 
-// The ReplaceZeroValues rule, taken once per pass: replace only when the text begins with a
-// non-zero number ("0" and a blank box never replace), and write the text as typed.
-struct ZeroReplacement {
-  bool active = false;
-  std::string text;
-};
 ZeroReplacement ZeroReplacementOf(std::string_view replace_zero_values);
 // Writes "date,value" and the line end, the value replaced when it reads as zero.
 void WriteStatisticRow(StatisticFile& file, std::string_view date_text, std::string_view value_text,

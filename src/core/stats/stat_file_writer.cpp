@@ -70,23 +70,23 @@ bool Fail(DatafileError& error, int number, std::string detail) {
 
 // Reads the datafile once and gathers every selected statistic's lines into its file. On false,
 // `error` says why and nothing has been committed.
-bool SplitDatafile(Session& session, std::string_view listed_symbol,
-                   std::span<const StatisticDef* const> selected, std::span<StatisticFile> files,
-                   CompositeFile& datafile, DatafileError& error) {
+bool SplitDatafile(const StatFilesJob& job, std::span<StatisticFile> files, CompositeFile& datafile,
+                   DatafileError& error) {
+  const std::span<const StatisticDef* const> selected(job.statistics);
   const CloseOnReturn close{datafile};
   // The datafile first: when it is missing no file is even started.
-  if (!datafile.Open(DestinationPath(session)) || !ReadCompositeHeader(datafile)) {
+  if (!datafile.Open(job.datafile) || !ReadCompositeHeader(datafile)) {
     error = datafile.error();
     return false;
   }
   for (std::size_t k = 0; k < selected.size(); ++k) {
-    if (!OpenStatisticFile(session, listed_symbol, selected[k]->name, files[k])) {
+    if (!files[k].Open(job.files[k])) {
       const AtomicFileWriter& writer = files[k].writer();
       return Fail(error, kErrorPathNotFound, writer.target() + ": " + writer.error());
     }
   }
-  const ZeroReplacement zero = ZeroReplacementOf(session.ui.ReplaceZeroValues);
-  const bool month_first = session.ui.DateFormatMMDDYYYY;
+  const ZeroReplacement& zero = job.zero;
+  const bool month_first = job.month_first;
   ColumnSet wanted;
   wanted.set(month_first ? 2 : 1);  // RowDateText or RowDate
   // The statistic columns are converted only when their text is not already in written form.
@@ -268,31 +268,44 @@ void MakeStatDirectories(Session& session, std::string_view statistic) {
 // line and column failed, and the pass goes on with the next composite. (Only a failing rename at
 // the very end, such as a full disk, can leave some statistics new and others old; each file is
 // whole either way.)
-bool MakeIndividualStatFile(Session& session, std::string_view listed_symbol,
-                            std::string* problem) {
-  LogEntry(session, "MakeIndividualStatFile");
-  std::array<const StatisticDef*, kStatisticCount> selected{};
-  std::size_t count = 0;
+StatFilesJob StatFilesJobOf(const Session& session, std::string_view listed_symbol) {
+  StatFilesJob job;
   for (const StatisticDef& statistic : StatisticCatalogue()) {
-    if (session.ui.*statistic.box != 0) selected[count++] = &statistic;
+    if (session.ui.*statistic.box == 0) continue;
+    job.statistics.push_back(&statistic);
+    job.files.push_back(StatisticFilePath(session, listed_symbol, statistic.name));
   }
-  if (count == 0) return true;
+  job.datafile = DestinationPath(session);
+  job.datafile_name = session.run.DestinationFileName;
+  job.period = session.run.DataPeriod;
+  job.zero = ZeroReplacementOf(session.ui.ReplaceZeroValues);
+  job.month_first = session.ui.DateFormatMMDDYYYY;
+  return job;
+}
+
+bool WriteStatFiles(const StatFilesJob& job, DatafileError& error) {
+  if (job.statistics.empty()) return true;
   ReusedBuffers& buffers = Buffers();
-  std::array<StatisticFile, kStatisticCount>& files = buffers.files;
-  DatafileError error;
-  bool ok = SplitDatafile(session, listed_symbol, std::span(selected.data(), count),
-                          std::span(files.data(), count), buffers.datafile, error);
-  for (std::size_t k = 0; ok && k < count; ++k) {
+  const std::span<StatisticFile> files(buffers.files.data(), job.statistics.size());
+  bool ok = SplitDatafile(job, files, buffers.datafile, error);
+  for (std::size_t k = 0; ok && k < files.size(); ++k) {
     if (!files[k].Commit()) {
       ok = Fail(error, kErrorFileAccess,
                 files[k].writer().target() + ": " + files[k].writer().error());
     }
   }
   // A discarded writer removes its temporary file and leaves the old file as it was.
-  for (std::size_t k = 0; k < count; ++k) files[k].Discard();
-  if (ok) return true;
-  Log(session, ErrorTrapLine("MakeIndividualStatFile", error, session.run.DestinationFileName,
-                             session.run.DataPeriod));
+  for (StatisticFile& file : files) file.Discard();
+  return ok;
+}
+
+bool MakeIndividualStatFile(Session& session, std::string_view listed_symbol,
+                            std::string* problem) {
+  LogEntry(session, "MakeIndividualStatFile");
+  const StatFilesJob job = StatFilesJobOf(session, listed_symbol);
+  DatafileError error;
+  if (WriteStatFiles(job, error)) return true;
+  Log(session, ErrorTrapLine("MakeIndividualStatFile", error, job.datafile_name, job.period));
   if (problem != nullptr) *problem = error.Text();
   return false;
 }

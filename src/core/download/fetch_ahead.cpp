@@ -1,0 +1,154 @@
+#include "core/download/fetch_ahead.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+#include "core/download/retrieve.h"
+#include "core/download/symbols.h"
+#include "core/platform/files.h"
+#include "core/platform/paths.h"
+#include "core/platform/text.h"
+
+namespace corvanet {
+
+namespace {
+
+// Bodies waiting to be taken, per connection: enough that every connection stays busy while the
+// walk merges, few enough that the temporary files and open descriptors stay a handful.
+constexpr int kBodiesPerConnection = 4;
+// Records read ahead of the walk. Most records of an incremental run need no whole file, so the
+// lookahead runs further than the bodies it holds; each record is a few short texts.
+constexpr std::size_t kRecordsAhead = 256;
+
+bool SameRequest(const FetchRequest& a, const FetchRequest& b) {
+  return a.url == b.url && a.user == b.user && a.password == b.password &&
+         a.timeout_seconds == b.timeout_seconds;
+}
+
+}  // namespace
+
+int FetchAhead::ConnectionsWanted() {
+  const char* text = std::getenv("CORVANET_CONNECTIONS");
+  int connections = 0;
+  if (text == nullptr || !ParseInteger(text, connections) || connections < 1 || connections > 64) {
+    return kDefaultConnections;
+  }
+  return connections;
+}
+
+FetchAhead::FetchAhead(Session& session, FieldReader& list, const UpdateFileIndex& update_rows)
+    : session_(session), list_(list), update_rows_(update_rows) {
+  const int connections = ConnectionsWanted();
+  if (connections > 1) pool_ = session.http.OpenPool(connections);
+  session_.fetch_ahead = this;
+}
+
+FetchAhead::~FetchAhead() {
+  session_.fetch_ahead = nullptr;
+  Drop(current_);
+  for (Record& record : ahead_) Drop(record);
+}
+
+void FetchAhead::Drop(Record& record) {
+  if (record.ticket == 0) return;
+  pool_->Cancel(record.ticket);
+  record.ticket = 0;
+  --unclaimed_;
+}
+
+bool FetchAhead::AtEnd() {
+  Fill();
+  return ahead_.empty();
+}
+
+bool FetchAhead::ReadRecord(std::string& name, std::string& symbol) {
+  Fill();
+  if (ahead_.empty()) return false;
+  // A body the previous datafile did not ask for is not for anyone else.
+  Drop(current_);
+  current_ = std::move(ahead_.front());
+  ahead_.pop_front();
+  name = current_.name;
+  symbol = current_.symbol;
+  Fill();
+  return current_.whole;
+}
+
+void FetchAhead::Fill() {
+  // Without a pool the list is read one record at a time, as the walk reads it.
+  const std::size_t records_ahead = pool_ ? kRecordsAhead : 1;
+  const int bodies = pool_ ? pool_->connections() * kBodiesPerConnection : 0;
+  while (!list_ended_ && ahead_.size() < records_ahead && (!pool_ || unclaimed_ < bodies)) {
+    if (list_.AtEnd()) {
+      list_ended_ = true;
+      break;
+    }
+    Record& record = ahead_.emplace_back();
+    record.whole = list_.ReadRecord(record.name, record.symbol);
+    if (!record.whole) {
+      list_ended_ = true;  // the walk stops at this record
+      break;
+    }
+    if (pool_) Plan(record);
+  }
+}
+
+// Names the record's files as SetDatafileNames will, without its log lines or the run state, and
+// starts the whole file's fetch when the walk will ask for it.
+void FetchAhead::Plan(Record& record) {
+  const RunState& run = session_.run;
+  if (run.DataPeriod == "Quarterly" && IsSkippedInQuarterly(record.symbol)) return;
+  const std::string web_symbol = ServiceForm(record.symbol);
+  if (!IsSafeFileNamePart(web_symbol)) return;
+  const std::string remote_name = web_symbol + run.DataPeriod + "-CompositeStats.csv";
+  std::string local_path = BaseFolder(session_) + remote_name;
+  // Two records naming one base copy: the first one's fetch decides what the second finds.
+  const auto same_base = [&](const Record& other) {
+    return &other != &record && other.ticket != 0 && other.local_path == local_path;
+  };
+  const bool claimed_earlier =
+      same_base(current_) || std::any_of(ahead_.begin(), ahead_.end(), same_base);
+  if (!NeedsWholeFile(web_symbol, local_path, claimed_earlier)) return;
+  record.request = {ServiceUrl(session_.app.DataSetURL, remote_name), session_.ui.UserName,
+                    session_.ui.Password, session_.http_timeout_seconds};
+  record.local_path = std::move(local_path);
+  record.ticket = pool_->Add(record.request, record.local_path);
+  ++unclaimed_;
+}
+
+// Whether the walk will fetch the base copy whole: a forced download always does; otherwise a
+// base copy that is missing or empty, or one whose rows end before the period's first update row
+// for the symbol (so no row can overlap), or one the update file holds no rows for. A wrong guess
+// costs a transfer, never a difference on disk: the walk only takes what it asks for.
+bool FetchAhead::NeedsWholeFile(const std::string& web_symbol, const std::string& local_path,
+                                bool claimed_earlier) const {
+  if (session_.ui.ForceFullDownload != 0) return true;
+  if (claimed_earlier) return false;
+  const auto size = FileSize(local_path);
+  if (!size || *size == 0) return true;
+  const std::vector<std::string_view> rows = update_rows_.RowsFor(web_symbol);
+  if (rows.empty()) return true;
+  const std::string last = LastLineOf(local_path);
+  if (!HasRowDate(last)) return true;
+  std::string_view first_update = RowDate(rows.front());
+  for (const std::string_view row : rows) first_update = std::min(first_update, RowDate(row));
+  return RowDate(last) < first_update;
+}
+
+FetchResult FetchAhead::Fetch(const FetchRequest& request, const std::string& local_path) {
+  // Only the datafile's first whole-file fetch is made ahead; any later one is its own.
+  if (current_.ticket != 0) {
+    const FetchPool::Ticket ticket = std::exchange(current_.ticket, 0);
+    --unclaimed_;
+    if (SameRequest(request, current_.request) && local_path == current_.local_path) {
+      FetchResult result = pool_->Commit(ticket);
+      Fill();
+      return result;
+    }
+    pool_->Cancel(ticket);
+  }
+  return session_.http.FetchToFile(request, local_path);
+}
+
+}  // namespace corvanet
