@@ -1,4 +1,4 @@
-#!/ usr / bin / env python3
+#!/usr/bin/env python3
 """The statistic and price-file split of stat_files_bench done with pandas, for comparison.
 
     stat_split_pandas.py DIR OUT [--statistics-only]
@@ -15,7 +15,7 @@ import sys
 import pandas as pd
 
 PERIODS = ["Daily", "Weekly", "Monthly", "Quarterly"]
-#Statistic name->0 - based datafile column, in catalogue order.
+# Statistic name -> 0-based datafile column, in catalogue order.
 STATISTICS = [
     ("UpTrends", 10), ("NewUpTrends", 11), ("DownTrends", 12), ("NewDownTrends", 13),
     ("Advances", 15), ("Declines", 16), ("Unchanged", 22), ("Traded", 21),

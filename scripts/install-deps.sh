@@ -1,7 +1,7 @@
-#!/ usr / bin / env bash
-#Puts every build and test dependency on a Debian 12 machine.Quick no - op when all is present.
-#With the argument "bench" it also installs what the benchmarks compare against(pandas, curl);
-#with "fuzz" the clang toolchain of the fuzz targets.
+#!/usr/bin/env bash
+# Puts every build and test dependency on a Debian 12 machine. Quick no-op when all is present.
+# With the argument "bench" it also installs what the benchmarks compare against (pandas, curl);
+# with "fuzz" the clang toolchain of the fuzz targets.
 set -euo pipefail
 
 packages=(
@@ -14,21 +14,21 @@ packages=(
   clang-format
 )
 case "${1:-}" in
-  bench) packages+=(python3-pandas curl) ;
-;
-  fuzz) packages+=(clang libclang-rt-14-dev) ;
-  ;
+  bench) packages+=(python3-pandas curl) ;;
+  fuzz) packages+=(clang libclang-rt-14-dev) ;;
 esac
 
 missing=()
-for p in "${packages[@]}";
-do
-  if
-    !dpkg - query - W - f = '${Status}' "$p" 2 > / dev / null | grep - q 'install ok installed';
-then missing += ("$p")fi done[$ { #missing[@] } - eq 0]&& exit 0
+for p in "${packages[@]}"; do
+  if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed'; then
+    missing+=("$p")
+  fi
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
 
-    sudo = "" if["$(id -u)" - ne 0];
-then sudo = "sudo";
-fi echo "Installing: ${missing[*]}" export DEBIAN_FRONTEND =
-    noninteractive $sudo apt - get update - qq $sudo apt - get install - y - qq-- no - install -
-    recommends "${missing[@]}"
+sudo=""
+if [ "$(id -u)" -ne 0 ]; then sudo="sudo"; fi
+echo "Installing: ${missing[*]}"
+export DEBIAN_FRONTEND=noninteractive
+$sudo apt-get update -qq
+$sudo apt-get install -y -qq --no-install-recommends "${missing[@]}"
