@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <initializer_list>
 #include <sstream>
 #include <string>
@@ -25,7 +26,11 @@ struct CliResult {
 
 class CliTest : public ::testing::Test {
  protected:
-  CliTest() { CreateFolders(start()); }
+  CliTest() {
+    CreateFolders(start());
+    // Retries of failures that may pass start at once; the service's Retry-After still counts.
+    ::setenv("CORVANET_RETRY_PAUSE_MS", "0", 0);
+  }
 
   // The installation root as given on the command line (no trailing separator: the CLI adds it).
   std::string base_arg() const { return dir / "inst"; }

@@ -1,5 +1,7 @@
 #include "support/test_session.h"
 
+#include <cstdlib>
+
 #include "core/app/log.h"
 #include "core/lists/masterfile.h"
 #include "core/platform/files.h"
@@ -8,6 +10,8 @@
 namespace corvanet::test {
 
 TestSession::TestSession() {
+  // Retries of failures that may pass start at once; the service's Retry-After still counts.
+  ::setenv("CORVANET_RETRY_PAUSE_MS", "0", 0);
   AppState& app = session.app;
   WindowState& ui = session.ui;
   app.BaseDirectory = dir.path();

@@ -48,6 +48,8 @@ const char* Reason(int status) {
 std::size_t ErrorPage(httplib::Response& response, int status) {
   const std::string title = std::to_string(status) + " " + Reason(status);
   response.status = status;
+  // A busy or overloaded server says when to come back, and a polite client waits that long.
+  if (status == 429 || status == 503) response.set_header("Retry-After", "1");
   response.set_content("<html><head><title>" + title + "</title></head><body><h1>" + title +
                            "</h1></body></html>\r\n",
                        "text/html");

@@ -44,6 +44,12 @@ struct RunState {
   std::int16_t DatafileCounter = 0;
   double RunStartTimer = 0;
   LocalDateTime RunStartTime;
+
+  // How the data service has been answering, kept by every fetch of a run.
+  bool last_fetch_transient = false;  // the last fetch failed for a reason that may pass
+  long retry_after_seconds = 0;       // what it asked for, when it said how long to wait
+  int time_outs_in_a_row = 0;
+  bool service_silent = false;  // so many time-outs in a row that the run stops
 };
 
 // Told whenever a run changes what the window shows, and at every pause, so a window on another

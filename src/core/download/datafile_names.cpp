@@ -33,9 +33,8 @@ bool SetDatafileNames(Session& session) {
     run.DestinationUpdateFileName = run.DownloadSymbol + "-Update.csv";
   }
   if (IsSafeFileNamePart(run.WebSymbol) && IsSafeFileNamePart(run.DestinationFileName)) return true;
-  WriteLog(
-      session,
-      "SetDatafileNames - symbol " + run.DownloadSymbol + " cannot be used in a file name; skipped");
+  WriteLog(session, "SetDatafileNames - symbol " + run.DownloadSymbol +
+                        " cannot be used in a file name; skipped");
   return false;
 }
 

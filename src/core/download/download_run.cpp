@@ -8,7 +8,9 @@
 #include "core/download/datafile_names.h"
 #include "core/download/refresh_masterfile.h"
 #include "core/download/retrieve.h"
+#include "core/download/retry_rounds.h"
 #include "core/download/run_folders.h"
+#include "core/download/run_period.h"
 #include "core/download/run_total.h"
 #include "core/download/single_file_update.h"
 #include "core/download/symbols.h"
@@ -89,68 +91,12 @@ void PrepareFolders(Session& session, RunSummary& summary) {
   }
 }
 
-// The datafiles a period's walk of the list would take.
-int CountPeriodDatafiles(const Session& session, FieldReader& list) {
-  const bool quarterly = session.run.DataPeriod == "Quarterly";
-  int count = 0;
-  std::string name;
-  std::string symbol;
-  while (!list.AtEnd() && list.ReadRecord(name, symbol)) {
-    if (!(quarterly && IsSkippedInQuarterly(symbol))) ++count;
-  }
-  return count;
-}
-
-void RunPeriod(Session& session, int run_total, RunSummary& summary) {
-  ProgressBar& bar = session.ui.ProgressBar1;
-  bar.minimum = 0;
-  bar.maximum = run_total;
-  bar.visible = true;
-  bar.value = 0;
-  FieldReader list;
-  if (!OpenDownloadList(session, list)) {
-    summary.period_problems.push_back("the list of " + session.run.DataPeriod +
-                                      " datafiles could not be opened");
-    return;
-  }
-  const std::string update_name = "Update-" + session.run.DataPeriod + ".csv";
-  const FetchResult fetched = RetrieveDataFile(session, update_name, update_name);
-  UpdateFileIndex update_rows;
-  std::string cause;
-  if (!fetched.ok()) {
-    // Merging the previous update file again would add nothing new, and every other fetch of the
-    // period would meet the same refusal: the period's datafiles are not updated, and the cause is
-    // named once instead of blamed on each of them.
-    cause = update_name + " could not be fetched: " + fetched.Describe();
-  } else {
-    update_rows.Load(BaseFolder(session) + update_name);
-    if (update_rows.garbled_lines() > 0) {
-      Log(session, "DownLoadButton_Click - " + update_name + " holds " +
-                       std::to_string(update_rows.garbled_lines()) +
-                       " garbled line(s), the first at line " +
-                       std::to_string(update_rows.first_garbled_line()) + "; left out");
-    }
-    if (update_rows.row_commas() == std::string::npos) {
-      cause = update_name + " holds no update rows (an error page, or no file at all?)";
-    }
-  }
-  if (!cause.empty()) {
-    const int skipped = CountPeriodDatafiles(session, list);
-    summary.not_updated += skipped;
-    summary.period_problems.push_back(session.run.DataPeriod + ": " + cause + "; " +
-                                      std::to_string(skipped) + " datafile(s) not updated");
-    Log(session, "DownLoadButton_Click - " + summary.period_problems.back());
-    return;
-  }
-  int records = 0;
-  SingleFileUpdate(session, list, run_total, records, update_rows, summary);
-}
-
 // Names what failed, so a run that looks complete in the window says so too.
 std::string ProblemsText(const RunSummary& summary) {
   if (!summary.has_failures()) return {};
   std::string text;
-  const std::size_t failed = summary.failures.size() + static_cast<std::size_t>(summary.not_updated);
+  const std::size_t failed =
+      summary.failures.size() + static_cast<std::size_t>(summary.not_updated);
   if (failed > 0) text = std::to_string(failed) + " datafile(s) could not be updated";
   for (std::size_t i = 0; i < summary.failures.size() && i < 5; ++i) {
     text += (i == 0 ? ": " : ", ") + summary.failures[i].symbol + " " + summary.failures[i].period;
@@ -160,6 +106,10 @@ std::string ProblemsText(const RunSummary& summary) {
     text += (text.empty() ? "" : "; ") + problem;
   }
   if (summary.stopped) text += (text.empty() ? "" : "; ") + std::string("the run was stopped");
+  if (summary.service_silent) {
+    text +=
+        (text.empty() ? "" : "; ") + std::string("the data service does not answer; run stopped");
+  }
   for (const ConversionOutcome& batch : summary.conversions) {
     if (batch.failed > 0 || !batch.problem.empty()) {
       text += (text.empty() ? "" : "; ") + batch.batch_file + ": " +
@@ -233,17 +183,27 @@ RunSummary DownLoadButton_Click(Session& session) {
   PrepareFolders(session, summary);
 
   run.DatafileCounter = 0;
+  run.time_outs_in_a_row = 0;
+  run.service_silent = false;
+  run.retry_after_seconds = 0;
   for (int period = 1; period <= 4; ++period) {
     DetermineInterval(session, period);
     if (run.DataPeriod.empty()) continue;
     RunPeriod(session, run_total, summary);
-    if (summary.stopped) break;
+    summary.service_silent = run.service_silent;
+    if (summary.stopped || summary.service_silent) break;
+  }
+  if (summary.stopped || summary.service_silent) {
+    summary.not_tried = std::max(0, run_total - run.DatafileCounter);
+  } else {
+    RetryTransientFailures(session, summary);
   }
 
   bool message_fetched = false;
-  if (summary.stopped) {
+  if (summary.stopped || summary.service_silent) {
     // Stopped between datafiles: what was written stays, and nothing more is started.
-    summary.not_tried = std::max(0, run_total - run.DatafileCounter);
+    if (summary.service_silent)
+      Log(session, "DownLoadButton_Click - the data service does not answer; run stopped");
   } else {
     if (ui.AutoCreateOneStatFiles != 0) {
       StatFilesSummary statistics;
@@ -259,7 +219,8 @@ RunSummary DownLoadButton_Click(Session& session) {
 
   summary.elapsed = ElapsedText(session.clock.Timer() - run.RunStartTimer);
   ShowCompletion(session, list, summary);
-  if (!summary.stopped) RetrieveSystemMessages(session, summary.elapsed, message_fetched);
+  if (!summary.stopped && !summary.service_silent)
+    RetrieveSystemMessages(session, summary.elapsed, message_fetched);
   for (const std::string& line : summary.Lines()) Log(session, "Run summary - " + line);
   Log(session, "DownLoadButton_Click - Complete!");
   ui.ForceFullDownload = 0;

@@ -1,5 +1,7 @@
 #include "core/download/retrieve.h"
 
+#include <algorithm>
+
 #include "core/app/log.h"
 #include "core/download/fetch_ahead.h"
 #include "core/platform/files.h"
@@ -9,6 +11,20 @@ namespace corvanet {
 
 std::string BaseFolder(const Session& session) {
   return session.ui.PathToDataFiles + Folder("Base");
+}
+
+void NoteHowTheServiceAnswered(RunState& run, const FetchResult& result) {
+  run.last_fetch_transient = !result.ok() && result.transient();
+  if (run.last_fetch_transient) {
+    run.retry_after_seconds = std::max(run.retry_after_seconds, result.retry_after_seconds);
+  }
+  if (result.status != FetchStatus::kTimedOut) {
+    run.time_outs_in_a_row = 0;
+  } else if (++run.time_outs_in_a_row >= kTimeOutsBeforeStopping) {
+    // Each further request would wait the whole time-out too: a silent service can hold a run
+    // of a few hundred datafiles for hours.
+    run.service_silent = true;
+  }
 }
 
 FetchResult RetrieveDataFile(Session& session, std::string_view remote_path,
@@ -24,6 +40,7 @@ FetchResult RetrieveDataFile(Session& session, std::string_view remote_path,
   FetchResult result = session.fetch_ahead != nullptr
                            ? session.fetch_ahead->Fetch(request, local_path)
                            : session.http.FetchToFile(request, local_path);
+  NoteHowTheServiceAnswered(session.run, result);
   if (!result.ok()) {
     WriteLog(session, "RetrieveDataFile - " + std::string(remote_path) + " - " + result.Describe() +
                           " - nothing saved");

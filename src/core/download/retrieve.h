@@ -14,6 +14,13 @@ std::string BaseFolder(const Session& session);
 // Fetches DataSetURL + remote path and, only when the whole body arrived with a 2xx status, saves
 // it as the Base folder's `local_name` (a failed fetch leaves the old copy as it was). Counts the
 // fetch in GetFileCount. A failure is logged with the remote path, never with credentials.
+// Time-outs in a row after which a run takes the data service for gone and stops.
+constexpr int kTimeOutsBeforeStopping = 3;
+
+// Keeps the run's record of the service's answers: whether the last fetch may be tried again, and
+// whether time-outs have come so often in a row that the run must stop.
+void NoteHowTheServiceAnswered(RunState& run, const FetchResult& result);
+
 FetchResult RetrieveDataFile(Session& session, std::string_view remote_path,
                              std::string_view local_name);
 

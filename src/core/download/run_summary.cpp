@@ -13,6 +13,10 @@ std::vector<std::string> RunSummary::Lines() const {
   lines.push_back("Datafiles fetched whole: " + std::to_string(fetched_whole));
   lines.push_back("Datafiles failed: " + std::to_string(failures.size()));
   if (not_updated > 0) lines.push_back("Datafiles not updated: " + std::to_string(not_updated));
+  if (retried > 0) {
+    lines.push_back("Retried after a failure that may pass: " + std::to_string(retried) +
+                    " file(s), " + std::to_string(recovered) + " recovered");
+  }
   for (const DatafileFailure& failure : failures) {
     lines.push_back("  " + failure.symbol + " " + failure.period + ": " + failure.reason);
   }
@@ -25,6 +29,10 @@ std::vector<std::string> RunSummary::Lines() const {
   }
   if (stopped) {
     lines.push_back("Run stopped at the user's request: " + std::to_string(not_tried) +
+                    " datafile(s) not tried");
+  }
+  if (service_silent) {
+    lines.push_back("The data service does not answer; run stopped: " + std::to_string(not_tried) +
                     " datafile(s) not tried");
   }
   for (const ConversionOutcome& batch : conversions) {

@@ -12,6 +12,20 @@ struct DatafileFailure {
   std::string reason;  // "HTTP 404 for NYSEDaily-CompositeStats.csv", ...
 };
 
+// A datafile as its list names it.
+struct ListedDatafile {
+  std::string name;
+  std::string symbol;
+  std::string period;
+};
+
+// A period whose update file could not be fetched for a reason that may pass.
+struct UnfetchedUpdateFile {
+  std::string period;
+  int not_updated = 0;  // the period's datafiles left as they were
+  std::string problem;  // its line among the period problems
+};
+
 // One converter batch run at the end of a run.
 struct ConversionOutcome {
   std::string batch_file;  // "MakePxFiles.bat"
@@ -41,11 +55,20 @@ struct RunSummary {
   // Stopped at the user's request between datafiles; so many of the run's total were not tried.
   bool stopped = false;
   int not_tried = 0;
+  // Stopped because the data service stopped answering: so many time-outs came in a row.
+  bool service_silent = false;
   std::string elapsed;  // the elapsed-time text of the run
 
+  // What failed for a reason that may pass (the network, a time-out, a cut body, 429, 5xx), to be
+  // tried again after the walk; emptied by each round of retries.
+  std::vector<ListedDatafile> transient_failures;
+  std::vector<UnfetchedUpdateFile> transient_update_files;
+  int retried = 0;    // datafiles and update files tried again
+  int recovered = 0;  // of those, the ones a retry brought in
+
   bool has_failures() const {
-    return stopped || !failures.empty() || not_updated > 0 || !period_problems.empty() ||
-           !statistic_failures.empty() ||
+    return stopped || service_silent || !failures.empty() || not_updated > 0 ||
+           !period_problems.empty() || !statistic_failures.empty() ||
            std::any_of(conversions.begin(), conversions.end(), [](const ConversionOutcome& c) {
              return c.failed > 0 || !c.problem.empty();
            });

@@ -77,6 +77,10 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
       summary.stopped = true;
       break;
     }
+    if (run.service_silent) {
+      summary.service_silent = true;
+      break;
+    }
     SetProgress(session, run.DatafileCounter + 1);
     Pause(session, 0.0025);
     if (!ahead.ReadRecord(name, symbol)) {
@@ -88,6 +92,7 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
     run.DownloadSymbol = symbol;
     if (session.logging()) WriteLog(session, "Downloading " + symbol + " - " + name);
     run.GetFileCount = 0;
+    run.last_fetch_transient = false;
     if (run.DatafileCounter < INT16_MAX) ++run.DatafileCounter;
     WebSymbolCorrection(session, symbol);
     if (!SetDatafileNames(session)) {
@@ -126,6 +131,8 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
         Log(session,
             "SingleFileUpdate - " + symbol + " " + run.DataPeriod + " failed: " + outcome.reason);
         summary.failures.push_back({symbol, run.DataPeriod, outcome.reason});
+        if (run.last_fetch_transient)
+          summary.transient_failures.push_back({name, symbol, run.DataPeriod});
         break;
     }
     // A datafile that could not be updated keeps its old price files too.

@@ -1,10 +1,13 @@
 #include "core/platform/curl_transfer.h"
 
+#include <algorithm>
 #include <mutex>
 
 namespace corvanet::curl {
 
 namespace {
+
+constexpr long kConnectTimeoutSeconds = 10;
 
 size_t WriteToFile(char* data, size_t size, size_t count, void* user) {
   auto* writer = static_cast<AtomicFileWriter*>(user);
@@ -51,7 +54,9 @@ void SetFetchOptions(CURL* handle, const FetchRequest& request, AtomicFileWriter
   curl_easy_setopt(handle, CURLOPT_USERNAME, request.user.c_str());
   curl_easy_setopt(handle, CURLOPT_PASSWORD, request.password.c_str());
   curl_easy_setopt(handle, CURLOPT_TIMEOUT, request.timeout_seconds);
-  curl_easy_setopt(handle, CURLOPT_CONNECTTIMEOUT, request.timeout_seconds);
+  // A service that cannot be reached is known in seconds; only an answer may take the whole time.
+  curl_easy_setopt(handle, CURLOPT_CONNECTTIMEOUT,
+                   std::min(request.timeout_seconds, kConnectTimeoutSeconds));
   curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
   curl_easy_setopt(handle, CURLOPT_USERAGENT, "Corvanet/5.1");
   curl_easy_setopt(handle, CURLOPT_ERRORBUFFER, error_text);
@@ -66,6 +71,10 @@ FetchResult ResultOf(CURL* handle, CURLcode code, const char* error_text) {
   curl_easy_getinfo(handle, CURLINFO_SIZE_DOWNLOAD_T, &bytes);
   result.bytes = static_cast<std::uint64_t>(bytes);
   result.status = StatusFor(code);
+  curl_off_t retry_after = 0;
+  if (curl_easy_getinfo(handle, CURLINFO_RETRY_AFTER, &retry_after) == CURLE_OK) {
+    result.retry_after_seconds = static_cast<long>(retry_after);
+  }
   if (code != CURLE_OK) {
     result.detail = error_text[0] != '\0' ? error_text : curl_easy_strerror(code);
   } else if (result.http_status < 200 || result.http_status > 299) {

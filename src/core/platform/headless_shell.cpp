@@ -25,8 +25,7 @@ BatchProcess HeadlessShell::StartHidden(const std::string& batch_file,
                                         const std::string& working_folder,
                                         const std::vector<std::string>& environment) {
   return StartHiddenBatch(batch_file, working_folder,
-                          program_folder_.empty() ? HelperFolder() : program_folder_,
-                          environment);
+                          program_folder_.empty() ? HelperFolder() : program_folder_, environment);
 }
 
 bool HeadlessShell::StartProgram(const std::string& name) {

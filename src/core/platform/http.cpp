@@ -5,6 +5,23 @@
 
 namespace corvanet {
 
+bool FetchResult::transient() const {
+  switch (status) {
+    case FetchStatus::kCouldNotConnect:
+    case FetchStatus::kTimedOut:
+    case FetchStatus::kTruncated:
+    case FetchStatus::kDropped:
+    case FetchStatus::kFailed:
+      return true;
+    case FetchStatus::kHttpError:
+      return http_status == 429 || http_status >= 500;
+    case FetchStatus::kOk:
+    case FetchStatus::kLocalWriteFailed:
+      return false;
+  }
+  return false;
+}
+
 std::string FetchResult::Describe() const {
   switch (status) {
     case FetchStatus::kOk:

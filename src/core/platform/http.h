@@ -31,8 +31,12 @@ struct FetchResult {
   FetchStatus status = FetchStatus::kFailed;
   long http_status = 0;
   std::uint64_t bytes = 0;
-  std::string detail;  // the transfer library's words, for log lines
+  std::string detail;            // the transfer library's words, for log lines
+  long retry_after_seconds = 0;  // how long the service asked to wait (Retry-After), 0: not said
   bool ok() const { return status == FetchStatus::kOk; }
+  // A failure that asking again later may cure: the network, a time-out, a cut body, 429 or 5xx.
+  // Any other 4xx is the service's considered answer and a local write failure is ours.
+  bool transient() const;
   // "HTTP 404", "could not connect", "timed out", ... for log lines and summaries.
   std::string Describe() const;
 };

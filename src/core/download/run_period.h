@@ -1,0 +1,20 @@
+#pragma once
+// One period's part of a run: its update file fetched and indexed, then the walk of the list.
+#include <string>
+
+#include "core/app/session.h"
+#include "core/download/run_summary.h"
+#include "core/download/update_file_index.h"
+
+namespace corvanet {
+
+// The walk of the period set by DetermineInterval over `list_path` (the download list when empty),
+// updating every datafile it names. What failed lands in `summary`.
+void RunPeriod(Session& session, int run_total, RunSummary& summary,
+               const std::string& list_path = {});
+
+// Loads the period's update file from the Base folder, where its fetch left it; false (with
+// `cause`) when it holds no update rows. Garbled lines are logged and left out.
+bool LoadUpdateFile(Session& session, UpdateFileIndex& update_rows, std::string& cause);
+
+}  // namespace corvanet
