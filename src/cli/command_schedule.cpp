@@ -63,6 +63,19 @@ bool UserSystemdRunning() {
   return Systemctl({"show-environment"}, true) == 0;
 }
 
+// Line by line, so the file ends its lines with CR LF as every file of the program does; systemd
+// reads them so.
+bool WriteUnitFile(const std::string& path, std::string_view text) {
+  AtomicFileWriter writer(path);
+  std::size_t start = 0;
+  while (start < text.size()) {
+    const std::size_t end = text.find('\n', start);
+    writer.WriteLine(text.substr(start, end - start));
+    start = end + 1;
+  }
+  return writer.Commit();
+}
+
 int Install(CommandContext& context, const CommandLine& line) {
   ScheduledRun run;
   run.list = line.list;
@@ -81,8 +94,8 @@ int Install(CommandContext& context, const CommandLine& line) {
   const std::string name = UnitName(run.list);
   std::error_code ec;
   fs::create_directories(folder, ec);
-  if (!WriteWholeFile((folder / (name + ".service")).string(), ServiceUnitText(run)) ||
-      !WriteWholeFile((folder / (name + ".timer")).string(), TimerUnitText(run))) {
+  if (!WriteUnitFile((folder / (name + ".service")).string(), ServiceUnitText(run)) ||
+      !WriteUnitFile((folder / (name + ".timer")).string(), TimerUnitText(run))) {
     context.err << "corvanet-cli schedule: could not write the unit files in " << folder.string()
                 << '\n';
     return kExitStartupFailed;

@@ -92,11 +92,12 @@ TEST_F(ScheduleCommandTest, InstallsListsAndRemovesTheUserTimer) {
   EXPECT_NE(scheduled.out.find("List 3 runs Mon..Fri *-*-* 18:30:00"), std::string::npos);
   const std::string timer = ReadFile(units() + "corvanet-list-3.timer");
   const std::string service = ReadFile(units() + "corvanet-list-3.service");
-  EXPECT_NE(timer.find("OnCalendar=Mon..Fri *-*-* 18:30:00\n"), std::string::npos);
-  EXPECT_NE(timer.find("Persistent=true\n"), std::string::npos);
-  EXPECT_NE(service.find("WorkingDirectory=" + base() + "Rondex/\n"), std::string::npos);
-  EXPECT_NE(service.find("ExecStart=\"" + BinaryPath("corvanet-cli") + "\" --base-dir \"" + base() +
-                         "\" run 3\n"),
+  // Lines end with CR LF, as in every file the program writes; systemd reads them so.
+  EXPECT_NE(timer.find("\r\nOnCalendar=Mon..Fri *-*-* 18:30:00\r\n"), std::string::npos);
+  EXPECT_NE(timer.find("\r\nPersistent=true\r\n"), std::string::npos);
+  EXPECT_NE(service.find("\r\nWorkingDirectory=" + base() + "Rondex/\r\n"), std::string::npos);
+  EXPECT_NE(service.find("\r\nExecStart=\"" + BinaryPath("corvanet-cli") + "\" --base-dir \"" +
+                         base() + "\" run 3\r\n"),
             std::string::npos)
       << service;
   EXPECT_EQ(ReadLines(dir / "systemctl.log"),
