@@ -32,11 +32,11 @@ set(CPACK_PACKAGE_NAME corvanet)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_CONTACT "Corvanet developers <corvanet@localhost>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "keeps a library of market-breadth datafiles current")
-set(CPACK_PACKAGE_DESCRIPTION
-    "Corvanet downloads and updates market-breadth datafiles from a subscription data service, "
-    "makes single-statistic and MetaStock price files from them, and runs unattended on a "
-    "schedule. The package holds the window (corvanet), the command line (corvanet-cli) and a "
-    "demo data service (corvanet-demo-service).")
+string(CONCAT CPACK_PACKAGE_DESCRIPTION
+       "Corvanet downloads and updates market-breadth datafiles from a subscription data service, "
+       "makes single-statistic and MetaStock price files from them, and runs unattended on a "
+       "schedule. The package holds the window (corvanet), the command line (corvanet-cli) and a "
+       "demo data service (corvanet-demo-service).")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION misc)
