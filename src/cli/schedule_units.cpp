@@ -90,8 +90,8 @@ std::string DaysInWords(const WeekDays& days) {
   for (const auto& [first, last] : DayRuns(days)) {
     if (!text.empty()) text += ',';
     text += kCalendarDays[first];
-    if (last != first)
-      text += std::string(last == first + 1 ? "," : "-") + kCalendarDays[last].data();
+    if (last != first) text += last == first + 1 ? "," : "-";
+    text += kCalendarDays[last];
   }
   return text;
 }
@@ -145,7 +145,7 @@ std::string CalendarText(const ScheduledRun& run) {
     for (const auto& [first, last] : DayRuns(run.days)) {
       if (!days.empty()) days += ',';
       days += kCalendarDays[first];
-      if (last != first) days += std::string("..") + kCalendarDays[last].data();
+      if (last != first) days.append("..").append(kCalendarDays[last]);
     }
     days += ' ';
   }
@@ -179,7 +179,7 @@ std::string TimerUnitText(const ScheduledRun& run) {
 // `run N` from the program folder rather than RunListNum.txt and a start with no command: the run
 // is the same (RunListNum only selects the list, and the start-up report lands in the same
 // folder), but two lists due at the same minute cannot overwrite each other's RunListNum.txt, and
-// a RunListNum.txt the user left for a start of his own is not consumed by the timer.
+// a RunListNum.txt left for a start by hand is not consumed by the timer.
 std::string ServiceUnitText(const ScheduledRun& run) {
   const std::string n = std::to_string(run.list);
   return "# Written by corvanet-cli schedule; 'corvanet-cli schedule --remove " + n +
