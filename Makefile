@@ -7,7 +7,7 @@ ifdef CI
 CMAKE_FLAGS += -DCORVANET_WERROR=ON
 endif
 
-.PHONY: deps build test demo screenshots bench fuzz format clean
+.PHONY: deps build test demo package screenshots bench fuzz format clean
 
 deps:
 	@bash scripts/install-deps.sh
@@ -21,6 +21,12 @@ test: build
 
 demo: build
 	@bash scripts/demo.sh $(BUILD)
+
+# $(BUILD)/corvanet_<version>_<arch>.deb, with the tests left out of the build.
+package: deps
+	@cmake -S . -B $(BUILD) $(CMAKE_FLAGS) >/dev/null
+	@cmake --build $(BUILD) -j $(JOBS) --target corvanet corvanet-cli corvanet-demo-service PxFiles complete
+	@cd $(BUILD) && cpack -G DEB >/dev/null && ls corvanet_*.deb
 
 # Pictures of every page and of runs against the demo service, in $(BUILD)/screenshots/.
 screenshots: build

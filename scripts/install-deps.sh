@@ -7,7 +7,7 @@ set -euo pipefail
 packages=(
   build-essential cmake make pkg-config git
   libgtest-dev libgmock-dev
-  libcurl4-openssl-dev libcpp-httplib-dev
+  libcurl4-openssl-dev libcpp-httplib-dev libcli11-dev
   qt6-base-dev
   xvfb xauth
   python3 time

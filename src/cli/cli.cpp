@@ -1,64 +1,24 @@
 #include "cli/cli.h"
 
 #include <cstdlib>
+#include <memory>
+#include <optional>
 #include <ostream>
+#include <sstream>
 
+#include "cli/command_line.h"
 #include "cli/commands.h"
+#include "cli/progress_line.h"
 #include "core/app/log.h"
 #include "core/app/startup.h"
-#include "core/download/run_summary.h"
 #include "core/platform/clock.h"
 #include "core/platform/headless_shell.h"
 #include "core/platform/http.h"
-#include "core/platform/paths.h"
 #include "core/platform/text.h"
 
 namespace corvanet::cli {
 
 namespace {
-
-struct GlobalOptions {
-  std::string base_directory;
-  bool log = false;
-  bool yes = false;
-  std::vector<std::string> command;  // the command and its arguments
-};
-
-// False on a usage error (reported on `err`).
-bool ParseGlobalOptions(const std::vector<std::string>& args, GlobalOptions& options,
-                        std::ostream& err) {
-  std::size_t i = 0;
-  for (; i < args.size() && StartsWith(args[i], "--"); ++i) {
-    const std::string& arg = args[i];
-    if (arg == "--log") {
-      options.log = true;
-    } else if (arg == "--yes") {
-      options.yes = true;
-    } else if (arg == "--base-dir") {
-      if (i + 1 >= args.size() || args[i + 1].empty()) {
-        err << "corvanet-cli: --base-dir needs a folder\n";
-        return false;
-      }
-      options.base_directory = WithTrailingSeparator(args[++i]);
-    } else if (StartsWith(arg, "--base-dir=")) {
-      // An empty value would make the file-system root the installation.
-      if (arg.size() == 11) {
-        err << "corvanet-cli: --base-dir needs a folder\n";
-        return false;
-      }
-      options.base_directory = WithTrailingSeparator(arg.substr(11));
-    } else {
-      err << "corvanet-cli: unknown option " << arg << '\n';
-      return false;
-    }
-  }
-  options.command.assign(args.begin() + static_cast<std::ptrdiff_t>(i), args.end());
-  if (!options.command.empty() && FindCommand(options.command.front()) == nullptr) {
-    err << "corvanet-cli: unknown command " << options.command.front() << '\n';
-    return false;
-  }
-  return true;
-}
 
 long HttpTimeoutFromEnvironment() {
   // Tests shorten the 60-second time-out to exercise it.
@@ -69,16 +29,14 @@ long HttpTimeoutFromEnvironment() {
   return 60;
 }
 
-}  // namespace
+bool ShowsProgress(const CommandLine& line) {
+  return line.command == "run" || line.command == "stats" || line.command.empty();
+}
 
-int RunCli(const std::vector<std::string>& args, std::ostream& out, std::ostream& err,
-           const CliEnvironment& environment) {
-  GlobalOptions options;
-  if (!ParseGlobalOptions(args, options, err)) {
-    PrintUsage(err);
-    return kExitUsage;
-  }
-  HeadlessShell shell(out, options.yes);
+// Starts the installation and carries out the command, printing on `out` and `err`.
+int StartAndRun(const CommandLine& line, std::ostream& out, std::ostream& err,
+                std::ostream& terminal, const CliEnvironment& environment) {
+  HeadlessShell shell(out, line.yes);
   CurlHttpClient http;
   SystemClock clock;
   Session session(shell, http, clock);
@@ -86,31 +44,67 @@ int RunCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
 
   StartupOptions startup;
   startup.base_directory =
-      options.base_directory.empty() ? DefaultBaseDirectory() : options.base_directory;
+      line.base_directory.empty() ? DefaultBaseDirectory() : line.base_directory;
   startup.start_directory = environment.start_directory;
   startup.change_directory = environment.change_directory;
-  startup.may_run_unattended = options.command.empty();
+  startup.may_run_unattended = line.command.empty();
   if (!Form_Load(session, startup)) {
     err << "corvanet-cli: start-up failed: could not create the installation in "
         << session.app.ProgramDirectory << '\n';
     return kExitStartupFailed;
   }
-  if (options.log) {
+  if (line.log) {
     session.ui.GenerateLogFile = 1;
     GenerateLogFile_Click(session);
   }
 
-  CommandContext context{session, out, err};
-  if (options.command.empty()) {
-    if (session.app.RunListNum >= 1 && session.app.RunListNum <= 7) {
-      return RunAutomated(context);
-    }
-    PrintInstallationSummary(context);
-    return kExitOk;
+  std::optional<ProgressLine> progress;
+  if (environment.progress_terminal && !line.quiet && ShowsProgress(line)) {
+    progress.emplace(session, terminal, environment.terminal_width);
+    session.observer = &*progress;
   }
-  const CommandDef* command = FindCommand(options.command.front());
-  const std::vector<std::string> command_args(options.command.begin() + 1, options.command.end());
-  return command->run(context, command_args);
+  // Whatever is printed while the line is drawn takes its place.
+  std::unique_ptr<ClearingStreamBuf> out_buf;
+  std::unique_ptr<ClearingStreamBuf> err_buf;
+  std::optional<std::ostream> clearing_out;
+  std::optional<std::ostream> clearing_err;
+  if (progress) {
+    out_buf = std::make_unique<ClearingStreamBuf>(out.rdbuf(), *progress);
+    err_buf = std::make_unique<ClearingStreamBuf>(err.rdbuf(), *progress);
+    clearing_out.emplace(out_buf.get());
+    clearing_err.emplace(err_buf.get());
+  }
+  CommandContext context{session, clearing_out ? *clearing_out : out,
+                         clearing_err ? *clearing_err : err, environment};
+  int status = kExitOk;
+  if (line.command.empty()) {
+    if (session.app.RunListNum >= 1 && session.app.RunListNum <= 7) {
+      status = RunAutomated(context);
+    } else {
+      PrintInstallationSummary(context);
+    }
+  } else {
+    status = FindCommand(line.command)(context, line);
+  }
+  session.observer = nullptr;
+  if (progress) progress->Clear();
+  return status;
+}
+
+}  // namespace
+
+int RunCli(const std::vector<std::string>& args, std::ostream& out, std::ostream& err,
+           const CliEnvironment& environment) {
+  CommandLine line;
+  int status = kExitOk;
+  if (!ParseCommandLine(args, line, out, err, status)) return status;
+  if (!line.quiet) return StartAndRun(line, out, err, err, environment);
+  // Quiet: nothing is printed when all went well; otherwise what was held back explains the
+  // failure, so it goes where errors go.
+  std::ostringstream held;
+  status = StartAndRun(line, held, err, err, environment);
+  if (status != kExitOk) err << held.str() << std::flush;
+  return status;
 }
 
 }  // namespace corvanet::cli

@@ -9,7 +9,7 @@ namespace corvanet::cli {
 
 enum ExitCode : int {
   kExitOk = 0,
-  kExitStartupFailed = 1,
+  kExitStartupFailed = 1,  // the system failed: no installation, or a schedule not (un)installed
   kExitUsage = 2,
   kExitRunFailures = 3,
   kExitRefused = 4,  // a check of the program refused the command; nothing was changed
@@ -19,6 +19,10 @@ enum ExitCode : int {
 struct CliEnvironment {
   std::string start_directory;   // where RunListNum.txt and the first report go; "" = current
   bool change_directory = true;  // make ProgramDirectory current after start-up
+  // Standard error is a terminal: `run` and `stats` draw their progress line on `err` (with its
+  // width in columns).
+  bool progress_terminal = false;
+  int terminal_width = 80;
 };
 
 // `args` excludes the program name.

@@ -4,8 +4,7 @@
 
 namespace corvanet::cli {
 
-int ClearDatafilesCommand(CommandContext& context, CommandArgs args) {
-  if (!args.empty()) return UsageError(context, "clear-datafiles", "takes no arguments");
+int ClearDatafilesCommand(CommandContext& context, const CommandLine& /*line*/) {
   return ClearDataFiles_Click(context.session) ? kExitOk : kExitRefused;
 }
 

@@ -51,7 +51,8 @@ bool ParsePeriods(std::string_view text, std::array<int, 4>& boxes) {
 }
 
 // Parses every edit before anything changes, so a typo changes nothing.
-bool ParseEdits(CommandContext& context, CommandArgs args, std::vector<Edit>& edits, int& status) {
+bool ParseEdits(CommandContext& context, const std::vector<std::string>& args,
+                std::vector<Edit>& edits, int& status) {
   for (std::size_t i = 0; i < args.size(); ++i) {
     const std::string& word = args[i];
     const bool has_argument = i + 1 < args.size();
@@ -92,7 +93,7 @@ bool ParseEdits(CommandContext& context, CommandArgs args, std::vector<Edit>& ed
   return true;
 }
 
-void RemoveItem(CommandContext& context, const std::string& text) {
+bool RemoveItem(CommandContext& context, const std::string& text) {
   ListBox& box = context.session.ui.List6;
   bool found = false;
   for (std::size_t i = 0; i < box.size(); ++i) {
@@ -101,28 +102,26 @@ void RemoveItem(CommandContext& context, const std::string& text) {
   }
   if (!found) {
     context.err << "corvanet-cli list: no item \"" << text << "\" to remove\n";
-    return;
+    return false;
   }
   List6_DblClick(context.session);
+  return true;
 }
 
-void ApplyEdit(CommandContext& context, const Edit& edit) {
+// False when the program refused the edit; it has said why.
+bool ApplyEdit(CommandContext& context, const Edit& edit) {
   Session& session = context.session;
   WindowState& ui = session.ui;
   switch (edit.kind) {
     case EditKind::kAdd:
       ui.Text5 = edit.text;
-      AddByString_Click(session);
-      break;
+      return AddByString_Click(session);
     case EditKind::kMoveAll:
-      MoveAllToDownloadList_Click(session);
-      break;
+      return MoveAllToDownloadList_Click(session);
     case EditKind::kClear:
-      ClearList_Click(session);
-      break;
+      return ClearList_Click(session);
     case EditKind::kRemove:
-      RemoveItem(context, edit.text);
-      break;
+      return RemoveItem(context, edit.text);
     case EditKind::kVendor: {
       // Option buttons of one frame: choosing one clears the others.
       const VendorOption* chosen = FindVendor(edit.text);
@@ -139,28 +138,27 @@ void ApplyEdit(CommandContext& context, const Edit& edit) {
       break;
     }
   }
+  return true;
 }
 
 }  // namespace
 
-int ListCommand(CommandContext& context, CommandArgs args) {
-  int list = 0;
-  if (args.empty() || !ParseInteger(args[0], list) || list < 1 || list > 7) {
-    return UsageError(context, kUsage, "expected a list number from 1 to 7");
-  }
+int ListCommand(CommandContext& context, const CommandLine& line) {
   std::vector<Edit> edits;
   int status = kExitOk;
-  if (!ParseEdits(context, args.subspan(1), edits, status)) return status;
+  if (!ParseEdits(context, line.words, edits, status)) return status;
 
   Session& session = context.session;
-  DownloadList_Click(session, list);
+  DownloadList_Click(session, line.list);
   if (edits.empty()) {
     for (const std::string& item : session.ui.List6.items) context.out << item << '\n';
     return kExitOk;
   }
-  for (const Edit& edit : edits) ApplyEdit(context, edit);
-  SaveDownloadList_Click(session);
-  return kExitOk;
+  // The edits after a refused one were typed expecting it to be done; none is saved.
+  for (const Edit& edit : edits) {
+    if (!ApplyEdit(context, edit)) return kExitRefused;
+  }
+  return SaveDownloadList_Click(session) ? kExitOk : kExitRefused;
 }
 
 }  // namespace corvanet::cli

@@ -5,8 +5,7 @@
 
 namespace corvanet::cli {
 
-int RefreshMasterfileCommand(CommandContext& context, CommandArgs args) {
-  if (!args.empty()) return UsageError(context, "refresh-masterfile", "takes no arguments");
+int RefreshMasterfileCommand(CommandContext& context, const CommandLine& /*line*/) {
   const bool installed = RefreshMasterfile(context.session);
   LoadMasterfile(context.session);
   if (!installed) {

@@ -1,7 +1,6 @@
 // run N, and the unattended start from RunListNum.txt.
 #include "cli/commands.h"
 #include "core/app/startup.h"
-#include "core/platform/text.h"
 
 namespace corvanet::cli {
 
@@ -22,12 +21,8 @@ int RunAutomated(CommandContext& context) {
   return PrintRun(context, AutomatedRuns(context.session));
 }
 
-int RunCommand(CommandContext& context, CommandArgs args) {
-  int list = 0;
-  if (args.size() != 1 || !ParseInteger(args[0], list) || list < 1 || list > 7) {
-    return UsageError(context, "run", "expected one list number from 1 to 7");
-  }
-  context.session.app.RunListNum = list;
+int RunCommand(CommandContext& context, const CommandLine& line) {
+  context.session.app.RunListNum = line.list;
   return RunAutomated(context);
 }
 

@@ -8,8 +8,9 @@
 
 namespace corvanet::cli {
 
-int SettingsCommand(CommandContext& context, CommandArgs args) {
+int SettingsCommand(CommandContext& context, const CommandLine& line) {
   Session& session = context.session;
+  const std::vector<std::string>& args = line.words;
   if (args.empty()) {
     std::set<std::string_view> printed;
     for (const SettingDef& def : SettingsTable()) {
@@ -43,8 +44,7 @@ int SettingsCommand(CommandContext& context, CommandArgs args) {
     changes.emplace_back(def, std::move(value));
   }
   for (const auto& [def, value] : changes) SetSetting(session, *def, value, ValueSource::kUser);
-  SaveToINI_Click(session);
-  return kExitOk;
+  return SaveToINI_Click(session) ? kExitOk : kExitRefused;
 }
 
 }  // namespace corvanet::cli

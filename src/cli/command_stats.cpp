@@ -2,18 +2,13 @@
 // Periods"), which ticks that list's RunWith box and makes the files now.
 #include "cli/commands.h"
 #include "core/app/log.h"
-#include "core/platform/text.h"
 #include "core/stats/single_stat_files.h"
 
 namespace corvanet::cli {
 
-int StatsCommand(CommandContext& context, CommandArgs args) {
-  int list = 0;
-  if (args.size() != 1 || !ParseInteger(args[0], list) || list < 1 || list > 7) {
-    return UsageError(context, "stats", "expected one list number from 1 to 7");
-  }
+int StatsCommand(CommandContext& context, const CommandLine& line) {
   StatFilesSummary summary;
-  MakeListStatFiles_Click(context.session, list, &summary);
+  MakeListStatFiles_Click(context.session, line.list, &summary);
   if (!summary.busy.empty()) return kExitBusy;
   std::ostream& out = context.out;
   out << context.session.ui.DownLoadButton.caption << '\n'

@@ -3,41 +3,32 @@
 namespace corvanet::cli {
 
 namespace {
+struct CommandDef {
+  std::string_view name;
+  CommandFunction run;
+};
+
 const CommandDef kCommands[] = {
-    {"clear-datafiles", "", &ClearDatafilesCommand},
-    {"list",
-     "N [add TEXT | move-all | clear | remove TEXT | vendor eSignal|Reuters|Yahoo|Other | "
-     "periods D,W,M,Q]...",
-     &ListCommand},
-    {"refresh-masterfile", "", &RefreshMasterfileCommand},
-    {"run", "N", &RunCommand},
-    {"settings", "[KEY=VALUE ...]", &SettingsCommand},
-    {"stats", "N", &StatsCommand},
+    {"clear-datafiles", &ClearDatafilesCommand},
+    {"list", &ListCommand},
+    {"refresh-masterfile", &RefreshMasterfileCommand},
+    {"run", &RunCommand},
+    {"settings", &SettingsCommand},
+    {"stats", &StatsCommand},
+    {"schedule", &ScheduleCommand},
 };
 }  // namespace
 
-std::span<const CommandDef> Commands() {
-  return kCommands;
-}
-
-const CommandDef* FindCommand(std::string_view name) {
+CommandFunction FindCommand(std::string_view name) {
   for (const CommandDef& command : kCommands) {
-    if (command.name == name) return &command;
+    if (command.name == name) return command.run;
   }
   return nullptr;
 }
 
-void PrintUsage(std::ostream& err) {
-  err << "usage: corvanet-cli [--base-dir DIR] [--log] [--yes] [COMMAND ARGS...]\n"
-         "commands:\n";
-  for (const CommandDef& command : kCommands) {
-    err << "  " << command.name << ' ' << command.usage << '\n';
-  }
-}
-
 int UsageError(CommandContext& context, std::string_view command, std::string_view problem) {
-  context.err << "corvanet-cli " << command << ": " << problem << '\n';
-  PrintUsage(context.err);
+  context.err << "corvanet-cli " << command << ": " << problem << "\nRun 'corvanet-cli " << command
+              << " --help' for more.\n";
   return kExitUsage;
 }
 

@@ -1,11 +1,11 @@
 #pragma once
 // One function per command, each in its own file, over the started session.
 #include <ostream>
-#include <span>
 #include <string>
 #include <string_view>
 
 #include "cli/cli.h"
+#include "cli/command_line.h"
 #include "core/app/session.h"
 
 namespace corvanet::cli {
@@ -14,33 +14,26 @@ struct CommandContext {
   Session& session;
   std::ostream& out;
   std::ostream& err;
+  const CliEnvironment& environment;
 };
 
-using CommandArgs = std::span<const std::string>;
-using CommandFunction = int (*)(CommandContext&, CommandArgs);
+using CommandFunction = int (*)(CommandContext&, const CommandLine&);
 
-struct CommandDef {
-  std::string_view name;
-  std::string_view usage;  // the arguments, for the usage text
-  CommandFunction run;
-};
-
-std::span<const CommandDef> Commands();
-const CommandDef* FindCommand(std::string_view name);
-void PrintUsage(std::ostream& err);
+// The function of a command named on the command line; nullptr for an unknown name.
+CommandFunction FindCommand(std::string_view name);
 
 // Prints a usage error for one command and returns kExitUsage.
 int UsageError(CommandContext& context, std::string_view command, std::string_view problem);
 
-// The commands.
-int SettingsCommand(CommandContext& context, CommandArgs args);
-int RunCommand(CommandContext& context, CommandArgs args);
-// The single-statistic files of list N now; exit status 3 when a datafile failed.
-int StatsCommand(CommandContext& context, CommandArgs args);
-int RefreshMasterfileCommand(CommandContext& context, CommandArgs args);
-int ListCommand(CommandContext& context, CommandArgs args);
-int ClearDatafilesCommand(CommandContext& context, CommandArgs args);
-// The unattended run of RunListNum; exit status 3 when a datafile failed.
+// The commands. Each returns an ExitCode.
+int SettingsCommand(CommandContext& context, const CommandLine& line);
+int RunCommand(CommandContext& context, const CommandLine& line);
+int StatsCommand(CommandContext& context, const CommandLine& line);
+int RefreshMasterfileCommand(CommandContext& context, const CommandLine& line);
+int ListCommand(CommandContext& context, const CommandLine& line);
+int ClearDatafilesCommand(CommandContext& context, const CommandLine& line);
+int ScheduleCommand(CommandContext& context, const CommandLine& line);
+// The unattended run of RunListNum.
 int RunAutomated(CommandContext& context);
 // No command: the installation's summary.
 void PrintInstallationSummary(CommandContext& context);

@@ -54,12 +54,12 @@ class CliTest : public ::testing::Test {
     return Run(all);
   }
 
-  // Starts the built program from the start folder with HOME in the temporary folder; `args` is
-  // shell text. Standard error is kept apart from the output.
-  CliResult RunProcess(const std::string& args) const {
-    const std::string command = "cd '" + start() + "' && HOME='" + dir.path() +
-                                "' CORVANET_BASE_DIR= '" + BinaryPath("corvanet-cli") + "' " +
-                                args + " 2>'" + (dir / "stderr.txt") + "'";
+  // Starts the built program from the start folder with HOME in the temporary folder; `args` and
+  // `environment` ("NAME=value ...") are shell text. Standard error is kept apart from the output.
+  CliResult RunProcess(const std::string& args, const std::string& environment = "") const {
+    const std::string command =
+        "cd '" + start() + "' && HOME='" + dir.path() + "' CORVANET_BASE_DIR= " + environment +
+        " '" + BinaryPath("corvanet-cli") + "' " + args + " 2>'" + (dir / "stderr.txt") + "'";
     CliResult result;
     std::FILE* pipe = ::popen(command.c_str(), "r");
     if (pipe == nullptr) return result;

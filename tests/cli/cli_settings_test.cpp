@@ -112,7 +112,7 @@ TEST_F(CliSettingsTest, ABadValueChangesNothing) {
     all.insert(all.end(), args.begin(), args.end());
     const CliResult result = Run(all);
     EXPECT_EQ(result.code, 2) << args.back();
-    EXPECT_NE(result.err.find("usage: corvanet-cli"), std::string::npos) << args.back();
+    EXPECT_NE(result.err.find("corvanet-cli settings: "), std::string::npos) << args.back();
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(ReadFile(settings_file()), stored) << args.back();
   }
@@ -131,7 +131,7 @@ TEST_F(CliSettingsTest, TextsReadBackInANewProcessExactlyAsTyped) {
 
 TEST_F(CliSettingsTest, SavingWithoutCredentialsIsRefusedWithAMessage) {
   const CliResult result = RunIn({"settings", "UpTrends=1"});
-  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(result.code, cli::kExitRefused);
   EXPECT_EQ(result.out.rfind("Please enter your username and password.\n", 0), 0U);
   EXPECT_TRUE(result.out.ends_with("\n\n"));
   // The new installation's own defaults stay as they were written.

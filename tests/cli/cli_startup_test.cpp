@@ -12,29 +12,6 @@ namespace {
 
 using CliStartupTest = CliTest;
 
-TEST_F(CliStartupTest, UnknownOptionsAndCommandsAreUsageErrors) {
-  const std::vector<std::vector<std::string>> bad = {
-      {"--bogus"}, {"--base-dir", base_arg(), "frobnicate"}, {"--base-dir"}, {"--base-dir="},
-      {"-h"},
-  };
-  for (const auto& args : bad) {
-    const CliResult result = Run(args);
-    EXPECT_EQ(result.code, 2) << args.back();
-    EXPECT_NE(result.err.find("usage: corvanet-cli [--base-dir DIR] [--log] [--yes]"),
-              std::string::npos)
-        << args.back();
-    EXPECT_NE(result.err.find("  settings [KEY=VALUE ...]"), std::string::npos);
-    EXPECT_EQ(result.out, "");
-  }
-  // Refused before start-up: nothing was installed anywhere.
-  EXPECT_FALSE(Exists(base()));
-  EXPECT_FALSE(Exists(start() + "LogFile.txt"));
-
-  const CliResult run = RunIn({"run", "8"});
-  EXPECT_EQ(run.code, 2);
-  EXPECT_NE(run.err.find("corvanet-cli run: "), std::string::npos);
-}
-
 TEST_F(CliStartupTest, NoCommandPrintsWhereEverythingLives) {
   const CliResult result = Run({"--base-dir=" + base_arg(), "--yes"});
   ASSERT_EQ(result.code, 0) << result.err;
@@ -55,6 +32,28 @@ TEST_F(CliStartupTest, RunListNumOutsideOneToSevenIsAnInteractiveStart) {
   RemoveFile(start() + "RunListNum.txt");
   EXPECT_EQ(RunIn({}).code, 0);
   EXPECT_FALSE(Exists(start() + "RunListNum.txt"));  // a missing file is not created
+}
+
+// A scheduler reads the status alone: a run refused before it began must not look like success,
+// whether asked for by command or by RunListNum.txt.
+TEST_F(CliStartupTest, ARunThatNeverStartsExitsFour) {
+  struct Case {
+    std::vector<std::string> args;
+    std::string run_list_num;  // "" = no file
+  };
+  const std::vector<Case> cases = {
+      {{"run", "1"}, ""},  // a new installation: no credentials, no list
+      {{"run", "7"}, ""},  // a full list without a vendor
+      {{}, "2\r\n"},       // the unattended start
+  };
+  for (const Case& c : cases) {
+    if (!c.run_list_num.empty()) WriteFile(start() + "RunListNum.txt", c.run_list_num);
+    std::vector<std::string> args = {"--base-dir", base_arg()};
+    args.insert(args.end(), c.args.begin(), c.args.end());
+    const CliResult result = Run(args);
+    EXPECT_EQ(result.code, cli::kExitRefused) << result.out;
+    EXPECT_NE(result.out.find("Run not started.\n"), std::string::npos) << result.out;
+  }
 }
 
 TEST_F(CliStartupTest, LogOptionStartsAFreshLogInTheProgramFolder) {

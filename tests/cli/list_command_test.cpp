@@ -60,12 +60,27 @@ TEST_F(ListCommandTest, EditsAreAppliedInOrderAndSaved) {
                    "NYSE Composite,$NYA"}));
 }
 
-TEST_F(ListCommandTest, RefusalsArePrintedAndMistakesChangeNothing) {
-  ASSERT_EQ(Run({"list", "6", "add", "dow"}), 0);
-  EXPECT_NE(out.str().find("Cannot add to or change this download list."), std::string::npos);
-  // List 6 fixes its periods (daily), so the save asks only for the vendor.
-  EXPECT_NE(out.str().find("Please select a Data Vendor!"), std::string::npos);
-  EXPECT_FALSE(Exists(List(6)));
+TEST_F(ListCommandTest, RefusalsArePrintedExitFourAndMistakesChangeNothing) {
+  struct Refusal {
+    Lines args;
+    std::string message;
+  };
+  // List 6 fixes its periods (daily), so its save asks only for the vendor.
+  const std::vector<Refusal> refusals = {
+      {{"list", "6", "add", "dow"}, "Cannot add to or change this download list."},
+      {{"list", "7", "move-all"}, "Cannot change this download list."},
+      {{"list", "6", "clear", "vendor", "eSignal"}, "Cannot clear this download list."},
+      {{"list", "6", "periods", "D"}, "Please select a Data Vendor!"},
+      {{"list", "3", "vendor", "Yahoo", "periods", "D", "remove", "nothing"}, "no item"},
+      {{"list", "4", "periods", "W"}, "Please select a Data Vendor!"},
+      {{"list", "5", "vendor", "Yahoo"}, "Please select a Data Period!"},
+  };
+  for (const Refusal& refusal : refusals) {
+    EXPECT_EQ(Run(refusal.args), cli::kExitRefused) << refusal.args[1];
+    EXPECT_NE((out.str() + err.str()).find(refusal.message), std::string::npos)
+        << refusal.args[1] << out.str();
+  }
+  for (const int n : {3, 4, 5, 6, 7}) EXPECT_FALSE(Exists(List(n))) << n;
 
   for (const Lines& args : {Lines{"list"}, Lines{"list", "0"}, Lines{"list", "8"},
                             Lines{"list", "1", "vendor", "Bloomberg"}, Lines{"list", "1", "add"},

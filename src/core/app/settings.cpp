@@ -269,7 +269,7 @@ bool WriteSettingsFile(Session& session) {
   return false;
 }
 
-void SaveToINI_Click(Session& session) {
+bool SaveToINI_Click(Session& session) {
   LogEntry(session, "SaveToINI_Click");
   const WindowState& ui = session.ui;
   if (ui.Password.empty() || ui.Password == "Enter password here" || ui.UserName.empty() ||
@@ -279,19 +279,21 @@ void SaveToINI_Click(Session& session) {
         "saved.",
         "Corvanet Settings", Buttons::kOk, Icon::kExclamation);
     SetTabs(session);
-    return;
+    return false;
   }
   if (const std::string problem = UnstorableSetting(session); !problem.empty()) {
     session.shell.MessageBox(
         "Corvanet did not save its settings: " + problem + ".\rThe previous settings are kept.",
         "Corvanet Settings", Buttons::kOk, Icon::kExclamation);
-    return;
+    return false;
   }
   if (!WriteSettingsFile(session)) {
     session.shell.MessageBox("Corvanet could not save its settings to " +
                                  SettingsFilePath(session) + ".\rThe previous settings are kept.",
                              "Corvanet Settings", Buttons::kOk, Icon::kExclamation);
+    return false;
   }
+  return true;
 }
 
 void SaveSettings_Click(Session& session) {

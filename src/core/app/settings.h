@@ -63,7 +63,8 @@ std::string UnstorableSetting(const Session& session);
 void SetCheck(Session& session, std::string_view key, int value);
 
 void LoadINI(Session& session);
-void SaveToINI_Click(Session& session);
+// False when a check refused the save or the file could not be written; a message says which.
+bool SaveToINI_Click(Session& session);
 void SaveSettings_Click(Session& session);
 void SaveSettings2_Click(Session& session);
 void RetryNumber_Change(Session& session);

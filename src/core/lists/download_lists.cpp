@@ -217,23 +217,24 @@ void LoadDownloadFile_Click(Session& session) {
   ChangeCaptionsOnButtons(session);
 }
 
-void SaveDownloadList_Click(Session& session) {
+bool SaveDownloadList_Click(Session& session) {
   LogEntry(session, "SaveDownloadList_Click");
   WindowState& ui = session.ui;
   const int n = CurrentListNumber(session);
   if (n == 0) {
     session.shell.Notify(kLoadAList);
-    return;
+    return false;
   }
   if (!AnyPeriodTicked(ui)) {
     session.shell.Notify("Please select a Data Period!");
-    return;
+    return false;
   }
   const VendorOption* vendor = ChosenVendor(ui);
   if (vendor == nullptr) {
     session.shell.Notify("Please select a Data Vendor!");
-    return;
+    return false;
   }
+  // The list is saved even when the settings are not: the list file does not depend on them.
   SaveToINI_Click(session);
   // The boxes too, not only the file: a run started next reads its periods from them.
   FixFullListPeriods(ui, n);
@@ -254,8 +255,11 @@ void SaveDownloadList_Click(Session& session) {
   if (!writer.Commit()) {
     Log(session, "SaveDownloadList_Click - could not write " + path + ": " + writer.error());
     session.shell.Notify("Corvanet could not save " + path + ".\rThe list file is kept as it was.");
+    ChangeCaptionsOnButtons(session);
+    return false;
   }
   ChangeCaptionsOnButtons(session);
+  return true;
 }
 
 bool OpenDownloadList(Session& session, FieldReader& reader) {

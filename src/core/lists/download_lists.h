@@ -31,7 +31,8 @@ std::string DownloadListPath(const Session& session, int list_number);
 // DownloadList1_Click ... DownloadList7_Click.
 void DownloadList_Click(Session& session, int list_number);
 void LoadDownloadFile_Click(Session& session);
-void SaveDownloadList_Click(Session& session);
+// False when a check refused the save or the list file could not be written; a message says which.
+bool SaveDownloadList_Click(Session& session);
 
 // Opens the issue source of the current list, positioned at its first issue: the list file past
 // its five header records for lists 1-5, the master file for lists 6 and 7.

@@ -87,9 +87,9 @@ std::string ShortenedIssueName(std::string_view name) {
   return std::string(name.substr(0, p < 2 ? 0 : p - 2));
 }
 
-void AddByString_Click(Session& session) {
+bool AddByString_Click(Session& session) {
   LogEntry(session, "AddByString_Click");
-  if (!MayChangeList(session, "Cannot add to or change this download list.")) return;
+  if (!MayChangeList(session, "Cannot add to or change this download list.")) return false;
   const std::string needle = ToLower(session.ui.Text5);
   ListLookup lookup(session.ui.List6);
   int matches = 0;
@@ -101,6 +101,7 @@ void AddByString_Click(Session& session) {
   }
   session.ui.SearchResult = SearchResultText(session.ui, matches, added);
   ChangeCaptionsOnButtons(session);
+  return true;
 }
 
 std::string SearchResultText(const WindowState& ui, int matches, int added) {
@@ -111,9 +112,9 @@ std::string SearchResultText(const WindowState& ui, int matches, int added) {
   return std::to_string(added) + " index(es) or ETF(s) holding " + quoted + " added to the list.";
 }
 
-void MoveAllToDownloadList_Click(Session& session) {
+bool MoveAllToDownloadList_Click(Session& session) {
   LogEntry(session, "MoveAllToDownloadList_Click");
-  if (!MayChangeList(session, "Cannot change this download list.")) return;
+  if (!MayChangeList(session, "Cannot change this download list.")) return false;
   ClearList_Click(session);
   // The master file, not the master list box: only this command drops the bracketed notes.
   const std::string path = MasterFilePath(session);
@@ -134,21 +135,23 @@ void MoveAllToDownloadList_Click(Session& session) {
     if (reader.failed()) Log(session, "MoveAllToDownloadList_Click - read error in " + path);
   }
   ChangeCaptionsOnButtons(session);
+  return true;
 }
 
-void ClearList_Click(Session& session) {
+bool ClearList_Click(Session& session) {
   LogEntry(session, "ClearList_Click");
   const int n = CurrentListNumber(session);
   if (n > 5) {
     session.shell.Notify("Cannot clear this download list.");
-    return;
+    return false;
   }
   session.ui.List6.Clear();
   if (n == 0) {
     session.shell.Notify(kLoadAList);
-  } else {
-    ChangeCaptionsOnButtons(session);
+    return false;
   }
+  ChangeCaptionsOnButtons(session);
+  return true;
 }
 
 std::string List5_OLEStartDrag(Session& session) {

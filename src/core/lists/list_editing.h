@@ -13,12 +13,14 @@ bool IsInList(const ListBox& box, std::string_view text);
 
 // Adds every master item holding the search text of Text5 (any letter case) not yet in the list,
 // and says in SearchResult what it found.
-void AddByString_Click(Session& session);
+bool AddByString_Click(Session& session);
 // What a search for Text5 found: `matches` master items held it, `added` of them were new.
 std::string SearchResultText(const WindowState& ui, int matches, int added);
 // Replaces the download list by the whole master file, names shortened before their "(".
-void MoveAllToDownloadList_Click(Session& session);
-void ClearList_Click(Session& session);
+bool MoveAllToDownloadList_Click(Session& session);
+// These three return false when the list may not be changed (none loaded, or a full list); a
+// message says so.
+bool ClearList_Click(Session& session);
 
 // The drag text of the selected master items: their positions joined by "|" ("0|4|17"). Empty
 // when no list is loaded (the drag is refused) or nothing is selected.

@@ -180,7 +180,15 @@ std::string HelperFolder() {
       folder != nullptr && *folder != '\0') {
     return WithTrailingSeparator(folder);
   }
-  return ExecutableFolder();
+  const std::string program_folder = ExecutableFolder();
+#ifdef CORVANET_HELPERS_FROM_BIN
+  // Installed, the helpers are kept apart from the programs a user starts; in the build tree they
+  // sit beside them.
+  const std::string installed = program_folder + CORVANET_HELPERS_FROM_BIN;
+  std::error_code ec;
+  if (std::filesystem::exists(installed + "Complete.exe", ec)) return installed;
+#endif
+  return program_folder;
 }
 
 }  // namespace corvanet

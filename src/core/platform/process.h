@@ -43,7 +43,8 @@ bool StartProgram(const std::string& name);
 // The folder of the running executable, with a trailing separator; empty when unknown.
 std::string ExecutableFolder();
 // Where the converter helpers (PxFiles, Complete.exe) are: CORVANET_HELPER_DIR when set, else the
-// running executable's folder.
+// installed helper folder (libexec/corvanet beside the program's bin folder) when it holds them,
+// else the running executable's folder.
 std::string HelperFolder();
 
 }  // namespace corvanet

@@ -1,0 +1,116 @@
+// The command line as a new user meets it: help, the version, and every kind of usage error, each
+// with its status and a message that names the bad argument. None of them touches an installation.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "cli/command_line.h"
+#include "cli_fixture.h"
+
+namespace corvanet::test {
+namespace {
+
+using Args = std::vector<std::string>;
+
+class CommandLineTest : public CliTest {
+ protected:
+  void TearDown() override {
+    EXPECT_FALSE(Exists(base())) << "nothing is installed before the command line is understood";
+    EXPECT_FALSE(Exists(start() + "LogFile.txt"));
+  }
+};
+
+TEST_F(CommandLineTest, HelpAndVersionGoToTheOutputAndSucceed) {
+  struct Case {
+    Args args;
+    std::vector<std::string> shown;
+  };
+  const std::vector<Case> cases = {
+      {{"--help"},
+       {"Usage: corvanet-cli [OPTIONS] [SUBCOMMAND]", "--base-dir", "--quiet", "--version",
+        "  run                         Bring every datafile of download list N up to date",
+        "  schedule ", "Exit status:\n  0  done\n", "  5  another run holds the installation"}},
+      {{"-h"}, {"Usage: corvanet-cli"}},
+      {{"--version"}, {"corvanet-cli 5.1\n"}},
+      {{"run", "--help"},
+       {"Usage: corvanet-cli run [OPTIONS] N", "N 1-7 REQUIRED", "progress line"}},
+      {{"--base-dir", "x", "stats", "-h"}, {"Make the single-statistic files of download list N"}},
+      {{"list", "--help"}, {"add TEXT", "periods D,W,M,Q", "EDIT"}},
+      {{"settings", "--help"}, {"KEY=VALUE"}},
+      {{"schedule", "--help"}, {"--at", "--days", "--list", "--remove", "crontab"}},
+      {{"clear-datafiles", "--help"}, {"the base copies\nand every other file stay"}},
+      {{"refresh-masterfile", "--help"}, {"Fetch the master file"}},
+  };
+  for (const Case& c : cases) {
+    const CliResult result = Run(c.args);
+    EXPECT_EQ(result.code, 0) << c.args.front();
+    EXPECT_EQ(result.err, "") << c.args.front();
+    for (const std::string& text : c.shown) {
+      EXPECT_NE(result.out.find(text), std::string::npos) << c.args.front() << ": " << text;
+    }
+  }
+}
+
+TEST_F(CommandLineTest, UsageErrorsNameTheBadArgumentAndExitTwo) {
+  struct Case {
+    Args args;
+    std::string named;  // what the message must hold
+    std::string help;   // the help it points to
+  };
+  const std::vector<Case> cases = {
+      {{"--bogus"}, "--bogus", "corvanet-cli --help"},
+      {{"frobnicate"}, "frobnicate", "corvanet-cli --help"},
+      {{"--base-dir"}, "--base-dir", "corvanet-cli --help"},
+      {{"--base-dir="}, "--base-dir", "corvanet-cli --help"},
+      {{"run"}, "N is required", "corvanet-cli run --help"},
+      {{"run", "8"}, "8", "corvanet-cli run --help"},
+      {{"run", "0"}, "0", "corvanet-cli run --help"},
+      {{"run", "x"}, "x", "corvanet-cli run --help"},
+      {{"run", "1", "2"}, "2", "corvanet-cli run --help"},
+      {{"stats", "-1"}, "-1", "corvanet-cli stats --help"},
+      {{"list"}, "N is required", "corvanet-cli list --help"},
+      {{"clear-datafiles", "now"}, "now", "corvanet-cli clear-datafiles --help"},
+      {{"refresh-masterfile", "--force"}, "--force", "corvanet-cli refresh-masterfile --help"},
+      {{"run", "1", "--log", "--bogus"}, "--bogus", "corvanet-cli run --help"},
+      {{"schedule", "1"}, "--at HH:MM", "corvanet-cli schedule --help"},
+      {{"schedule", "--at", "18:00"}, "give a list", "corvanet-cli schedule --help"},
+      {{"schedule", "1", "--at", "24:00"}, "24:00", "corvanet-cli schedule --help"},
+      {{"schedule", "1", "--at", "6pm"}, "6pm", "corvanet-cli schedule --help"},
+      {{"schedule", "1", "--at", "18:00", "--days", "mon-fry"},
+       "mon-fry",
+       "corvanet-cli schedule --help"},
+      {{"schedule", "--list", "--remove", "2"}, "--remove", "corvanet-cli schedule --help"},
+      {{"schedule", "--remove", "9"}, "9", "corvanet-cli schedule --help"},
+      {{"schedule", "3", "--list"}, "--list", "corvanet-cli schedule --help"},
+  };
+  for (const Case& c : cases) {
+    Args args = c.args;
+    const CliResult result = Run(args);
+    const std::string shown = c.args.back();
+    EXPECT_EQ(result.code, cli::kExitUsage) << shown << result.err;
+    EXPECT_NE(result.err.find(c.named), std::string::npos) << shown << ": " << result.err;
+    EXPECT_NE(result.err.find("Run '" + c.help + "' for more."), std::string::npos)
+        << shown << ": " << result.err;
+    EXPECT_EQ(result.out, "") << shown;
+  }
+}
+
+// The statuses a scheduler acts on are written down three times; they must agree.
+TEST(ExitStatusTextTest, HelpManualPageAndReadmeListTheSameStatuses) {
+  const std::string help(cli::ExitStatusText());
+  const std::string manual = ReadFile(SourcePath("docs/man/corvanet-cli.1"));
+  const std::string readme = ReadFile(SourcePath("README.md"));
+  const std::string manual_section = manual.substr(manual.find(".SH EXIT STATUS"));
+  for (const int status : {cli::kExitOk, cli::kExitStartupFailed, cli::kExitUsage,
+                           cli::kExitRunFailures, cli::kExitRefused, cli::kExitBusy}) {
+    const std::string n = std::to_string(status);
+    EXPECT_NE(help.find("\n  " + n + "  "), std::string::npos) << n;
+    EXPECT_NE(manual_section.find(".B " + n + "\n"), std::string::npos) << n;
+    EXPECT_NE(readme.find("\n| " + n + " | "), std::string::npos) << n;
+  }
+  EXPECT_EQ(help.find("\n  6  "), std::string::npos) << "a new status needs the manual and README";
+}
+
+}  // namespace
+}  // namespace corvanet::test

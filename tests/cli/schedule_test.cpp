@@ -1,0 +1,159 @@
+// `schedule`: the unit files and crontab lines it writes for a list, checked by systemd's own
+// verifier where it is installed, and the command itself with a stand-in systemctl on PATH.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "cli/schedule_units.h"
+#include "cli_fixture.h"
+
+namespace corvanet::test {
+namespace {
+
+using cli::ScheduledRun;
+
+TEST(ScheduleUnitsTest, DaysAndTimesBecomeCalendarsAndCronFields) {
+  struct Case {
+    std::string days;
+    std::string at;
+    std::string calendar;
+    std::string cron_head;  // minute hour day month weekday
+  };
+  const std::vector<Case> cases = {
+      {"mon-fri", "18:30", "Mon..Fri *-*-* 18:30:00", "30 18 * * 1-5 "},
+      {"daily", "6:05", "*-*-* 06:05:00", "5 6 * * * "},
+      {"Monday-Sunday", "00:00", "*-*-* 00:00:00", "0 0 * * * "},
+      {"sat,sun", "23:59", "Sat..Sun *-*-* 23:59:00", "59 23 * * 6-7 "},
+      {"fri-mon", "07:00", "Mon,Fri..Sun *-*-* 07:00:00", "0 7 * * 1,5-7 "},
+      {"mon,wed,FRI", "12:00", "Mon,Wed,Fri *-*-* 12:00:00", "0 12 * * 1,3,5 "},
+      {"tue , thursday", "09:15", "Tue,Thu *-*-* 09:15:00", "15 9 * * 2,4 "},
+  };
+  for (const Case& c : cases) {
+    ScheduledRun run;
+    run.list = 3;
+    ASSERT_TRUE(cli::ParseDays(c.days, run.days)) << c.days;
+    ASSERT_TRUE(cli::ParseTimeOfDay(c.at, run.hour, run.minute)) << c.at;
+    EXPECT_EQ(cli::CalendarText(run), c.calendar) << c.days;
+    EXPECT_EQ(cli::CrontabLine(run).rfind(c.cron_head, 0), 0U) << cli::CrontabLine(run);
+  }
+  cli::WeekDays days{};
+  for (const char* bad : {"", "mo", "mon-", "funday", "mon,,tue", "mon-fri-sat", "1-5"}) {
+    EXPECT_FALSE(cli::ParseDays(bad, days)) << bad;
+  }
+  int hour = 0;
+  int minute = 0;
+  for (const char* bad : {"", "24:00", "12:60", "1230", "12:3", ":30", "123:00", "-1:00", "a:bc"}) {
+    EXPECT_FALSE(cli::ParseTimeOfDay(bad, hour, minute)) << bad;
+  }
+}
+
+TEST(ScheduleUnitsTest, PathsKeepTheirCharactersInEveryForm) {
+  ScheduledRun run;
+  run.list = 2;
+  run.program = "/opt/my apps/corvanet-cli";
+  run.base_directory = "/home/u/it's 100% $HOME/";
+  run.program_directory = run.base_directory + "Rondex/";
+  const std::string service = cli::ServiceUnitText(run);
+  EXPECT_NE(service.find("ExecStart=\"/opt/my apps/corvanet-cli\" --base-dir "
+                         "\"/home/u/it's 100%% $$HOME/\" run 2\n"),
+            std::string::npos)
+      << service;
+  EXPECT_NE(service.find("WorkingDirectory=/home/u/it's 100%% $HOME/Rondex/\n"), std::string::npos);
+  EXPECT_NE(cli::CrontabLine(run).find(" cd '/home/u/it'\\''s 100\\% $HOME/Rondex/' && "
+                                       "'/opt/my apps/corvanet-cli' --base-dir "
+                                       "'/home/u/it'\\''s 100\\% $HOME/' run 2"),
+            std::string::npos)
+      << cli::CrontabLine(run);
+}
+
+// The command run as a process, with a systemctl on PATH that logs its arguments and answers as a
+// running (or absent) user instance would.
+class ScheduleCommandTest : public CliTest {
+ protected:
+  void InstallSystemctl(bool running) {
+    WriteFile(dir / "fakebin/systemctl", "#!/bin/sh\necho \"$*\" >> '" + (dir / "systemctl.log") +
+                                             "'\n" + (running ? "exit 0\n" : "exit 1\n"));
+    ASSERT_EQ(std::system(("chmod +x '" + (dir / "fakebin/systemctl") + "'").c_str()), 0);
+  }
+  CliResult Schedule(const std::string& args) const {
+    return RunProcess("--base-dir '" + base_arg() + "' schedule " + args,
+                      "PATH='" + (dir / "fakebin") + "':/usr/bin:/bin XDG_CONFIG_HOME='" +
+                          (dir / "config") + "'");
+  }
+  std::string units() const { return dir / "config/systemd/user/"; }
+};
+
+TEST_F(ScheduleCommandTest, InstallsListsAndRemovesTheUserTimer) {
+  InstallSystemctl(true);
+  const CliResult scheduled = Schedule("3 --at 18:30 --days mon-fri");
+  ASSERT_EQ(scheduled.code, 0) << scheduled.err;
+  EXPECT_NE(scheduled.out.find("List 3 runs Mon..Fri *-*-* 18:30:00"), std::string::npos);
+  const std::string timer = ReadFile(units() + "corvanet-list-3.timer");
+  const std::string service = ReadFile(units() + "corvanet-list-3.service");
+  // Lines end with CR LF, as in every file the program writes; systemd reads them so.
+  EXPECT_NE(timer.find("\r\nOnCalendar=Mon..Fri *-*-* 18:30:00\r\n"), std::string::npos);
+  EXPECT_NE(timer.find("\r\nPersistent=true\r\n"), std::string::npos);
+  EXPECT_NE(service.find("\r\nWorkingDirectory=" + base() + "Rondex/\r\n"), std::string::npos);
+  EXPECT_NE(service.find("\r\nExecStart=\"" + BinaryPath("corvanet-cli") + "\" --base-dir \"" +
+                         base() + "\" run 3\r\n"),
+            std::string::npos)
+      << service;
+  EXPECT_EQ(ReadLines(dir / "systemctl.log"),
+            (std::vector<std::string>{"--user show-environment", "--user daemon-reload",
+                                      "--user enable --now corvanet-list-3.timer"}));
+
+  // systemd's own reading of the files, where it is installed.
+  if (std::system("command -v systemd-analyze >/dev/null 2>&1") == 0) {
+    const std::string verify = "systemd-analyze verify '" + units() + "corvanet-list-3.timer' '" +
+                               units() + "corvanet-list-3.service' > '" + (dir / "verify.txt") +
+                               "' 2>&1";
+    EXPECT_EQ(std::system(verify.c_str()), 0) << ReadFile(dir / "verify.txt");
+  }
+
+  ASSERT_EQ(Schedule("1 --at 06:00").code, 0);
+  const CliResult listed = Schedule("--list");
+  EXPECT_EQ(listed.code, 0);
+  EXPECT_EQ(listed.out,
+            "corvanet-list-1.timer  *-*-* 06:00:00\n"
+            "corvanet-list-3.timer  Mon..Fri *-*-* 18:30:00\n");
+
+  RemoveFile(dir / "systemctl.log");
+  const CliResult removed = Schedule("--remove 3");
+  EXPECT_EQ(removed.code, 0) << removed.err;
+  EXPECT_FALSE(Exists(units() + "corvanet-list-3.timer"));
+  EXPECT_FALSE(Exists(units() + "corvanet-list-3.service"));
+  EXPECT_TRUE(Exists(units() + "corvanet-list-1.timer"));
+  EXPECT_EQ(ReadLines(dir / "systemctl.log"),
+            (std::vector<std::string>{"--user show-environment",
+                                      "--user disable --now corvanet-list-3.timer",
+                                      "--user daemon-reload"}));
+  EXPECT_NE(Schedule("--remove 3").out.find("List 3 has no schedule"), std::string::npos);
+}
+
+TEST_F(ScheduleCommandTest, WithoutAUserSystemdPrintsTheCrontabLineAndWritesNothing) {
+  InstallSystemctl(false);
+  const CliResult result = Schedule("2 --at 7:05 --days sat-sun");
+  ASSERT_EQ(result.code, 0) << result.err;
+  EXPECT_NE(result.out.find("crontab -e"), std::string::npos);
+  EXPECT_NE(result.out.find("\n5 7 * * 6-7 cd '" + base() + "Rondex/' && '" +
+                            BinaryPath("corvanet-cli") + "' --base-dir '" + base() + "' run 2\n"),
+            std::string::npos)
+      << result.out;
+  EXPECT_FALSE(Exists(units()));
+  EXPECT_EQ(ReadLines(dir / "systemctl.log"),
+            (std::vector<std::string>{"--user show-environment"}));
+}
+
+TEST_F(ScheduleCommandTest, AFailingSystemctlIsASystemFailure) {
+  WriteFile(dir / "fakebin/systemctl",
+            "#!/bin/sh\ncase \"$*\" in *enable*) echo refused >&2; exit 1;; esac\nexit 0\n");
+  ASSERT_EQ(std::system(("chmod +x '" + (dir / "fakebin/systemctl") + "'").c_str()), 0);
+  const CliResult result = Schedule("4 --at 12:00");
+  EXPECT_EQ(result.code, cli::kExitStartupFailed);
+  EXPECT_NE(result.err.find("could not start corvanet-list-4.timer"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace corvanet::test
