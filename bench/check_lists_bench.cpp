@@ -8,11 +8,11 @@
 #include <sstream>
 #include <string>
 
-#include "core/app/session.h"
-#include "core/lists/check_lists.h"
+#include "core/download/check_lists.h"
 #include "core/platform/field_reader.h"
 #include "core/platform/files.h"
 #include "core/platform/headless_shell.h"
+#include "core/state/session.h"
 
 namespace {
 

@@ -18,16 +18,17 @@
 #include <string>
 #include <vector>
 
-#include "core/app/session.h"
 #include "core/app/settings.h"
+#include "core/app/settings_buttons.h"
 #include "core/download/datafile_names.h"
-#include "core/download/symbols.h"
+#include "core/lists/symbols.h"
 #include "core/platform/clock.h"
 #include "core/platform/files.h"
 #include "core/platform/headless_shell.h"
 #include "core/platform/http.h"
 #include "core/platform/paths.h"
 #include "core/pricefiles/price_files.h"
+#include "core/state/session.h"
 #include "core/stats/single_stat_files.h"
 #include "core/stats/statistic_catalogue.h"
 

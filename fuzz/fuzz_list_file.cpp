@@ -1,6 +1,6 @@
 // A download list file: restored into the window, counted for a run.
-#include "core/download/run_total.h"
 #include "core/lists/download_lists.h"
+#include "core/lists/run_total.h"
 #include "core/platform/files.h"
 #include "fuzz_support.h"
 

@@ -3,8 +3,8 @@
 // exactly one item per line.
 #include <cstdlib>
 
+#include "core/download/check_lists.h"
 #include "core/download/refresh_masterfile.h"
-#include "core/lists/check_lists.h"
 #include "core/lists/masterfile.h"
 #include "core/platform/files.h"
 #include "core/platform/line_reader.h"

@@ -8,10 +8,10 @@
 #include <string>
 #include <string_view>
 
-#include "core/app/session.h"
 #include "core/platform/clock.h"
 #include "core/platform/headless_shell.h"
 #include "core/platform/http.h"
+#include "core/state/session.h"
 
 namespace corvanet::fuzz {
 

@@ -9,12 +9,12 @@
 #include "cli/command_line.h"
 #include "cli/commands.h"
 #include "cli/progress_line.h"
-#include "core/app/log.h"
 #include "core/app/startup.h"
 #include "core/platform/clock.h"
 #include "core/platform/headless_shell.h"
 #include "core/platform/http.h"
 #include "core/platform/text.h"
+#include "core/state/log.h"
 
 namespace corvanet::cli {
 

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "cli/commands.h"
+#include "core/app/settings_buttons.h"
 #include "core/lists/download_lists.h"
 #include "core/lists/list_editing.h"
 #include "core/platform/text.h"

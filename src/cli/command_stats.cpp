@@ -1,7 +1,8 @@
 // stats N: the single-statistic page's list button N (1-5 the user lists, 6 "All Daily", 7 "All
 // Periods"), which ticks that list's RunWith box and makes the files now.
 #include "cli/commands.h"
-#include "core/app/log.h"
+#include "core/app/settings_buttons.h"
+#include "core/state/log.h"
 #include "core/stats/single_stat_files.h"
 
 namespace corvanet::cli {

@@ -1,8 +1,8 @@
 // No command: where everything of the installation lives.
 #include "cli/commands.h"
-#include "core/app/log.h"
 #include "core/app/settings.h"
 #include "core/lists/masterfile.h"
+#include "core/state/log.h"
 
 namespace corvanet::cli {
 

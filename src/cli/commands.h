@@ -6,7 +6,7 @@
 
 #include "cli/cli.h"
 #include "cli/command_line.h"
-#include "core/app/session.h"
+#include "core/state/session.h"
 
 namespace corvanet::cli {
 

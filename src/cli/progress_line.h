@@ -8,7 +8,7 @@
 #include <streambuf>
 #include <string>
 
-#include "core/app/session.h"
+#include "core/state/session.h"
 
 namespace corvanet::cli {
 

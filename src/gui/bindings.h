@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/app/session.h"
+#include "core/state/session.h"
 
 class QAbstractButton;
 class QCheckBox;

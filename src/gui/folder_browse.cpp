@@ -3,10 +3,10 @@
 #include <QDir>
 #include <QFileDialog>
 
-#include "core/app/log.h"
 #include "core/app/settings.h"
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
+#include "core/state/log.h"
 
 namespace corvanet::gui {
 

@@ -3,7 +3,7 @@
 // folder (kind 2) and the MetaStock price-file folder (kind 3).
 #include <string>
 
-#include "core/app/session.h"
+#include "core/state/session.h"
 
 class QWidget;
 

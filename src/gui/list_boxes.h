@@ -6,7 +6,7 @@
 #include <functional>
 #include <string>
 
-#include "core/ui/window_state.h"
+#include "core/state/window_state.h"
 
 namespace corvanet::gui {
 

@@ -6,13 +6,13 @@
 #include <cstdlib>
 #include <string>
 
-#include "core/app/log.h"
+#include "core/app/run_outcome.h"
 #include "core/app/startup.h"
 #include "core/platform/clock.h"
 #include "core/platform/http.h"
 #include "core/platform/paths.h"
 #include "core/platform/text.h"
-#include "core/ui/run_outcome.h"
+#include "core/state/log.h"
 #include "gui/main_window.h"
 #include "gui/qt_shell.h"
 

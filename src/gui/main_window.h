@@ -7,7 +7,7 @@
 #include <atomic>
 #include <thread>
 
-#include "core/app/session.h"
+#include "core/state/session.h"
 #include "gui/page.h"
 #include "gui/state_observer.h"
 

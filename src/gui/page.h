@@ -7,7 +7,7 @@
 class QPushButton;
 class QScrollArea;
 
-#include "core/app/session.h"
+#include "core/state/session.h"
 #include "gui/bindings.h"
 
 namespace corvanet::gui {

@@ -12,10 +12,11 @@
 #include <QVBoxLayout>
 
 #include "core/app/first_masterfile.h"
+#include "core/app/run_outcome.h"
 #include "core/app/settings.h"
+#include "core/app/settings_buttons.h"
 #include "core/lists/download_lists.h"
 #include "core/lists/list_editing.h"
-#include "core/ui/run_outcome.h"
 #include "gui/list_boxes.h"
 #include "gui/page.h"
 #include "gui/run_outcome_view.h"

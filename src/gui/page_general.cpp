@@ -11,9 +11,9 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
-#include "core/app/log.h"
 #include "core/app/settings.h"
 #include "core/lists/clear_datafiles.h"
+#include "core/state/log.h"
 #include "core/ui/outside_programs.h"
 #include "gui/folder_browse.h"
 #include "gui/page.h"

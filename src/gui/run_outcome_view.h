@@ -5,7 +5,7 @@
 #include <QGroupBox>
 #include <QString>
 
-#include "core/ui/window_state.h"
+#include "core/state/window_state.h"
 
 class QTextBrowser;
 

@@ -10,6 +10,7 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
+#include "core/app/settings_buttons.h"
 #include "core/stats/single_stat_files.h"
 #include "core/stats/statistic_catalogue.h"
 #include "gui/bindings.h"

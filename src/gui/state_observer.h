@@ -6,7 +6,7 @@
 #include <functional>
 #include <mutex>
 
-#include "core/app/session.h"
+#include "core/state/session.h"
 
 namespace corvanet::gui {
 

@@ -2,10 +2,10 @@
 
 #include <cstdlib>
 
-#include "core/app/log.h"
 #include "core/lists/masterfile.h"
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
+#include "core/state/log.h"
 
 namespace corvanet::test {
 

@@ -1,9 +1,9 @@
 #include "core/app/first_masterfile.h"
 
-#include "core/app/log.h"
 #include "core/download/refresh_masterfile.h"
 #include "core/lists/masterfile.h"
 #include "core/platform/files.h"
+#include "core/state/log.h"
 
 namespace corvanet {
 

@@ -4,7 +4,7 @@
 // why. Saving the log-in fetches it at once; an empty list says what it needs.
 #include <string>
 
-#include "core/app/session.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 

@@ -3,12 +3,12 @@
 #include <filesystem>
 #include <string>
 
-#include "core/app/log.h"
 #include "core/app/settings.h"
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
 #include "core/platform/resources.h"
 #include "core/platform/text.h"
+#include "core/state/log.h"
 #include "core/ui/outside_programs.h"
 
 namespace corvanet {

@@ -2,13 +2,13 @@
 
 #include <string>
 
-#include "core/app/log.h"
 #include "core/download/refresh_masterfile.h"
 #include "core/lists/masterfile.h"
 #include "core/platform/field_reader.h"
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
 #include "core/platform/text.h"
+#include "core/state/log.h"
 #include "core/ui/help_pages.h"
 #include "core/ui/tabs.h"
 
@@ -77,10 +77,6 @@ std::string StoredTextProblem(std::string_view text) {
   // One line per setting: a line break would end the value early.
   if (text.find_first_of("\r\n") != std::string_view::npos) return "it holds a line break";
   return {};
-}
-
-std::string CheckText(int value) {
-  return NumberText(value);
 }
 
 std::string SettingsFilePath(const Session& session) {

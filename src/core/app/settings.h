@@ -6,7 +6,7 @@
 #include <string_view>
 #include <variant>
 
-#include "core/app/session.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 
@@ -33,9 +33,6 @@ struct SettingDef {
 std::span<const SettingDef> SettingsTable();
 // The first row with this key (exact, case-sensitive); nullptr for an unknown key.
 const SettingDef* FindSetting(std::string_view key);
-
-// " 1" / " 0": the check form, also used by the settings report.
-std::string CheckText(int value);
 
 // The value as the file stores it (paths cut by the length of BaseDirectory).
 std::string StoredValue(const Session& session, const SettingDef& def);

@@ -5,16 +5,16 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "core/app/download_run.h"
 #include "core/app/installation.h"
-#include "core/app/log.h"
 #include "core/app/settings.h"
-#include "core/download/download_run.h"
 #include "core/lists/download_lists.h"
 #include "core/platform/field_reader.h"
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
 #include "core/platform/process.h"
 #include "core/platform/text.h"
+#include "core/state/log.h"
 #include "core/stats/statistic_choices.h"
 #include "core/ui/help_pages.h"
 

@@ -1,8 +1,8 @@
 #include "core/download/datafile_names.h"
 
-#include "core/app/log.h"
-#include "core/download/symbols.h"
+#include "core/lists/symbols.h"
 #include "core/platform/paths.h"
+#include "core/state/log.h"
 
 namespace corvanet {
 

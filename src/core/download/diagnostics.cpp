@@ -1,9 +1,9 @@
 #include "core/download/diagnostics.h"
 
-#include "core/app/log.h"
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
 #include "core/platform/text.h"
+#include "core/state/log.h"
 
 namespace corvanet {
 

@@ -2,7 +2,7 @@
 // Two utilities kept for support sessions; the run itself does not call them.
 #include <string>
 
-#include "core/app/session.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 

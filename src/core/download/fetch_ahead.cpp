@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "core/download/retrieve.h"
-#include "core/download/symbols.h"
+#include "core/lists/symbols.h"
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
 #include "core/platform/text.h"

@@ -15,10 +15,10 @@
 #include <memory>
 #include <string>
 
-#include "core/app/session.h"
 #include "core/download/update_file_index.h"
 #include "core/platform/fetch_pool.h"
 #include "core/platform/field_reader.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <vector>
 
-#include "core/app/log.h"
+#include "core/download/check_lists.h"
 #include "core/download/retrieve.h"
-#include "core/lists/check_lists.h"
 #include "core/lists/masterfile.h"
 #include "core/platform/field_reader.h"
 #include "core/platform/line_reader.h"
+#include "core/state/log.h"
 
 namespace corvanet {
 

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "core/app/log.h"
 #include "core/download/fetch_ahead.h"
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
+#include "core/state/log.h"
 
 namespace corvanet {
 

@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-#include "core/app/session.h"
 #include "core/platform/http.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 

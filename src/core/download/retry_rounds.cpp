@@ -9,7 +9,6 @@
 #include <tuple>
 #include <utility>
 
-#include "core/app/log.h"
 #include "core/download/datafile_names.h"
 #include "core/download/retrieve.h"
 #include "core/download/run_period.h"
@@ -17,6 +16,7 @@
 #include "core/platform/field_reader.h"
 #include "core/platform/files.h"
 #include "core/platform/text.h"
+#include "core/state/log.h"
 
 namespace corvanet {
 

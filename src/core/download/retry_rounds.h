@@ -2,8 +2,8 @@
 // Retries of what failed for a reason that may pass, after the list has been walked: the number of
 // rounds the "Retries" box gives, a growing pause between them (1 s, 2 s, 4 s ..., longer when the
 // service asked for it with Retry-After), each round in list order.
-#include "core/app/session.h"
 #include "core/download/run_summary.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 

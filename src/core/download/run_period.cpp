@@ -2,12 +2,12 @@
 
 #include <string>
 
-#include "core/app/log.h"
 #include "core/download/retrieve.h"
 #include "core/download/single_file_update.h"
-#include "core/download/symbols.h"
 #include "core/lists/download_lists.h"
+#include "core/lists/symbols.h"
 #include "core/platform/field_reader.h"
+#include "core/state/log.h"
 
 namespace corvanet {
 

@@ -2,9 +2,9 @@
 // One period's part of a run: its update file fetched and indexed, then the walk of the list.
 #include <string>
 
-#include "core/app/session.h"
 #include "core/download/run_summary.h"
 #include "core/download/update_file_index.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 

@@ -3,17 +3,16 @@
 #include <algorithm>
 #include <string>
 
-#include "core/app/log.h"
 #include "core/download/datafile_names.h"
 #include "core/download/fetch_ahead.h"
 #include "core/download/retrieve.h"
-#include "core/download/symbols.h"
 #include "core/download/update_datafile.h"
 #include "core/lists/download_lists.h"
+#include "core/lists/symbols.h"
 #include "core/platform/files.h"
 #include "core/platform/text.h"
-#include "core/pricefiles/price_files.h"
-#include "core/stats/writer_pool.h"
+#include "core/state/log.h"
+#include "core/state/writer_pool.h"
 
 namespace corvanet {
 
@@ -136,7 +135,8 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
         break;
     }
     // A datafile that could not be updated keeps its old price files too.
-    if (outcome.ok() && ui.MakeMetaStockPxFiles != 0) CreateMetaStockPxFiles(session, writers);
+    if (outcome.ok() && ui.MakeMetaStockPxFiles != 0 && session.after_datafile_updated != nullptr)
+      session.after_datafile_updated(session, writers);
   }
 }
 

@@ -1,8 +1,8 @@
 #pragma once
-#include "core/app/session.h"
 #include "core/download/run_summary.h"
 #include "core/download/update_file_index.h"
 #include "core/platform/field_reader.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 

@@ -1,12 +1,12 @@
 #include "core/download/system_messages.h"
 
-#include "core/app/log.h"
 #include "core/download/retrieve.h"
 #include "core/lists/download_lists.h"
 #include "core/platform/clock.h"
 #include "core/platform/line_reader.h"
 #include "core/platform/paths.h"
 #include "core/platform/text.h"
+#include "core/state/log.h"
 #include "core/ui/outside_programs.h"
 
 namespace corvanet {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <vector>
 
-#include "core/app/log.h"
 #include "core/download/datafile_names.h"
 #include "core/download/retrieve.h"
 #include "core/download/row_checks.h"
@@ -11,6 +10,7 @@
 #include "core/platform/files.h"
 #include "core/platform/line_reader.h"
 #include "core/platform/text.h"
+#include "core/state/log.h"
 
 namespace corvanet {
 

@@ -3,8 +3,8 @@
 // period update file into it and write the destination datafile.
 #include <string>
 
-#include "core/app/session.h"
 #include "core/download/update_file_index.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 

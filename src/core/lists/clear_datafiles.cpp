@@ -3,10 +3,10 @@
 #include <array>
 #include <string>
 
-#include "core/app/log.h"
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
 #include "core/platform/text.h"
+#include "core/state/log.h"
 
 namespace corvanet {
 

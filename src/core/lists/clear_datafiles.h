@@ -1,6 +1,6 @@
 #pragma once
 // Emptying the data folder so that the next run fetches every datafile whole.
-#include "core/app/session.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 

@@ -7,14 +7,12 @@
 #include <string_view>
 #include <vector>
 
-#include "core/app/log.h"
-#include "core/app/settings.h"
+#include "core/lists/captions.h"
 #include "core/lists/masterfile.h"
 #include "core/platform/files.h"
 #include "core/platform/line_reader.h"
 #include "core/platform/text.h"
-#include "core/ui/captions.h"
-#include "core/ui/run_outcome.h"
+#include "core/state/log.h"
 
 namespace corvanet {
 
@@ -217,11 +215,9 @@ void LoadDownloadFile_Click(Session& session) {
   ChangeCaptionsOnButtons(session);
 }
 
-bool SaveDownloadList_Click(Session& session) {
-  LogEntry(session, "SaveDownloadList_Click");
-  WindowState& ui = session.ui;
-  const int n = CurrentListNumber(session);
-  if (n == 0) {
+bool DownloadListMayBeSaved(Session& session) {
+  const WindowState& ui = session.ui;
+  if (CurrentListNumber(session) == 0) {
     session.shell.Notify(kLoadAList);
     return false;
   }
@@ -229,13 +225,18 @@ bool SaveDownloadList_Click(Session& session) {
     session.shell.Notify("Please select a Data Period!");
     return false;
   }
-  const VendorOption* vendor = ChosenVendor(ui);
-  if (vendor == nullptr) {
+  if (ChosenVendor(ui) == nullptr) {
     session.shell.Notify("Please select a Data Vendor!");
     return false;
   }
-  // The list is saved even when the settings are not: the list file does not depend on them.
-  SaveToINI_Click(session);
+  return true;
+}
+
+bool WriteDownloadList(Session& session) {
+  WindowState& ui = session.ui;
+  const int n = CurrentListNumber(session);
+  const VendorOption* vendor = ChosenVendor(ui);
+  if (vendor == nullptr) return false;
   // The boxes too, not only the file: a run started next reads its periods from them.
   FixFullListPeriods(ui, n);
   ChangeCaptionsOnButtons(session);

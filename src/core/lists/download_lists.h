@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "core/app/session.h"
 #include "core/platform/field_reader.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 
@@ -31,8 +31,14 @@ std::string DownloadListPath(const Session& session, int list_number);
 // DownloadList1_Click ... DownloadList7_Click.
 void DownloadList_Click(Session& session, int list_number);
 void LoadDownloadFile_Click(Session& session);
-// False when a check refused the save or the list file could not be written; a message says which.
-bool SaveDownloadList_Click(Session& session);
+// The checks before a list is saved (a list loaded, a period ticked, a vendor chosen); false, after
+// a message, when one refuses.
+bool DownloadListMayBeSaved(Session& session);
+// Once the checks passed: writes the list file from the window (its vendor, its period boxes, its
+// items) and recomputes the list buttons; false, after a message, when the file could not be
+// written (and without one when no vendor is chosen). The save button is
+// SaveDownloadList_Click (app/settings_buttons.h), which saves the settings first.
+bool WriteDownloadList(Session& session);
 
 // Opens the issue source of the current list, positioned at its first issue: the list file past
 // its five header records for lists 1-5, the master file for lists 6 and 7.

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <unordered_set>
 
-#include "core/app/log.h"
+#include "core/lists/captions.h"
 #include "core/lists/download_lists.h"
 #include "core/lists/masterfile.h"
 #include "core/platform/field_reader.h"
 #include "core/platform/text.h"
-#include "core/ui/captions.h"
+#include "core/state/log.h"
 
 namespace corvanet {
 

@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "core/app/log.h"
 #include "core/platform/field_reader.h"
 #include "core/platform/text.h"
+#include "core/state/log.h"
 
 namespace corvanet {
 

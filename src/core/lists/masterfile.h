@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/app/session.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 

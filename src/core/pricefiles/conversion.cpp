@@ -3,13 +3,13 @@
 #include <chrono>
 #include <thread>
 
-#include "core/app/log.h"
 #include "core/download/datafile_names.h"
 #include "core/platform/files.h"
 #include "core/platform/line_reader.h"
 #include "core/platform/paths.h"
 #include "core/platform/text.h"
 #include "core/pricefiles/price_files.h"
+#include "core/state/log.h"
 
 namespace corvanet {
 

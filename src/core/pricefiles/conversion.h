@@ -7,9 +7,9 @@
 #include <string_view>
 #include <vector>
 
-#include "core/app/session.h"
 #include "core/download/run_summary.h"
 #include "core/platform/process.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 

@@ -3,13 +3,13 @@
 #include <memory>
 #include <utility>
 
-#include "core/app/log.h"
 #include "core/download/datafile_names.h"
 #include "core/platform/paths.h"
 #include "core/pricefiles/conversion.h"
+#include "core/state/log.h"
+#include "core/state/writer_pool.h"
 #include "core/stats/composite_row.h"
 #include "core/stats/value_text.h"
-#include "core/stats/writer_pool.h"
 
 namespace corvanet {
 

@@ -7,10 +7,10 @@
 #include <string_view>
 #include <vector>
 
-#include "core/app/session.h"
 #include "core/platform/files.h"
+#include "core/state/session.h"
+#include "core/state/writer_pool.h"
 #include "core/stats/composite_row.h"
-#include "core/stats/writer_pool.h"
 
 namespace corvanet {
 

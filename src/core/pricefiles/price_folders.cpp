@@ -3,10 +3,10 @@
 #include <string>
 #include <string_view>
 
-#include "core/app/log.h"
 #include "core/download/datafile_names.h"
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
+#include "core/state/log.h"
 
 namespace corvanet {
 

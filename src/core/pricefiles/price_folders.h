@@ -1,7 +1,7 @@
 #pragma once
 // The folders of the price-file kinds, made when a kind's box is ticked: the writers never make
 // folders, so a kind's files can only go where the user switched that kind on.
-#include "core/app/session.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 

@@ -5,30 +5,21 @@
 #include <memory>
 #include <utility>
 
-#include "core/app/log.h"
-#include "core/app/settings.h"
 #include "core/download/datafile_names.h"
-#include "core/download/run_total.h"
-#include "core/download/symbols.h"
 #include "core/lists/download_lists.h"
 #include "core/lists/masterfile.h"
+#include "core/lists/run_total.h"
+#include "core/lists/symbols.h"
 #include "core/platform/field_reader.h"
 #include "core/platform/paths.h"
 #include "core/platform/run_lock.h"
 #include "core/platform/text.h"
-#include "core/stats/writer_pool.h"
+#include "core/state/log.h"
+#include "core/state/writer_pool.h"
 
 namespace corvanet {
 
 namespace {
-
-constexpr std::string_view kRunWithBoxes[] = {"RunWithList1",     "RunWithList2", "RunWithList3",
-                                              "RunWithList4",     "RunWithList5", "RunWithAllDaily",
-                                              "RunWithAllPeriods"};
-constexpr std::string_view kButtonNames[] = {
-    "MakeList1StatFiles_Click",     "MakeList2StatFiles_Click", "MakeList3StatFiles_Click",
-    "MakeList4StatFiles_Click",     "MakeList5StatFiles_Click", "MakeAllDailyStatFiles_Click",
-    "MakeAllPeriodsStatFiles_Click"};
 
 bool RunWithTicked(const WindowState& ui, int list) {
   const int boxes[] = {ui.RunWithList1, ui.RunWithList2,    ui.RunWithList3,     ui.RunWithList4,
@@ -175,14 +166,6 @@ void RunSingleStatFilesNow(Session& session, StatFilesSummary* summary) {
   session.run.RunStartTime = session.clock.Now();
   LoadDownloadFile_Click(session);
   MakeSingleStatFiles(session, summary);
-}
-
-void MakeListStatFiles_Click(Session& session, int list, StatFilesSummary* summary) {
-  if (list < 1 || list > 7) return;
-  LogEntry(session, kButtonNames[list - 1]);
-  session.app.CurrentListNumber = std::to_string(list);
-  SetCheck(session, kRunWithBoxes[list - 1], 1);
-  RunSingleStatFilesNow(session, summary);
 }
 
 }  // namespace corvanet

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "core/app/session.h"
 #include "core/download/run_summary.h"
 #include "core/platform/files.h"
+#include "core/state/session.h"
 #include "core/stats/composite_row.h"
 #include "core/stats/statistic_catalogue.h"
 
@@ -26,10 +26,6 @@ struct StatFilesSummary {
 // periods when AutoCreateOneStatFiles is ticked.
 void MakeSingleStatFiles(Session& session, StatFilesSummary* summary = nullptr);
 
-// The list buttons of the page (MakeList1StatFiles_Click ... MakeList5StatFiles_Click for 1-5,
-// MakeAllDailyStatFiles_Click for 6, MakeAllPeriodsStatFiles_Click for 7): select the list, tick
-// its RunWith box and make the files now.
-void MakeListStatFiles_Click(Session& session, int list, StatFilesSummary* summary = nullptr);
 // Shows the download page, starts the clock, restores the current list and makes the files.
 void RunSingleStatFilesNow(Session& session, StatFilesSummary* summary = nullptr);
 

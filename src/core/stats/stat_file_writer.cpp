@@ -5,10 +5,10 @@
 #include <cstring>
 #include <span>
 
-#include "core/app/log.h"
 #include "core/download/datafile_names.h"
 #include "core/platform/paths.h"
 #include "core/platform/text.h"
+#include "core/state/log.h"
 #include "core/stats/composite_row.h"
 #include "core/stats/single_stat_files.h"
 #include "core/stats/statistic_catalogue.h"

@@ -2,8 +2,7 @@
 
 #include <string>
 
-#include "core/app/log.h"
-#include "core/app/settings.h"
+#include "core/state/log.h"
 #include "core/stats/single_stat_files.h"
 
 namespace corvanet {
@@ -49,10 +48,6 @@ constexpr std::array<StatisticDef, kStatisticCount> kCatalogue = {{
     {"Equal4ma", 43, &W::Equal4ma},
 }};
 
-void SetAllBoxes(Session& session, int value) {
-  for (const StatisticDef& statistic : kCatalogue) SetCheck(session, statistic.name, value);
-}
-
 }  // namespace
 
 const std::array<StatisticDef, kStatisticCount>& StatisticCatalogue() {
@@ -71,16 +66,6 @@ void StatisticBox_Click(Session& session, std::string_view statistic) {
   const StatisticDef* def = FindStatistic(statistic);
   // Folders are made for what is switched on; unticking leaves them (and their files) alone.
   if (def != nullptr && session.ui.*def->box != 0) MakeStatDirectories(session, statistic);
-}
-
-void SelectAllStatFiles_Click(Session& session) {
-  LogEntry(session, "SelectAllStatFiles_Click");
-  SetAllBoxes(session, 1);
-}
-
-void ClearAllStatFiles_Click(Session& session) {
-  LogEntry(session, "ClearAllStatFiles_Click");
-  SetAllBoxes(session, 0);
 }
 
 }  // namespace corvanet

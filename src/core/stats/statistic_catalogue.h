@@ -4,7 +4,7 @@
 #include <array>
 #include <string_view>
 
-#include "core/app/session.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 
@@ -21,9 +21,5 @@ const StatisticDef* FindStatistic(std::string_view name);
 // The change handler of every statistic box (UpTrends_Click ... Equal4ma_Click): ticking a box
 // makes its folders, so they exist before any file of that statistic is written.
 void StatisticBox_Click(Session& session, std::string_view statistic);
-
-// "Select All" / "Clear All": the 34 boxes in catalogue order, each through its change handler.
-void SelectAllStatFiles_Click(Session& session);
-void ClearAllStatFiles_Click(Session& session);
 
 }  // namespace corvanet

@@ -1,5 +1,5 @@
 #pragma once
-#include "core/app/session.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 

@@ -3,8 +3,8 @@
 #include <span>
 #include <string>
 
-#include "core/app/log.h"
 #include "core/platform/paths.h"
+#include "core/state/log.h"
 
 namespace corvanet {
 

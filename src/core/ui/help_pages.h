@@ -3,7 +3,7 @@
 #include <span>
 #include <string_view>
 
-#include "core/app/session.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 

@@ -3,12 +3,12 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "core/app/log.h"
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
 #include "core/platform/process.h"
 #include "core/platform/resources.h"
 #include "core/platform/text.h"
+#include "core/state/log.h"
 
 namespace corvanet {
 

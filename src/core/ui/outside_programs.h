@@ -3,7 +3,7 @@
 // datafiles, a web address, and a shortcut to the window on the user's desktop.
 #include <string>
 
-#include "core/app/session.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 

@@ -1,6 +1,6 @@
 #include "core/ui/tabs.h"
 
-#include "core/app/log.h"
+#include "core/state/log.h"
 
 namespace corvanet {
 

@@ -1,6 +1,6 @@
 #pragma once
 // Which pages the tab strip offers, and the special-functions switch.
-#include "core/app/session.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 

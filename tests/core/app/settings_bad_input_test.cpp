@@ -4,8 +4,8 @@
 #include <filesystem>
 #include <string>
 
-#include "core/app/log.h"
 #include "core/app/settings.h"
+#include "core/state/log.h"
 #include "support/test_session.h"
 
 namespace corvanet::test {

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "core/app/log.h"
 #include "core/app/settings.h"
 #include "core/platform/files.h"
+#include "core/state/log.h"
 #include "support/recording_shell.h"
 #include "support/test_support.h"
 
@@ -59,8 +59,8 @@ TEST(RunListNumTest, ReadOnceAndResetToZero) {
   const struct {
     const char* content;
     int number;
-  } cases[] = {{"3\r\n", 3}, {"9", 9},   {"0\r\n", 0},    {"-2\n", 0}, {" 7 \r\n", 7},
-               {"abc\r\n", 0}, {"", 0},   {"\x01\xff", 0}, {"3.6", 4},   {"2.5", 2},
+  } cases[] = {{"3\r\n", 3},   {"9", 9},   {"0\r\n", 0},    {"-2\n", 0}, {" 7 \r\n", 7},
+               {"abc\r\n", 0}, {"", 0},    {"\x01\xff", 0}, {"3.6", 4},  {"2.5", 2},
                {"6.5", 6},     {"1E0", 1}, {"99999", 0}};
   for (const auto& c : cases) {
     WriteFile(path, c.content);

@@ -3,7 +3,7 @@
 #include <cstdio>
 
 #include "core/download/datafile_names.h"
-#include "core/download/symbols.h"
+#include "core/lists/symbols.h"
 #include "core/platform/files.h"
 
 namespace corvanet::test {

@@ -4,9 +4,9 @@
 #include <string_view>
 #include <vector>
 
-#include "core/app/session.h"
 #include "core/platform/clock.h"
 #include "core/platform/http.h"
+#include "core/state/session.h"
 #include "support/recording_shell.h"
 #include "support/stub_service.h"
 #include "support/test_support.h"

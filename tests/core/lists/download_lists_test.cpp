@@ -5,6 +5,7 @@
 #include <array>
 #include <filesystem>
 
+#include "core/app/settings_buttons.h"
 #include "core/platform/field_reader.h"
 #include "support/test_session.h"
 

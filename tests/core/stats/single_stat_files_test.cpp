@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "core/app/settings.h"
+#include "core/app/settings_buttons.h"
 #include "core/stats/composite_fixture.h"
 #include "core/stats/single_stat_files.h"
 #include "core/stats/statistic_catalogue.h"

@@ -1,9 +1,8 @@
-#include "core/app/log.h"
+#include "core/state/log.h"
 
 #include <string>
 #include <utility>
 
-#include "core/app/settings.h"
 #include "core/platform/files.h"
 
 namespace corvanet {

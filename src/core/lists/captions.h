@@ -1,7 +1,7 @@
 #pragma once
 // The list buttons follow the selected download list: their captions, which of them are offered,
 // the size of the save button and whether the period boxes may be changed.
-#include "core/app/session.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 

@@ -1,7 +1,7 @@
-#include "core/ui/run_outcome.h"
+#include "core/app/run_outcome.h"
 
+#include "core/app/download_run.h"
 #include "core/app/startup.h"
-#include "core/download/download_run.h"
 #include "core/lists/download_lists.h"
 
 namespace corvanet {
@@ -30,13 +30,6 @@ void ShowRunOutcome(Session& session, const RunSummary& summary) {
   ui.RunOutcome.caption = Heading(summary, DownLoadType(session));
   ui.RunSummaryLines = summary.Lines();
   ui.RunFailed = !summary.started || summary.has_failures();
-}
-
-void ClearRunOutcome(WindowState& ui) {
-  ui.RunOutcome.caption = WindowState().RunOutcome.caption;
-  ui.RunSummaryLines.clear();
-  ui.RunFailed = false;
-  ui.RunProblems = {"", false};
 }
 
 RunSummary DownloadAndShowOutcome(Session& session) {

@@ -1,4 +1,4 @@
-#include "core/ui/run_outcome.h"
+#include "core/app/run_outcome.h"
 
 #include <gtest/gtest.h>
 

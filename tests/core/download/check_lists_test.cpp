@@ -1,4 +1,4 @@
-#include "core/lists/check_lists.h"
+#include "core/download/check_lists.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The service's names for listed symbols and the Reuters and Yahoo forms of index symbols.
-#include "core/download/symbols.h"
+#include "core/lists/symbols.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "core/app/session.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 

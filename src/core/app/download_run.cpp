@@ -1,27 +1,29 @@
-#include "core/download/download_run.h"
+#include "core/app/download_run.h"
 
 #include <algorithm>
 #include <string>
 
-#include "core/app/log.h"
+#include "core/app/run_folders.h"
 #include "core/app/settings.h"
+#include "core/app/settings_buttons.h"
 #include "core/download/datafile_names.h"
 #include "core/download/refresh_masterfile.h"
 #include "core/download/retrieve.h"
 #include "core/download/retry_rounds.h"
-#include "core/download/run_folders.h"
 #include "core/download/run_period.h"
-#include "core/download/run_total.h"
 #include "core/download/single_file_update.h"
-#include "core/download/symbols.h"
 #include "core/download/system_messages.h"
 #include "core/download/update_file_index.h"
 #include "core/lists/download_lists.h"
 #include "core/lists/masterfile.h"
+#include "core/lists/run_total.h"
+#include "core/lists/symbols.h"
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
 #include "core/platform/run_lock.h"
 #include "core/pricefiles/conversion.h"
+#include "core/pricefiles/price_files.h"
+#include "core/state/log.h"
 #include "core/stats/single_stat_files.h"
 #include "core/ui/tabs.h"
 
@@ -90,6 +92,20 @@ void PrepareFolders(Session& session, RunSummary& summary) {
     summary.period_problems.push_back(std::move(problem));
   }
 }
+
+// While it lives, the walk writes the price files of each datafile it brings up to date.
+class PriceFilesOfTheWalk {
+ public:
+  explicit PriceFilesOfTheWalk(Session& session) : session_(session) {
+    session_.after_datafile_updated = &CreateMetaStockPxFiles;
+  }
+  ~PriceFilesOfTheWalk() { session_.after_datafile_updated = nullptr; }
+  PriceFilesOfTheWalk(const PriceFilesOfTheWalk&) = delete;
+  PriceFilesOfTheWalk& operator=(const PriceFilesOfTheWalk&) = delete;
+
+ private:
+  Session& session_;
+};
 
 // Names what failed, so a run that looks complete in the window says so too.
 std::string ProblemsText(const RunSummary& summary) {
@@ -186,6 +202,7 @@ RunSummary DownLoadButton_Click(Session& session) {
   run.time_outs_in_a_row = 0;
   run.service_silent = false;
   run.retry_after_seconds = 0;
+  PriceFilesOfTheWalk price_files(session);
   for (int period = 1; period <= 4; ++period) {
     DetermineInterval(session, period);
     if (run.DataPeriod.empty()) continue;

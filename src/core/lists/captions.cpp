@@ -1,10 +1,10 @@
-#include "core/ui/captions.h"
+#include "core/lists/captions.h"
 
-#include "core/app/log.h"
-#include "core/download/run_total.h"
 #include "core/lists/download_lists.h"
 #include "core/lists/masterfile.h"
+#include "core/lists/run_total.h"
 #include "core/platform/text.h"
+#include "core/state/log.h"
 
 namespace corvanet {
 

@@ -162,4 +162,10 @@ struct WindowState {
   std::string StatusText;
 };
 
+// A check box's value as the settings file and the settings report write it: " 1" / " 0".
+std::string CheckText(int value);
+
+// Back to the state before any run; the list in hand has not been run yet.
+void ClearRunOutcome(WindowState& ui);
+
 }  // namespace corvanet

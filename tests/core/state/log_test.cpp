@@ -1,4 +1,4 @@
-#include "core/app/log.h"
+#include "core/state/log.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -1,13 +1,13 @@
-#include "core/lists/check_lists.h"
+#include "core/download/check_lists.h"
 
 #include <string_view>
 #include <unordered_set>
 
-#include "core/app/log.h"
 #include "core/download/retrieve.h"
-#include "core/download/symbols.h"
+#include "core/lists/symbols.h"
 #include "core/platform/field_reader.h"
 #include "core/platform/files.h"
+#include "core/state/log.h"
 
 namespace corvanet {
 

@@ -1,7 +1,7 @@
 #pragma once
 // How many datafiles a run of the current list over the ticked periods will handle: the maximum of
 // the progress bar and the number on the download button.
-#include "core/app/session.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 

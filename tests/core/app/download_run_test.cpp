@@ -1,5 +1,5 @@
 // A whole download run against a real HTTP service on 127.0.0.1.
-#include "core/download/download_run.h"
+#include "core/app/download_run.h"
 
 #include <gtest/gtest.h>
 

@@ -1,13 +1,13 @@
-#include "core/download/run_total.h"
+#include "core/lists/run_total.h"
 
 #include <cstdint>
 #include <string>
 
-#include "core/app/log.h"
-#include "core/download/symbols.h"
 #include "core/lists/download_lists.h"
 #include "core/lists/masterfile.h"
+#include "core/lists/symbols.h"
 #include "core/platform/field_reader.h"
+#include "core/state/log.h"
 
 namespace corvanet {
 

@@ -1,11 +1,11 @@
-#include "core/stats/writer_pool.h"
+#include "core/state/writer_pool.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <utility>
 
-#include "core/app/log.h"
 #include "core/platform/text.h"
+#include "core/state/log.h"
 
 namespace corvanet {
 

@@ -1,4 +1,4 @@
-#include "core/download/run_folders.h"
+#include "core/app/run_folders.h"
 
 #include "core/download/datafile_names.h"
 #include "core/platform/files.h"

@@ -1,6 +1,6 @@
 #pragma once
-#include "core/app/session.h"
 #include "core/download/run_summary.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 

@@ -14,7 +14,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "core/app/session.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 

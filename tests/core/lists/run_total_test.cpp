@@ -1,4 +1,4 @@
-#include "core/download/run_total.h"
+#include "core/lists/run_total.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
-#include "core/download/symbols.h"
+#include "core/lists/symbols.h"
 
 #include <utility>
 
-#include "core/app/log.h"
+#include "core/state/log.h"
 
 namespace corvanet {
 

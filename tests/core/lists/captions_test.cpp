@@ -1,4 +1,4 @@
-#include "core/ui/captions.h"
+#include "core/lists/captions.h"
 
 #include <gtest/gtest.h>
 

@@ -9,11 +9,12 @@
 #include "core/platform/clock.h"
 #include "core/platform/http.h"
 #include "core/platform/shell.h"
-#include "core/ui/window_state.h"
+#include "core/state/window_state.h"
 
 namespace corvanet {
 
 class FetchAhead;
+class WriterPool;
 
 // Form-level state fixed at start-up and by the list and data-set choices.
 struct AppState {
@@ -78,8 +79,11 @@ struct Session {
   // While a period's walk runs: the whole files fetched ahead of it, which RetrieveDataFile takes
   // instead of fetching them itself (download/fetch_ahead.h).
   FetchAhead* fetch_ahead = nullptr;
+  // While a run walks its periods: what is made from a datafile just brought up to date (its price
+  // files), handed to the walk's writers. Set by the run (app/download_run.cpp); nullptr: nothing.
+  void (*after_datafile_updated)(Session&, WriterPool&) = nullptr;
   // While files are written on other threads: the log lines held back until the work handed over
-  // before them is logged, so the log keeps its order (stats/writer_pool.h). nullptr: straight to
+  // before them is logged, so the log keeps its order (state/writer_pool.h). nullptr: straight to
   // the log file.
   std::vector<std::string>* held_log_lines = nullptr;
 

@@ -1,7 +1,7 @@
 #pragma once
 #include <string>
 
-#include "core/app/session.h"
+#include "core/state/session.h"
 
 namespace corvanet {
 
