@@ -69,19 +69,5 @@ TEST_F(CliStartupTest, LogOptionStartsAFreshLogInTheProgramFolder) {
   EXPECT_NE(ReadFile(log_file).find(" - Not Set - SaveToINI_Click\r\n"), std::string::npos);
 }
 
-TEST(HeadlessShellTest, PrintsMessagesAndAnswersQuestions) {
-  std::ostringstream out;
-  HeadlessShell no(out, false);
-  EXPECT_EQ(no.MessageBox("first\rsecond", "Title", Buttons::kOk, Icon::kNone), Answer::kOk);
-  EXPECT_EQ(no.MessageBox("Go on?", "Title", Buttons::kYesNo, Icon::kQuestion), Answer::kNo);
-  EXPECT_EQ(no.MessageBox("Save?", "Title", Buttons::kYesNoCancel, Icon::kQuestion), Answer::kNo);
-  EXPECT_EQ(out.str(), "first\nsecond\n\nGo on?\n\nSave?\n\n");
-
-  std::ostringstream yes_out;
-  HeadlessShell yes(yes_out, true);
-  EXPECT_EQ(yes.MessageBox("Go on?", "Title", Buttons::kYesNo, Icon::kQuestion), Answer::kYes);
-  EXPECT_EQ(yes.MessageBox("Done.", "Title", Buttons::kOk, Icon::kNone), Answer::kOk);
-}
-
 }  // namespace
 }  // namespace corvanet::test

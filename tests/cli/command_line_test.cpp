@@ -96,21 +96,5 @@ TEST_F(CommandLineTest, UsageErrorsNameTheBadArgumentAndExitTwo) {
   }
 }
 
-// The statuses a scheduler acts on are written down three times; they must agree.
-TEST(ExitStatusTextTest, HelpManualPageAndReadmeListTheSameStatuses) {
-  const std::string help(cli::ExitStatusText());
-  const std::string manual = ReadFile(SourcePath("docs/man/corvanet-cli.1"));
-  const std::string readme = ReadFile(SourcePath("README.md"));
-  const std::string manual_section = manual.substr(manual.find(".SH EXIT STATUS"));
-  for (const int status : {cli::kExitOk, cli::kExitStartupFailed, cli::kExitUsage,
-                           cli::kExitRunFailures, cli::kExitRefused, cli::kExitBusy}) {
-    const std::string n = std::to_string(status);
-    EXPECT_NE(help.find("\n  " + n + "  "), std::string::npos) << n;
-    EXPECT_NE(manual_section.find(".B " + n + "\n"), std::string::npos) << n;
-    EXPECT_NE(readme.find("\n| " + n + " | "), std::string::npos) << n;
-  }
-  EXPECT_EQ(help.find("\n  6  "), std::string::npos) << "a new status needs the manual and README";
-}
-
 }  // namespace
 }  // namespace corvanet::test

@@ -178,22 +178,5 @@ TEST_F(ConversionTest, AFailedFullListRunEmptiesNoMetaStockFolder) {
   ExpectConverted(data("PX/Daily"), MetaStock("Daily"));
 }
 
-// Beyond 255 securities the converter goes on in XMASTER.
-class ManySecuritiesTest : public ConversionTest {
- protected:
-  ManySecuritiesTest() : ConversionTest(DemoServiceOptions{.composites = 262, .years = 1}) {}
-};
-
-TEST_F(ManySecuritiesTest, MoreThan255SecuritiesAreAllFound) {
-  Tick({"OHLCVV=1"});
-  ASSERT_EQ(RunIn({"list", "6", "vendor", "eSignal", "periods", "D"}).code, 0);
-  const CliResult run = RunList(6);
-  ASSERT_EQ(run.code, 0) << run.out;
-  ExpectConverted(data("PX/Daily"), MetaStock("Daily"));
-  const MetastockFolder folder = ReadMetastockFolder(MetaStock("Daily"));
-  ASSERT_GT(folder.securities.size(), 255U);
-  EXPECT_EQ(folder.securities.back().index, "XMASTER");
-}
-
 }  // namespace
 }  // namespace corvanet::test

@@ -65,13 +65,5 @@ TEST(RunOutcomeTest, TheHeadingSaysPlainlyWhetherEveryFileIsUpToDate) {
   EXPECT_FALSE(t.session.ui.RunFailed);
 }
 
-TEST(RunOutcomeTest, AnUnattendedStartWithoutAListShowsNoRun) {
-  TestSession t;
-  t.session.app.RunListNum = 9;  // selects nothing and runs nothing
-  AutomatedRunAndShowOutcome(t.session);
-  EXPECT_TRUE(t.session.ui.RunSummaryLines.empty());
-  EXPECT_FALSE(t.session.ui.RunFailed);
-}
-
 }  // namespace
 }  // namespace corvanet::test
