@@ -12,15 +12,6 @@ namespace {
 
 using CliStartupTest = CliTest;
 
-TEST_F(CliStartupTest, NoCommandPrintsWhereEverythingLives) {
-  const CliResult result = Run({"--base-dir=" + base_arg(), "--yes"});
-  ASSERT_EQ(result.code, 0) << result.err;
-  EXPECT_NE(result.out.find("Corvanet for Ovalith - Version 5.1 - For Ovalith Subscribers\n"),
-            std::string::npos);
-  EXPECT_NE(result.out.find("Settings file:    " + settings_file() + "\n"), std::string::npos);
-  EXPECT_NE(result.out.find("Datafiles:        " + base() + "CSVFiles/\n"), std::string::npos);
-}
-
 TEST_F(CliStartupTest, RunListNumOutsideOneToSevenIsAnInteractiveStart) {
   for (const char* number : {"0", "-2", "9", "x"}) {
     WriteFile(start() + "RunListNum.txt", std::string(number) + "\r\n");

@@ -143,6 +143,13 @@ TEST_F(ConversionTest, PathsWithBlanksAndDollarSignsAreConverted) {
   ASSERT_EQ(run.code, 0) << run.out;
   EXPECT_TRUE(Contains(ReadFile(Batch("MakePxFiles.bat")), "/CSV Files/PX/Daily/$NYA.csv"));
   ExpectConverted(base() + "CSV Files/PX/Daily", base() + "Meta Stock/Daily");
+  EXPECT_TRUE(Contains(run.out, "2 of 2 price file(s) converted")) << run.out;
+
+  // A security the converter cannot write counts as not converted.
+  std::filesystem::remove(base() + "Meta Stock/Daily/F1.DAT");
+  std::filesystem::create_directory(base() + "Meta Stock/Daily/F1.DAT");
+  const CliResult again = RunList(3);
+  EXPECT_TRUE(Contains(again.out, "1 of 2 price file(s) converted")) << again.out;
 }
 
 // A batch that ends without its completion mark ends the wait and is reported.

@@ -67,6 +67,7 @@ TEST_F(UpdateDatafileTest, MergesTheUpdateRowsAfterTheLastCommonRowWithoutFetchi
       {"five oldest only", {1, 2, 3}, nyse({2, 3, 4, 5, 6, 7, 8}), {1, 2, 3, 4, 5, 6}},
       {"up to date", {6, 7, 8, 9, 10}, nyse({6, 7, 8, 9, 10}), {6, 7, 8, 9, 10}},
       {"no repeat of the match", {1, 2, 3}, nyse({2, 3}), {1, 2, 3}},
+      {"a repeated base row is left out", {1, 2, 2, 3}, nyse({3, 4}), {1, 2, 3, 4}},
       {"first character dropped",
        {1, 2},
        {UpdateLine("NYSE", Row(2)), UpdateLine("YSE", Row(3)), UpdateLine("SE", Row(4)),

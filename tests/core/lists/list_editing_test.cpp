@@ -74,27 +74,5 @@ TEST_F(ListEditingTest, NoListLoadedRefusesEveryEditButTheSilentDrop) {
   EXPECT_EQ(t.shell.texts(), Lines(4, "Please load a download list!"));
 }
 
-TEST_F(ListEditingTest, FullListsRefuseBulkEditsButTakeDropsAndDeletes) {
-  for (const char* list : {"6", "7"}) {
-    SCOPED_TRACE(list);
-    t.shell.Reset();
-    s.app.CurrentListNumber = list;
-    s.ui.List6.Clear();
-    s.ui.List6.Add("kept,$K");
-    AddByString_Click(s);
-    MoveAllToDownloadList_Click(s);
-    ClearList_Click(s);
-    EXPECT_EQ(t.shell.texts(),
-              (Lines{"Cannot add to or change this download list.",
-                     "Cannot change this download list.", "Cannot clear this download list."}));
-    EXPECT_EQ(s.ui.List6.items, Lines{"kept,$K"});
-    List6_OLEDragDrop(s, "2");
-    EXPECT_EQ(s.ui.List6.items, (Lines{"kept,$K", "NYSE Composite,$NYA"}));
-    Select(s.ui.List6, {0});
-    List6_KeyUp(s, kDeleteKeyCode);
-    EXPECT_EQ(s.ui.List6.items, Lines{"NYSE Composite,$NYA"});
-  }
-}
-
 }  // namespace
 }  // namespace corvanet::test

@@ -88,6 +88,7 @@ TEST(NumberTextTest, ExponentFormForHugeAndTinyMagnitudes) {
 
 TEST(LeadingNumberTest, TakesTheNumberATextBeginsWith) {
   EXPECT_DOUBLE_EQ(LeadingNumber("2.5x"), 2.5);
+  EXPECT_DOUBLE_EQ(LeadingNumber("1999.09 left"), 1999.09);
   EXPECT_DOUBLE_EQ(LeadingNumber(" -1"), -1);
   EXPECT_DOUBLE_EQ(LeadingNumber("1e3"), 1000);
   EXPECT_DOUBLE_EQ(LeadingNumber("1e"), 1);  // an exponent without digits is not taken

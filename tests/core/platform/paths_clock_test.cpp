@@ -27,6 +27,10 @@ TEST(ClockTextTest, ElapsedTimeSwitchesToMinutesAboveOneMinute) {
   EXPECT_EQ(FormatThousands2(1234567.891), "1,234,567.89");
   EXPECT_EQ(FormatThousands2(999.999), "1,000.00");
   EXPECT_EQ(FormatThousands2(-1234.5), "-1,234.50");
+  // A run's start as its caption shows it: noon and midnight are twelve o'clock.
+  EXPECT_EQ(FormatClockAmPm({2026, 11, 23, 14, 5, 9}), "2:05:09 PM");
+  EXPECT_EQ(FormatClockAmPm({2026, 11, 23, 12, 0, 0}), "12:00:00 PM");
+  EXPECT_EQ(FormatClockAmPm({2026, 11, 23, 0, 30, 0}), "12:30:00 AM");
 }
 
 }  // namespace

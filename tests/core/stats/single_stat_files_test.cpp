@@ -58,9 +58,9 @@ class SingleStatFilesTest : public ::testing::Test {
 
 TEST_F(SingleStatFilesTest, UntickedListGivesNoFilesButTheCompletionTexts) {
   Tick("UpTrends");
-  WriteList(6, {1, 0, 0, 0});
+  WriteList(7, {1, 1, 1, 1});
   WriteDatafile(data("Daily/$NYA.csv"), {CompositeLine()});
-  ts.session.app.CurrentListNumber = "6";
+  ts.session.app.CurrentListNumber = "7";
   ts.session.ui.DailyInterval = 1;
   ts.clock.timer = 100;
   ts.session.run.RunStartTimer = 40;
@@ -72,6 +72,10 @@ TEST_F(SingleStatFilesTest, UntickedListGivesNoFilesButTheCompletionTexts) {
   EXPECT_EQ(ui.DownloadProgressFrame.caption, "File creation complete");
   EXPECT_EQ(ui.Label13.caption, "Single statistic files created");
   EXPECT_FALSE(ui.ProgressBar1.visible);
+
+  ts.session.ui.RunWithAllPeriods = 1;
+  MakeSingleStatFiles(ts.session);
+  EXPECT_TRUE(Exists(data("UpTrends/Daily/$NYA-UpTrends.csv")));
 }
 
 class CaptionRecorder : public StateObserver {

@@ -1,5 +1,9 @@
 #include "core/ui/run_outcome.h"
 
+#include <algorithm>
+
+#include "core/download/run_summary.h"
+
 #include <gtest/gtest.h>
 
 #include "support/test_session.h"
@@ -63,6 +67,14 @@ TEST(RunOutcomeTest, TheHeadingSaysPlainlyWhetherEveryFileIsUpToDate) {
   EXPECT_EQ(t.session.ui.RunOutcome.caption, WindowState().RunOutcome.caption);
   EXPECT_TRUE(t.session.ui.RunSummaryLines.empty());
   EXPECT_FALSE(t.session.ui.RunFailed);
+}
+
+TEST(RunSummaryTest, DatafilesNotUpdatedAreCountedFromOne) {
+  RunSummary summary;
+  summary.started = true;
+  summary.not_updated = 1;
+  const std::vector<std::string> lines = summary.Lines();
+  EXPECT_NE(std::find(lines.begin(), lines.end(), "Datafiles not updated: 1"), lines.end());
 }
 
 }  // namespace
