@@ -24,16 +24,6 @@ class CliSettingsTest : public CliTest {
   }
 };
 
-std::vector<std::string> Lines(const std::string& text) {
-  std::vector<std::string> lines;
-  std::size_t begin = 0;
-  for (std::size_t end = text.find('\n'); end != std::string::npos; end = text.find('\n', begin)) {
-    lines.push_back(text.substr(begin, end - begin));
-    begin = end + 1;
-  }
-  return lines;
-}
-
 TEST_F(CliSettingsTest, FirstCommandCreatesTheInstallationAndTheSettingsFile) {
   Install();
   EXPECT_TRUE(DirectoryExists(base() + "CSVFiles/Base"));
@@ -55,27 +45,6 @@ TEST_F(CliSettingsTest, FirstCommandCreatesTheInstallationAndTheSettingsFile) {
   // The start-up report went to the start folder, the settings file was not read from there.
   EXPECT_TRUE(Exists(start() + "LogFile.txt"));
   EXPECT_FALSE(Exists(start() + "RunListNum.txt"));
-}
-
-TEST_F(CliSettingsTest, LaterRunsAndOtherProcessesPrintTheValuesBackUnchanged) {
-  Install();
-  const std::string stored = ReadFile(settings_file());
-  const CliResult printed = RunIn({"settings"});
-  ASSERT_EQ(printed.code, 0) << printed.err;
-  const std::vector<std::string> lines = Lines(printed.out);
-  EXPECT_EQ(lines.size(), 88U);  // Stat1File3 once
-  for (const char* expected :
-       {"UserName=abc", "Password=pw", "IPAddress=127.0.0.1:9", "Plus=0",
-        "DownloadCompleteMessageYes=True", "RetryNumber=3", "Stat1File3=Select One"}) {
-    EXPECT_NE(std::find(lines.begin(), lines.end(), expected), lines.end()) << expected;
-  }
-  EXPECT_NE(std::find(lines.begin(), lines.end(), "PathToDataFiles=" + base() + "CSVFiles/"),
-            lines.end());
-
-  const CliResult process = RunProcess("--base-dir '" + base_arg() + "' settings");
-  EXPECT_EQ(process.code, 0) << process.err;
-  EXPECT_EQ(process.out, printed.out);
-  EXPECT_EQ(ReadFile(settings_file()), stored);  // printing writes nothing
 }
 
 TEST_F(CliSettingsTest, ValuesAreSetAsAUserWouldSetThem) {
@@ -115,17 +84,6 @@ TEST_F(CliSettingsTest, ABadValueChangesNothing) {
     EXPECT_NE(result.err.find("corvanet-cli settings: "), std::string::npos) << args.back();
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(ReadFile(settings_file()), stored) << args.back();
-  }
-}
-
-TEST_F(CliSettingsTest, TextsReadBackInANewProcessExactlyAsTyped) {
-  Install();
-  const CliResult set =
-      RunIn({"settings", "UserName= spaced ", "Password=a,b", "IPAddress=\"q\",x"});
-  ASSERT_EQ(set.code, 0) << set.err;
-  const std::string shown = RunIn({"settings"}).out;
-  for (const char* line : {"UserName= spaced \n", "Password=a,b\n", "IPAddress=\"q\",x\n"}) {
-    EXPECT_NE(shown.find(line), std::string::npos) << line;
   }
 }
 

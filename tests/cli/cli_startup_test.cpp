@@ -12,15 +12,6 @@ namespace {
 
 using CliStartupTest = CliTest;
 
-TEST_F(CliStartupTest, NoCommandPrintsWhereEverythingLives) {
-  const CliResult result = Run({"--base-dir=" + base_arg(), "--yes"});
-  ASSERT_EQ(result.code, 0) << result.err;
-  EXPECT_NE(result.out.find("Corvanet for Ovalith - Version 5.1 - For Ovalith Subscribers\n"),
-            std::string::npos);
-  EXPECT_NE(result.out.find("Settings file:    " + settings_file() + "\n"), std::string::npos);
-  EXPECT_NE(result.out.find("Datafiles:        " + base() + "CSVFiles/\n"), std::string::npos);
-}
-
 TEST_F(CliStartupTest, RunListNumOutsideOneToSevenIsAnInteractiveStart) {
   for (const char* number : {"0", "-2", "9", "x"}) {
     WriteFile(start() + "RunListNum.txt", std::string(number) + "\r\n");
@@ -67,20 +58,6 @@ TEST_F(CliStartupTest, LogOptionStartsAFreshLogInTheProgramFolder) {
   EXPECT_EQ(lines[2], "ProgramDirectory:  " + base() + "Rondex/");
   EXPECT_EQ(ReadFile(log_file).find("old lines"), std::string::npos);
   EXPECT_NE(ReadFile(log_file).find(" - Not Set - SaveToINI_Click\r\n"), std::string::npos);
-}
-
-TEST(HeadlessShellTest, PrintsMessagesAndAnswersQuestions) {
-  std::ostringstream out;
-  HeadlessShell no(out, false);
-  EXPECT_EQ(no.MessageBox("first\rsecond", "Title", Buttons::kOk, Icon::kNone), Answer::kOk);
-  EXPECT_EQ(no.MessageBox("Go on?", "Title", Buttons::kYesNo, Icon::kQuestion), Answer::kNo);
-  EXPECT_EQ(no.MessageBox("Save?", "Title", Buttons::kYesNoCancel, Icon::kQuestion), Answer::kNo);
-  EXPECT_EQ(out.str(), "first\nsecond\n\nGo on?\n\nSave?\n\n");
-
-  std::ostringstream yes_out;
-  HeadlessShell yes(yes_out, true);
-  EXPECT_EQ(yes.MessageBox("Go on?", "Title", Buttons::kYesNo, Icon::kQuestion), Answer::kYes);
-  EXPECT_EQ(yes.MessageBox("Done.", "Title", Buttons::kOk, Icon::kNone), Answer::kOk);
 }
 
 }  // namespace

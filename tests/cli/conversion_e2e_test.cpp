@@ -143,6 +143,13 @@ TEST_F(ConversionTest, PathsWithBlanksAndDollarSignsAreConverted) {
   ASSERT_EQ(run.code, 0) << run.out;
   EXPECT_TRUE(Contains(ReadFile(Batch("MakePxFiles.bat")), "/CSV Files/PX/Daily/$NYA.csv"));
   ExpectConverted(base() + "CSV Files/PX/Daily", base() + "Meta Stock/Daily");
+  EXPECT_TRUE(Contains(run.out, "2 of 2 price file(s) converted")) << run.out;
+
+  // A security the converter cannot write counts as not converted.
+  std::filesystem::remove(base() + "Meta Stock/Daily/F1.DAT");
+  std::filesystem::create_directory(base() + "Meta Stock/Daily/F1.DAT");
+  const CliResult again = RunList(3);
+  EXPECT_TRUE(Contains(again.out, "1 of 2 price file(s) converted")) << again.out;
 }
 
 // A batch that ends without its completion mark ends the wait and is reported.
@@ -176,23 +183,6 @@ TEST_F(ConversionTest, AFailedFullListRunEmptiesNoMetaStockFolder) {
   ASSERT_EQ(RunList(6).code, 0);
   EXPECT_FALSE(Exists(MetaStock("Daily/F99.DAT"))) << "a whole run empties the folder first";
   ExpectConverted(data("PX/Daily"), MetaStock("Daily"));
-}
-
-// Beyond 255 securities the converter goes on in XMASTER.
-class ManySecuritiesTest : public ConversionTest {
- protected:
-  ManySecuritiesTest() : ConversionTest(DemoServiceOptions{.composites = 262, .years = 1}) {}
-};
-
-TEST_F(ManySecuritiesTest, MoreThan255SecuritiesAreAllFound) {
-  Tick({"OHLCVV=1"});
-  ASSERT_EQ(RunIn({"list", "6", "vendor", "eSignal", "periods", "D"}).code, 0);
-  const CliResult run = RunList(6);
-  ASSERT_EQ(run.code, 0) << run.out;
-  ExpectConverted(data("PX/Daily"), MetaStock("Daily"));
-  const MetastockFolder folder = ReadMetastockFolder(MetaStock("Daily"));
-  ASSERT_GT(folder.securities.size(), 255U);
-  EXPECT_EQ(folder.securities.back().index, "XMASTER");
 }
 
 }  // namespace

@@ -33,41 +33,6 @@ class FidelityTest : public ListTwoRunTest {
   }
 };
 
-// A composite the service lists without bars yet gets its header-only datafile and price file; a
-// body that is no datafile is still refused.
-TEST_F(FidelityTest, AHeaderOnlyFileGivesAHeaderOnlyDatafile) {
-  AddComposite("NEWX", Header() + "\r\n");
-  const CliResult run = RunList(2);
-  EXPECT_EQ(run.code, 0) << run.out;
-  EXPECT_TRUE(Contains(run.out, "Note: NEWX Daily: the service has no rows for it yet")) << run.out;
-  EXPECT_EQ(ReadLines(data("Daily/NEWX.csv")), std::vector<std::string>{Header()});
-  EXPECT_TRUE(Exists(data("PX/Daily/NEWX.csv")));
-
-  WriteFile(ServiceFile("NEWXDaily-CompositeStats.csv"), "<html><body>Busy</body></html>\r\n");
-  std::filesystem::remove(data("Daily/NEWX.csv"));
-  std::filesystem::remove(data("Base/NEWXDaily-CompositeStats.csv"));
-  const CliResult refused = RunList(2);
-  EXPECT_EQ(refused.code, 3);
-  EXPECT_FALSE(Exists(data("Daily/NEWX.csv")));
-}
-
-// A composite the update file leaves out is fetched whole, counted so, with price files.
-TEST_F(FidelityTest, ADatafileTheUpdateFileDoesNotCoverIsFetchedWhole) {
-  service.Advance(1);
-  std::vector<std::string> update;
-  for (const std::string& line : ReadLines(ServiceFile("Update-Daily.csv"))) {
-    if (line.rfind("SOX ", 0) != 0) update.push_back(line);
-  }
-  WriteLines(ServiceFile("Update-Daily.csv"), update);
-  const std::string price_file = ReadFile(data("PX/Daily/$SOX.csv"));
-  const CliResult run = RunList(2);
-  EXPECT_EQ(run.code, 0) << run.out;
-  EXPECT_TRUE(Contains(run.out, "Datafiles fetched whole: 1")) << run.out;
-  EXPECT_TRUE(Contains(run.out, "Note: $SOX Daily: the update file does not cover it"));
-  EXPECT_EQ(ReadFile(data("Daily/$SOX.csv")), ReadFile(ServiceFile("SOXDaily-CompositeStats.csv")));
-  EXPECT_NE(ReadFile(data("PX/Daily/$SOX.csv")), price_file) << "price files made anew";
-}
-
 // A forced full download that fails still merges on the kept base copy, and says so.
 TEST_F(FidelityTest, AFailedForcedFetchMergesOnTheKeptCopy) {
   ASSERT_EQ(RunIn({"list", "6", "vendor", "eSignal", "periods", "D"}).code, 0);
@@ -83,23 +48,6 @@ TEST_F(FidelityTest, AFailedForcedFetchMergesOnTheKeptCopy) {
             LastRow("Daily/$INDU.csv").substr(0, 10) + LastRow("Daily/$NYA.csv").substr(10))
       << "the new bar was merged";
   EXPECT_EQ(ValidateDatafile(data("Daily/$NYA.csv")), std::vector<std::string>{});
-}
-
-// A start given a command of its own leaves a scheduled run for the start that carries it out.
-TEST_F(FidelityTest, OnlyAnUnattendedStartTakesRunListNum) {
-  WriteFile(start() + "RunListNum.txt", "2\r\n");
-  for (const std::vector<std::string>& command :
-       {std::vector<std::string>{"list", "2"}, {"settings"}, {"stats", "2"}}) {
-    std::vector<std::string> args{"--base-dir", base_arg()};
-    args.insert(args.end(), command.begin(), command.end());
-    Run(args);
-    EXPECT_EQ(ReadFile(start() + "RunListNum.txt"), "2\r\n") << command[0];
-  }
-  service.Advance(1);
-  const CliResult unattended = RunIn({});
-  EXPECT_EQ(unattended.code, 0) << unattended.out;
-  EXPECT_TRUE(Contains(unattended.out, "Datafiles updated by merge: 3")) << unattended.out;
-  EXPECT_EQ(ReadFile(start() + "RunListNum.txt"), "0\r\n");
 }
 
 // Support reads every line as time, LogDetail, message.
@@ -136,19 +84,6 @@ TEST_F(FidelityTest, WholeNumberColumnsAreConvertedByType) {
   WriteLines(data("Daily/$NYA.csv"), rows);
   EXPECT_EQ(RunIn({"stats", "2"}).code, 3);
   EXPECT_EQ(ReadFile(data("Advances/Daily/$NYA-Advances.csv")), before);
-}
-
-// A message file that could not be fetched stays on disk, and nothing of it is shown again.
-TEST_F(FidelityTest, AnUnfetchedMessageFileIsKeptButNotShown) {
-  ASSERT_EQ(RunIn({"settings", "SystemMessagesYes=True"}).code, 0);
-  const CliResult shown = RunList(2);
-  EXPECT_TRUE(Contains(shown.out, "Corvanet")) << shown.out;
-  const std::string kept = ReadFile(data("Base/Zennor_System.txt"));
-  ASSERT_FALSE(kept.empty());
-  service.SetFaults({"*/Zennor_System.txt status 503"});
-  const CliResult run = RunList(2);
-  EXPECT_NE(shown.out.substr(0, 40), run.out.substr(0, 40)) << run.out;
-  EXPECT_EQ(ReadFile(data("Base/Zennor_System.txt")), kept);
 }
 
 }  // namespace

@@ -91,13 +91,5 @@ TEST_F(ListCommandTest, RefusalsArePrintedExitFourAndMistakesChangeNothing) {
   EXPECT_FALSE(Exists(List(1)));
 }
 
-TEST_F(ListCommandTest, ClearDatafilesKeepsTheBaseFolder) {
-  WriteFile(dir / "CSVFiles/Daily/$INDU.csv", "x");
-  WriteFile(dir / "CSVFiles/Base/NYSEDaily-CompositeStats.csv", "kept");
-  ASSERT_EQ(Run({"clear-datafiles"}), 0);
-  EXPECT_FALSE(Exists(dir / "CSVFiles/Daily/$INDU.csv"));
-  EXPECT_TRUE(Exists(dir / "CSVFiles/Base/NYSEDaily-CompositeStats.csv"));
-}
-
 }  // namespace
 }  // namespace corvanet::test

@@ -9,7 +9,6 @@
 #include <filesystem>
 #include <functional>
 #include <map>
-#include <memory>
 #include <regex>
 #include <sstream>
 
@@ -24,30 +23,18 @@ bool Contains(const std::string& text, const std::string& part) {
   return text.find(part) != std::string::npos;
 }
 
-// Sets environment variables for one run and puts the old values back afterwards.
+// Sets environment variables for one run and clears them afterwards (the suite sets none of them).
 class ScopedEnvironment {
  public:
-  explicit ScopedEnvironment(const std::map<std::string, std::string>& values) {
-    for (const auto& [name, value] : values) {
-      const char* old = std::getenv(name.c_str());
-      saved_.emplace_back(name, old == nullptr ? nullptr : new std::string(old));
-      ::setenv(name.c_str(), value.c_str(), 1);
-    }
+  explicit ScopedEnvironment(const std::map<std::string, std::string>& values) : values_(values) {
+    for (const auto& [name, value] : values_) ::setenv(name.c_str(), value.c_str(), 1);
   }
   ~ScopedEnvironment() {
-    for (auto& [name, old] : saved_) {
-      if (old) {
-        ::setenv(name.c_str(), old->c_str(), 1);
-      } else {
-        ::unsetenv(name.c_str());
-      }
-    }
+    for (const auto& entry : values_) ::unsetenv(entry.first.c_str());
   }
-  ScopedEnvironment(const ScopedEnvironment&) = delete;
-  ScopedEnvironment& operator=(const ScopedEnvironment&) = delete;
 
  private:
-  std::vector<std::pair<std::string, std::unique_ptr<std::string>>> saved_;
+  std::map<std::string, std::string> values_;
 };
 
 struct Installation {

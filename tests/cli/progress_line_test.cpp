@@ -119,19 +119,6 @@ TEST_F(ProgressLineTest, OnATerminalTheLineIsDrawnAndWipedBeforeTheSummary) {
   }
 }
 
-TEST_F(ProgressLineTest, QuietOnATerminalAndAnyRunIntoAFileDrawNothing) {
-  const PtyResult quiet = RunOnTerminal(Args({"--quiet", "run", "2"}));
-  EXPECT_EQ(quiet.code, 0);
-  EXPECT_EQ(quiet.output, "");
-
-  const CliResult piped = RunProcess("--base-dir '" + base_arg() + "' run 2");
-  EXPECT_EQ(piped.code, 0) << piped.err;
-  EXPECT_EQ(piped.err, "");
-  EXPECT_EQ(piped.out.find('\r'), std::string::npos);
-  EXPECT_EQ(piped.out.find("\x1b["), std::string::npos);
-  EXPECT_NE(piped.out.find("Datafiles updated by merge: 3\n"), std::string::npos);
-}
-
 TEST_F(ProgressLineTest, QuietPrintsNothingOnSuccessAndTheWholeStoryOnFailure) {
   const CliResult good = RunProcess("--base-dir '" + base_arg() + "' -q run 2");
   EXPECT_EQ(good.code, 0);

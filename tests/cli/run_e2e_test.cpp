@@ -75,19 +75,6 @@ TEST_F(RunTest, EachVendorNamesItsDatafilesItsOwnWay) {
   }
 }
 
-TEST_F(RunTest, OnlyTheTickedPeriodsRunAndQuarterlySkipsTheBroadIndexes) {
-  MakeList(3, "eSignal", "W,Q", {"$NYA", "$SOX"});
-  ASSERT_EQ(RunList(3).code, 0);
-  EXPECT_EQ(Requests("/Update-Weekly.csv"), 1);
-  EXPECT_EQ(Requests("/Update-Quarterly.csv"), 1);
-  EXPECT_EQ(Requests("/Update-Daily.csv"), 0);
-  EXPECT_EQ(Requests("/Update-Monthly.csv"), 0);
-  EXPECT_TRUE(Exists(data("Weekly/$NYA.csv")));
-  EXPECT_TRUE(Exists(data("Quarterly/$SOX.csv")));
-  EXPECT_FALSE(Exists(data("Quarterly/$NYA.csv")));
-  EXPECT_EQ(Requests("NYSEQuarterly"), 0);
-}
-
 TEST_F(RunTest, AllDailyWithForceFullFetchesTheWholeMasterListEveryRun) {
   ASSERT_EQ(RunIn({"settings", "AllDailyForceFull=1"}).code, 0);
   ASSERT_EQ(RunIn({"list", "6", "vendor", "eSignal", "periods", "D"}).code, 0);

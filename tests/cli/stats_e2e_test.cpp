@@ -101,15 +101,6 @@ TEST_F(StatsRunTest, DatesAndZeroReplacementFollowTheSettings) {
                           [](const std::string& l) { return l.substr(10) == ",-1"; }));
 }
 
-TEST_F(StatsRunTest, AListWhoseRunWithBoxIsClearMakesNoFilesButSaysItIsDone) {
-  Settings({"UpTrends=1", "AutoCreateOneStatFiles=1", "RunWithList2=0"});
-  const CliResult run = RunList(2);
-  ASSERT_EQ(run.code, 0);
-  EXPECT_FALSE(Exists(data("UpTrends/Daily/$NYA-UpTrends.csv")));
-  EXPECT_FALSE(Exists(data("UpTrends/Daily/$SOX-UpTrends.csv")));
-  EXPECT_TRUE(Exists(data("Daily/$NYA.csv"))) << "the run itself went ahead";
-}
-
 TEST_F(StatsRunTest, PriceFilesComeWithEveryUpdatedDatafile) {
   Settings({"MakeMetaStockPxFiles=1", "OHLCVV=1", "EqWtOHLCVV=1", "UserDefFile1=1",
             "Stat1File1=ClosePx"});

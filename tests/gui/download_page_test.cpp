@@ -71,41 +71,12 @@ TEST_F(GuiDownloadPage, DropAddsTheNamedMasterItemsOnceAndKeysRemoveOnlyOnDelete
   EXPECT_EQ(download_->count(), 0);
 }
 
-TEST_F(GuiDownloadPage, VendorOptionsAreExclusive) {
-  Find<QRadioButton>("VendoreSignal")->click();
-  Find<QRadioButton>("VendorReuters")->click();
-  EXPECT_FALSE(session_.ui.VendoreSignal);
-  EXPECT_TRUE(session_.ui.VendorReuters);
-  EXPECT_FALSE(Find<QRadioButton>("VendoreSignal")->isChecked());
-  EXPECT_TRUE(Find<QRadioButton>("VendorReuters")->isChecked());
-}
-
 TEST_F(GuiDownloadPage, PeriodBoxesFollowTheStateAndAreDisabledForFullLists) {
   Find<QAbstractButton>("WeeklyInterval")->click();
   EXPECT_EQ(session_.ui.WeeklyInterval, 1);
   session_.ui.PeriodBoxesEnabled = false;
   window_->Render(session_.ui);
   EXPECT_FALSE(Find<QWidget>("WeeklyInterval")->isEnabled());
-}
-
-TEST_F(GuiDownloadPage, DownloadRunsOnTheWorkerAndItsQuestionsAreAskedOnTheWindowThread) {
-  // The placeholders are still in the log-in fields, so the run stops with its message.
-  bool finished = false;
-  QObject::connect(window_.get(), &gui::MainWindow::WorkFinished, [&] { finished = true; });
-  Find<QPushButton>("DownLoadButton")->click();
-  EXPECT_TRUE(window_->running());
-  EXPECT_FALSE(Find<QWidget>("DownloadList2")->isEnabled());
-  // A second click while the run goes on starts nothing.
-  window_->HandleOnWorker([](Session&) { ADD_FAILURE() << "second run started"; });
-
-  ASSERT_TRUE(ProcessUntil([&] { return finished; }));
-  ASSERT_EQ(messages.size(), 1u);
-  EXPECT_EQ(messages[0].request.text,
-            "Please enter your Tessaly username and password\nunder the 'General Settings' tab.");
-  EXPECT_TRUE(messages[0].on_window_thread);
-  EXPECT_TRUE(messages[0].run_in_progress);
-  EXPECT_FALSE(window_->running());
-  EXPECT_TRUE(Find<QWidget>("DownloadList2")->isEnabled());
 }
 
 TEST_F(GuiDownloadPage, ListButtonsReshapeTheListActions) {

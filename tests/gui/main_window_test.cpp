@@ -41,25 +41,6 @@ TEST_F(GuiWindow, RendersCaptionsTitleAndTabsFromTheState) {
   EXPECT_EQ(button->text(), "Save && Go");
 }
 
-TEST_F(GuiWindow, SpecialFunctionsTabFollowsTheCheckBox) {
-  QTabWidget* tabs = window_->tabs();
-  EXPECT_FALSE(tabs->isTabVisible(kSpecialFunctionsTab));
-  auto* browse = Find<QPushButton>("BrowseToMSPxFilePath");
-  EXPECT_TRUE(browse->isHidden());
-
-  Find<QCheckBox>("ImplementSpecialFunctions")->click();
-  EXPECT_EQ(session_.ui.ImplementSpecialFunctions, 1);
-  EXPECT_TRUE(tabs->isTabVisible(kSpecialFunctionsTab));
-  EXPECT_FALSE(browse->isHidden());
-  EXPECT_TRUE(Find<QLineEdit>("PathToMSPxFiles")->font().bold());
-
-  // Unticking hides the tab only; the emphasis and the browse button stay.
-  Find<QCheckBox>("ImplementSpecialFunctions")->click();
-  EXPECT_FALSE(tabs->isTabVisible(kSpecialFunctionsTab));
-  EXPECT_FALSE(browse->isHidden());
-  EXPECT_TRUE(Find<QLineEdit>("PathToMSPxFiles")->font().bold());
-}
-
 TEST_F(GuiWindow, EditsRunTheControlsChangeHandlers) {
   auto* retries = Find<QLineEdit>("RetryNumber");
   retries->setFocus();
@@ -86,42 +67,6 @@ TEST_F(GuiWindow, EditsRunTheControlsChangeHandlers) {
   Find<QAbstractButton>("SystemMessagesNo")->click();
   EXPECT_TRUE(Find<QAbstractButton>("SystemMessagesNo")->isChecked());
   EXPECT_TRUE(session_.ui.SystemMessagesNo);
-}
-
-TEST_F(GuiWindow, DropDownsTakeItemsAndFreeText) {
-  auto* limit = Find<QComboBox>("MaxFilenameLength");
-  ASSERT_EQ(static_cast<std::size_t>(limit->count()), session_.ui.MaxFilenameLengthItems.size());
-  limit->setCurrentIndex(2);
-  EXPECT_EQ(session_.ui.MaxFilenameLength, session_.ui.MaxFilenameLengthItems[2]);
-  // The second column of user file 3 is no setting; it is still the window's to change.
-  auto* column = Find<QComboBox>("Stat2File3");
-  column->setEditText("ClosePx");
-  EXPECT_EQ(session_.ui.Stat2File3, "ClosePx");
-  EXPECT_EQ(session_.ui.Stat1File3, "Select One");
-}
-
-TEST_F(GuiWindow, HelpButtonsShowTheirPageAtItsAnchorAndStayBoldAsTheCoreSays) {
-  window_->show();
-  window_->tabs()->setCurrentIndex(1);
-  auto* browser = Find<gui::HelpBrowser>("WebBrowser2");
-  EXPECT_TRUE(browser->source().toLocalFile().endsWith("SetupOverview.htm"));
-  Find<QPushButton>("DownloadSettings")->click();
-  QApplication::processEvents();
-  EXPECT_EQ(browser->verticalScrollBar()->value(), 0);
-  // The anchor's section is short and ends the page; it must still come to the top of the view.
-  Find<QPushButton>("FullDownloads")->click();
-  QApplication::processEvents();
-  EXPECT_TRUE(browser->source().toLocalFile().endsWith("DownloadSettings.htm"));
-  EXPECT_EQ(browser->source().fragment(), "FullDownloads");
-  EXPECT_GT(browser->verticalScrollBar()->value(), 0);
-  EXPECT_EQ(browser->cursorForPosition(QPoint(10, 10)).block().text(), "Full Downloads");
-  EXPECT_TRUE(Find<QPushButton>("FullDownloads")->font().bold());
-
-  Find<QPushButton>("SpecialFunctions")->click();
-  Find<QPushButton>("SetUpOverview")->click();
-  EXPECT_TRUE(Find<QPushButton>("SpecialFunctions")->font().bold());
-  EXPECT_TRUE(Find<QPushButton>("SetUpOverview")->font().bold());
-  EXPECT_FALSE(Find<QPushButton>("FullDownloads")->font().bold());
 }
 
 TEST_F(GuiWindow, ReportFromAnotherThreadIsRenderedOnTheWindowThread) {
@@ -152,33 +97,6 @@ TEST_F(GuiWindow, ReportFromTheWindowThreadNeverRepaintsAnOlderState) {
   window_->Render(session_.ui);
   QApplication::processEvents();
   EXPECT_EQ(Find<QPushButton>("DownLoadButton")->text(), "final");
-}
-
-TEST_F(GuiWindow, ClosingAsksOnceAndCancelKeepsTheWindow) {
-  window_->show();
-  answers = {Answer::kCancel};
-  window_->close();
-  EXPECT_TRUE(window_->isVisible());
-  ASSERT_EQ(messages.size(), 1u);
-  EXPECT_EQ(messages[0].request.title, "Save Dialog");
-
-  // An Exit button asks the question itself; the close that follows must not ask again.
-  answers = {Answer::kNo};
-  Find<QPushButton>("Exit2")->click();
-  EXPECT_FALSE(window_->isVisible());
-  EXPECT_EQ(messages.size(), 2u);
-}
-
-TEST_F(GuiWindow, ChoosingATabIsRememberedButARunCanBringAPageForward) {
-  window_->tabs()->setCurrentIndex(2);
-  EXPECT_EQ(session_.ui.CurrentTab, 2);
-  // A render that does not change CurrentTab leaves the user's page in front.
-  window_->Render(session_.ui);
-  EXPECT_EQ(window_->tabs()->currentIndex(), 2);
-  WindowState reported = session_.ui;
-  reported.CurrentTab = kDownloadTab;
-  window_->Render(reported);
-  EXPECT_EQ(window_->tabs()->currentIndex(), kDownloadTab);
 }
 
 }  // namespace

@@ -43,31 +43,6 @@ TEST_F(GuiPageControls, EnterInTheSearchFieldSelectsAndEverySearchSaysWhatItFoun
   EXPECT_TRUE(result->text().isEmpty());
 }
 
-TEST_F(GuiPageControls, ButtonsForOutsideProgramsReachTheirHandlers) {
-  const std::string desktop = dir_ / "Desktop/";
-  ASSERT_TRUE(CreateFolder(desktop));
-  setenv("XDG_DESKTOP_DIR", desktop.c_str(), 1);
-
-  Find<QCheckBox>("ImplementSpecialFunctions")->click();  // the page of the MetaStock buttons
-  Find<QPushButton>("Help")->click();                     // the converter has written no log yet
-  ASSERT_EQ(messages.size(), 1u);
-  EXPECT_NE(messages[0].request.text.find("has not written its log yet"), std::string::npos);
-
-  chosen_file = "$INDU.csv";
-  Find<QPushButton>("OpenSampleDirectory")->click();
-  EXPECT_EQ(opened, std::vector<std::string>{SampleDataFolder(session_) + "$INDU.csv"});
-
-  // Nothing opens to show the shortcut, so the status line says where it went.
-  Find<QPushButton>("CreateShortcut")->click();
-  EXPECT_TRUE(Exists(ShortcutPath()));
-  EXPECT_EQ(Find<QLabel>("StatusText")->text().toStdString(),
-            "A shortcut to Corvanet was put on your desktop: " + ShortcutPath());
-  unsetenv("XDG_DESKTOP_DIR");
-
-  Find<QPushButton>("CheckForUpdates")->click();
-  EXPECT_EQ(messages.back().request.title, "Check For Updates");
-}
-
 TEST_F(GuiPageControls, AnEightHundredBySixHundredWindowClipsNothingOnTheDownloadPage) {
   session_.ui.DownLoadButton.caption =
       "Daily Data - Now Updating Datafile 2 of 45 Total Datafiles On List 'All Periods'";

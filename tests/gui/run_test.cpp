@@ -114,24 +114,6 @@ TEST_F(GuiRun, DuringARunOnlyStopAndWhatShowsTheRunAreLive) {
   EXPECT_TRUE(Find<QWidget>("StopRun")->isHidden());
 }
 
-TEST_F(GuiRun, TheConvertersProgressIsShownWhileTheRunWaitsOnIt) {
-  std::atomic<bool> seen{false};
-  window_->StartRun([&seen](Session& s) {
-    // As the run does while a converter batch goes: captions set, then waits with pauses.
-    s.ui.DownLoadButton.caption = "Generating Metastock Price Files ... (Started at 1:00:00 PM)";
-    s.ui.Label13.caption = "Generating Metastock Price Files";
-    while (!seen) Pause(s, 0.25);
-  });
-  auto* label = Find<QLabel>("Label13");
-  EXPECT_TRUE(
-      ProcessUntil([label] { return label->text() == "Generating Metastock Price Files"; }));
-  EXPECT_TRUE(label->isEnabled());
-  EXPECT_EQ(Find<QPushButton>("DownLoadButton")->text(),
-            "Generating Metastock Price Files ... (Started at 1:00:00 PM)");
-  seen = true;
-  EXPECT_TRUE(WaitUntilIdle());
-}
-
 TEST_F(GuiRun, ClosingDuringARunAsksThenStopsBetweenDatafilesAndCloses) {
   window_->show();
   StartSlowRun(1500);
@@ -157,21 +139,6 @@ TEST_F(GuiRun, ClosingDuringARunAsksThenStopsBetweenDatafilesAndCloses) {
   EXPECT_FALSE(Exists(session_.ui.PathToDataFiles + "Daily/$XAX.csv"));
   EXPECT_EQ(session_.ui.RunOutcome.caption.rfind("STOPPED: ", 0), 0u);
   EXPECT_TRUE(session_.ui.RunFailed);
-}
-
-TEST_F(GuiRun, StopEndsTheRunAfterTheDatafileInHandAndTheWindowStaysOpen) {
-  window_->show();
-  StartSlowRun(1500);
-  Click("StopRun");
-  EXPECT_FALSE(Find<QWidget>("StopRun")->isEnabled());
-  EXPECT_NE(Find<QLabel>("StatusText")->text().indexOf("Stopping"), -1);
-  ASSERT_TRUE(WaitUntilIdle());
-  EXPECT_TRUE(window_->isVisible());
-  EXPECT_FALSE(Exists(session_.ui.PathToDataFiles + "Daily/$XAX.csv"));
-  EXPECT_TRUE(Outcome()->failed());
-  EXPECT_NE(Outcome()->text().indexOf("Run stopped at the user's request: 1 datafile(s) not tried"),
-            -1)
-      << Outcome()->text().toStdString();
 }
 
 }  // namespace

@@ -45,13 +45,6 @@ TEST(GuiShell, WorkerThreadWaitsForTheAnswerGivenOnTheWindowThread) {
   EXPECT_EQ(seen.icon, Icon::kQuestion);
 }
 
-TEST(GuiShell, OnlyTheDeleteKeyMapsToTheDeleteCode) {
-  EXPECT_EQ(gui::VirtualKeyCode(Qt::Key_Delete), 46);
-  EXPECT_NE(gui::VirtualKeyCode(Qt::Key_Period), 46);
-  EXPECT_EQ(gui::VirtualKeyCode(Qt::Key_A), 65);
-  EXPECT_EQ(gui::VirtualKeyCode(Qt::Key_F1), 0);
-}
-
 using GuiFolderBrowse = GuiTest;
 
 TEST_F(GuiFolderBrowse, ChosenDataFolderGetsItsSeparatorAndPeriodFolders) {
@@ -62,21 +55,6 @@ TEST_F(GuiFolderBrowse, ChosenDataFolderGetsItsSeparatorAndPeriodFolders) {
   for (const char* period : {"Daily", "Weekly", "Monthly", "Quarterly"}) {
     EXPECT_TRUE(DirectoryExists(chosen + "/" + period)) << period;
   }
-}
-
-TEST_F(GuiFolderBrowse, CancelKeepsTheFieldAndListFolderGetsNoPeriodFolders) {
-  const std::string lists_before = session_.ui.PathToLists;
-  gui::ApplyBrowsedFolder(session_, gui::FolderKind::kLists, "");
-  EXPECT_EQ(session_.ui.PathToLists, lists_before);
-  EXPECT_FALSE(DirectoryExists(lists_before + "Daily"));
-
-  // Cancelled or not, the price-file folder gets its period folders.
-  session_.ui.PathToMSPxFiles = dir_ / "Px/";
-  ASSERT_TRUE(CreateFolder(session_.ui.PathToMSPxFiles));
-  gui::ApplyBrowsedFolder(session_, gui::FolderKind::kMSPxFiles, "");
-  EXPECT_TRUE(DirectoryExists(session_.ui.PathToMSPxFiles + "Quarterly"));
-  EXPECT_EQ(gui::BrowseTitle(gui::FolderKind::kMSPxFiles),
-            "Browse to your composite list directory & 'Save'");
 }
 
 }  // namespace

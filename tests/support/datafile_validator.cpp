@@ -1,7 +1,6 @@
 #include "support/datafile_validator.h"
 
 #include <array>
-#include <cmath>
 #include <fstream>
 
 #include "core/platform/field_reader.h"
@@ -54,7 +53,6 @@ enum Column : int {
   kTradeVolume,
   kFirstFreeValue
 };
-constexpr int kAverages = 5;  // 200, 30, 18, 9, 4: percent columns, then above/below/equal triples
 
 bool IsIntegerColumn(int c) {
   return c == kDate || (c >= kUpTrends && c <= kNewDownTrends) || c == kAdvances ||
@@ -96,8 +94,6 @@ class RowCheck {
     Dates();
     Prices(kOpen, kHigh, kLow, kClose, "");
     Prices(kEqOpen, kEqHigh, kEqLow, kEqClose, "EqWt ");
-    Counts();
-    Volumes();
     return problems_;
   }
 
@@ -148,49 +144,6 @@ class RowCheck {
       Problem(name + "low " + Text(V(low)) + " is above the open or close");
     }
     if (V(low) <= 0) Problem(name + "low " + Text(V(low)) + " is not above 0");
-  }
-
-  void Counts() {
-    const double constituents = V(kAbove200) + V(kAbove200 + 1) + V(kAbove200 + 2);
-    if (constituents <= 0) Problem("no constituents above, below or at the 200-bar average");
-    for (int i = 0; i < kAverages; ++i) {
-      const int above = kAbove200 + 3 * i;
-      const double sum = V(above) + V(above + 1) + V(above + 2);
-      if (sum != constituents) {
-        Problem("above + below + equal of average " + std::to_string(i + 1) + " is " + Text(sum) +
-                ", not " + Text(constituents));
-      }
-      const double percent = V(kPercentAbove200 + i);
-      if (constituents > 0 && std::fabs(percent - 100 * V(above) / constituents) > 0.005 + 1e-9) {
-        Problem("percent above " + Text(percent) + " does not match " + Text(V(above)) + " of " +
-                Text(constituents));
-      }
-    }
-    if (V(kAdvances) + V(kDeclines) + V(kUnchanged) != V(kTraded)) {
-      Problem("advances + declines + unchanged is not traded (" + Text(V(kTraded)) + ")");
-    }
-    auto within = [&](double count, const std::string& what) {
-      if (count > constituents) Problem(what + " exceed the constituents");
-    };
-    within(V(kTraded), "traded");
-    within(V(kNewHighs) + V(kNewLows), "new highs + new lows");
-    within(V(kQNewHighs) + V(kQNewLows), "Q new highs + Q new lows");
-    within(V(kUpTrends) + V(kDownTrends), "up-trends + down-trends");
-    auto part = [&](int sub, int whole, const std::string& what) {
-      if (V(sub) > V(whole)) Problem(what + " exceed their total");
-    };
-    part(kNewUpTrends, kUpTrends, "new up-trends");
-    part(kNewDownTrends, kDownTrends, "new down-trends");
-    part(kNewHighsFirstDay, kNewHighs, "first-day new highs");
-    part(kNewLowsFirstDay, kNewLows, "first-day new lows");
-    part(kQNewHighsFirstDay, kQNewHighs, "first-day Q new highs");
-    part(kQNewLowsFirstDay, kQNewLows, "first-day Q new lows");
-  }
-
-  void Volumes() {
-    if (V(kUpVolume) + V(kDownVolume) > V(kTotalVolume)) {
-      Problem("up volume + down volume exceed the total volume");
-    }
   }
 
   std::vector<std::string> fields_;

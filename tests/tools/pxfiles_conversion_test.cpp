@@ -152,19 +152,5 @@ TEST_F(PxFilesConversion, ARunKilledBeforeMasterWasWrittenIsCompletedByTheNext) 
   EXPECT_EQ(folder.securities[1].data_file, "F2.DAT");
 }
 
-TEST_F(PxFilesConversion, WithoutTheProgramFolderTheLogGoesToTheCurrentFolder) {
-  const std::string price = dir_ / "prices.csv";
-  WriteFile(price, PriceFileText("$SOX", "Semis", 'D', MakeBars(2, 20250106, 5)));
-  const ProgramResult run = RunProgram(
-      "/bin/sh", {"-c",
-                  "cd \"$1\" && exec env -u CORVANET_PROGRAM_DIRECTORY \"$2\" -r fileReplace "
-                  "-o out -f \"$3\"",
-                  "sh", dir_.path(), BinaryPath("PxFiles"), price});
-  ASSERT_EQ(run.exit_code, 0) << run.err;
-  const std::string log = ReadFile(dir_ / "MSXlog.txt");
-  EXPECT_NE(log.find(" $SOX: 2 bars written to out as F1.DAT\r\n"), std::string::npos) << log;
-  EXPECT_EQ(ReadMetastockFolder(dir_ / "out").securities.size(), 1u);
-}
-
 }  // namespace
 }  // namespace corvanet::test

@@ -11,29 +11,6 @@ namespace {
 
 using PxFilesErrors = PxFilesTest;
 
-TEST_F(PxFilesErrors, UsageMistakesExitWithStatus2) {
-  struct Case {
-    std::vector<std::string> args;
-    const char* message;
-  } cases[] = {
-      {{}, "option -f is missing"},
-      {{"-f", "p.csv", "-r", "fileReplace"}, "option -o is missing"},
-      {{"-f", "p.csv", "-o", "out"}, "option -r is missing"},
-      {{"-f", "p.csv", "-r", "fileAppend", "-o", "out"}, "-r takes only fileReplace"},
-      {{"-f", "p.csv", "-r", "fileReplace", "-o"}, "option -o needs a value"},
-      {{"-f", "a", "-f", "b", "-r", "fileReplace", "-o", "out"}, "option -f is given twice"},
-      {{"stray", "-f", "p.csv", "-r", "fileReplace", "-o", "out"}, "unknown argument 'stray'"},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.message);
-    const ProgramResult run = RunPxFiles(c.args);
-    EXPECT_EQ(run.exit_code, 2);
-    EXPECT_NE(run.err.find(c.message), std::string::npos) << run.err;
-    EXPECT_NE(run.err.find("usage: PxFiles -f"), std::string::npos);
-    EXPECT_NE(LastLogLine().find(c.message), std::string::npos);
-  }
-}
-
 std::string Row(std::string_view date, std::string_view close = " 1.5") {
   return "$NYA,NYSE Composite,D, " + std::string(date) + ", 1, 2, .5," + std::string(close) +
          ", 100, 0\r\n";

@@ -68,17 +68,6 @@ TEST(SettingsBadInputTest, UnusableLinesAreSkippedAndTheRestRead) {
   EXPECT_EQ(log.find(std::string(41, 'k')), std::string::npos);
 }
 
-TEST(SettingsBadInputTest, ValueHoldingACommaLosesItsTailToTheNextKey) {
-  TestSession t;
-  WriteLines(SettingsFile(t), {"UserName,ab,Password,cd", "IPAddress,host", "Password,\"x,y\""});
-  Session fresh = FreshSession(t);
-  LoadINI(fresh);
-  EXPECT_EQ(fresh.ui.UserName, "ab");
-  // The tail stays on its own line: the lines after it are read as written.
-  EXPECT_EQ(fresh.ui.IPAddress, "host");
-  EXPECT_EQ(fresh.ui.Password, "x,y");  // a quoted value keeps its comma
-}
-
 // Every text a user can save reads back exactly as typed; one the file cannot hold is refused
 // with a message and the old file stays.
 TEST(SettingsBadInputTest, TextsReadBackExactlyAsSaved) {

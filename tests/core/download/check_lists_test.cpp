@@ -55,33 +55,6 @@ TEST_F(CheckListsTest, RemovesWithdrawnSymbolsAndReportsThemPerList) {
   EXPECT_EQ(box.buttons, Buttons::kOk);
 }
 
-TEST_F(CheckListsTest, ListsThatKeepEverySymbolAreRewrittenUnchangedWithoutAMessage) {
-  const Lines lines = WithHeader({"Dow Jones,$INDU", "\"Acme, Inc.\",$NYA"});
-  t.WriteList(1, lines);
-  Check();
-  EXPECT_EQ(t.ReadList(1), lines);
-  EXPECT_TRUE(t.shell.boxes.empty());
-}
-
-TEST_F(CheckListsTest, TheVendorChosenNowDecidesTheReportedForm) {
-  const struct {
-    bool reuters, yahoo;
-    std::string reported;
-  } cases[] = {{true, false, "_DJI"}, {false, true, "^DJI"}, {false, false, "$INDU"}};
-  t.WriteMasterfile({"NYSE Composite,$NYA"}, false);
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.reported);
-    t.shell.Reset();
-    s.ui.VendorReuters = c.reuters;
-    s.ui.VendorYahoo = c.yahoo;
-    t.WriteList(3, WithHeader({"Dow,$INDU"}));
-    Check();
-    ASSERT_EQ(t.shell.boxes.size(), 1u);
-    EXPECT_EQ(t.shell.boxes[0].text,
-              std::string(kReportStart) + "Download List 3 - Symbol:  " + c.reported + "\r");
-  }
-}
-
 TEST_F(CheckListsTest, BrokenListsAreLeftAsTheyStoodWhileTheOthersAreChecked) {
   t.EnableLog();
   const Lines short_header = {"eSignal,eSignal", "DailyInterval,1"};

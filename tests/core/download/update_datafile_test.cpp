@@ -48,11 +48,42 @@ class UpdateDatafileTest : public ::testing::Test, public DownloadFixture {
   }
 };
 
-TEST_F(UpdateDatafileTest, AppendsTheUpdateRowsNewerThanTheLastCommonRow) {
-  WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({2, 3, 4, 5, 6}));
-  UpdateRowsFor({4, 5, 6, 7, 8});  // the base ends at slot 3
-  EXPECT_EQ(Merge().kind, Kind::kMerged);
-  EXPECT_EQ(Destination(), Expected({2, 3, 4, 5, 6, 7, 8}));
+// Merges that need no fetch: the update rows newer than the last common row are appended, at
+// most the symbol's five oldest update rows are used, base rows after the first common row are
+// dropped, and rows listed under the symbol without its first character count too.
+TEST_F(UpdateDatafileTest, MergesTheUpdateRowsAfterTheLastCommonRowWithoutFetching) {
+  const auto nyse = [](std::vector<int> days) {
+    std::vector<std::string> lines;
+    for (const int day : days) lines.push_back(UpdateLine("NYSE", Row(day)));
+    return lines;
+  };
+  const struct {
+    const char* what;
+    std::vector<int> base;
+    std::vector<std::string> update;
+    std::vector<int> destination;
+  } cases[] = {
+      {"appends", {2, 3, 4, 5, 6}, nyse({4, 5, 6, 7, 8}), {2, 3, 4, 5, 6, 7, 8}},
+      {"five oldest only", {1, 2, 3}, nyse({2, 3, 4, 5, 6, 7, 8}), {1, 2, 3, 4, 5, 6}},
+      {"up to date", {6, 7, 8, 9, 10}, nyse({6, 7, 8, 9, 10}), {6, 7, 8, 9, 10}},
+      {"no repeat of the match", {1, 2, 3}, nyse({2, 3}), {1, 2, 3}},
+      {"a repeated base row is left out", {1, 2, 2, 3}, nyse({3, 4}), {1, 2, 3, 4}},
+      {"first character dropped",
+       {1, 2},
+       {UpdateLine("NYSE", Row(2)), UpdateLine("YSE", Row(3)), UpdateLine("SE", Row(4)),
+        UpdateLine("NYSE", Row(5))},
+       {1, 2, 3, 5}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    std::filesystem::remove(daily("$NYA.csv"));
+    WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile(c.base));
+    std::vector<std::string> update{UpdateLine("SOX", Row(c.base.back(), "7"))};
+    update.insert(update.end(), c.update.begin(), c.update.end());
+    WriteUpdateFile(update);
+    EXPECT_EQ(Merge().kind, Kind::kMerged);
+    EXPECT_EQ(Destination(), Expected(c.destination));
+  }
   EXPECT_EQ(service.total_requests(), 0);
 }
 
@@ -65,28 +96,6 @@ TEST_F(UpdateDatafileTest, QuotedHeaderNamesHoldingCommasDoNotMakeTheBaseLookGar
   EXPECT_EQ(Merge().kind, Kind::kMerged);
   EXPECT_EQ(Destination(), (std::vector<std::string>{header, Row(2), Row(3), Row(4)}));
   EXPECT_EQ(service.total_requests(), 0);
-}
-
-TEST_F(UpdateDatafileTest, UsesOnlyTheFiveOldestRowsOfASymbol) {
-  WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2, 3}));
-  UpdateRowsFor({2, 3, 4, 5, 6, 7, 8});
-  EXPECT_EQ(Merge().kind, Kind::kMerged);
-  EXPECT_EQ(Destination(), Expected({1, 2, 3, 4, 5, 6}));
-}
-
-TEST_F(UpdateDatafileTest, DropsBaseRowsAfterTheFirstCommonRowAndKeepsAnUpToDateBase) {
-  // The base already holds the newest update row: nothing is appended, and a base row that
-  // follows the first common row is dropped.
-  WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({6, 7, 8, 9, 10}));
-  UpdateRowsFor({6, 7, 8, 9, 10});
-  EXPECT_EQ(Merge().kind, Kind::kMerged);
-  EXPECT_EQ(Destination(), Expected({6, 7, 8, 9, 10}));
-
-  std::filesystem::remove(daily("$NYA.csv"));
-  WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2, 3}));
-  UpdateRowsFor({2, 3});
-  EXPECT_EQ(Merge().kind, Kind::kMerged);
-  EXPECT_EQ(Destination(), Expected({1, 2, 3})) << "rows of the match's date are not repeated";
 }
 
 TEST_F(UpdateDatafileTest, ARevisedRowDoesNotCountAsCommon) {
@@ -112,26 +121,6 @@ TEST_F(UpdateDatafileTest, OneRowBehindFetchesAFreshBaseOnceAndMergesIt) {
             std::string::npos);
 }
 
-TEST_F(UpdateDatafileTest, EveryLogLineCarriesLogDetailInItsMiddleField) {
-  WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2, 3}));
-  UpdateRowsFor({5, 6});
-  service.SetFile(kRemote, Datafile({1, 2, 3, 4, 5}));
-  session.app.LogDetail = "Not Set";
-  session.ui.GenerateLogFile = 1;
-  SetDatafileNames(session);
-  EXPECT_EQ(Merge().kind, Kind::kFetchedWhole);
-  const std::vector<std::string> lines = ReadLines(session.app.ProgramDirectory + "LogFile.txt");
-  std::string log;
-  for (const std::string& line : lines) log += line + "\n";
-  for (const char* step : {"SetDatafileNames", "UpdateDatafile", "RetrieveDataFile",
-                           "UpdateDatafile - $NYA.csv$NYA - Can't update - getting full file"}) {
-    EXPECT_NE(log.find(std::string(" - Not Set - ") + step + "\n"), std::string::npos) << step;
-  }
-  for (const std::string& line : lines) {
-    EXPECT_EQ(line.substr(8, 13), " - Not Set - ") << line;
-  }
-}
-
 // The service's whole file is the datafile when the update file does not cover it, and so is a
 // header alone for a composite that has no bars yet; an error page is never a datafile.
 TEST_F(UpdateDatafileTest, AFreshWholeFileWithoutOverlapIsTheDatafile) {
@@ -143,8 +132,7 @@ TEST_F(UpdateDatafileTest, AFreshWholeFileWithoutOverlapIsTheDatafile) {
   } cases[] = {
       {Datafile({1, 2, 3, 4}), Kind::kFetchedWhole, "the update file does not cover it",
        Expected({1, 2, 3, 4})},
-      {Header() + "\r\n", Kind::kFetchedWhole, "the service has no rows for it yet",
-       {Header()}},
+      {Header() + "\r\n", Kind::kFetchedWhole, "the service has no rows for it yet", {Header()}},
       {"<html><body>Service Unavailable</body></html>\r\n", Kind::kFailed, "", {}},
   };
   for (const auto& c : cases) {
@@ -174,20 +162,6 @@ TEST_F(UpdateDatafileTest, AFailedFallbackFetchLeavesDestinationAndBaseAsTheySto
   EXPECT_EQ(ReadFile(base("NYSEDaily-CompositeStats.csv")), Datafile({1, 2}));
 }
 
-TEST_F(UpdateDatafileTest, AGarbledBaseRowIsNeverMergedIntoTheDestination) {
-  WriteFile(base("NYSEDaily-CompositeStats.csv"),
-            Header() + "\r\n" + Row(1) + "\r\nD,2024,garbage\r\n" + Row(3) + "\r\n");
-  WriteFile(daily("$NYA.csv"), Datafile({1}));
-  UpdateRowsFor({3, 4});
-  service.SetFile(kRemote, "<html>not a datafile</html>\r\n");
-  EXPECT_EQ(Merge().kind, Kind::kFailed);
-  EXPECT_EQ(Destination(), Expected({1}));
-
-  service.SetFile(kRemote, Datafile({1, 2, 3}));
-  EXPECT_EQ(Merge().kind, Kind::kFetchedWhole);
-  EXPECT_EQ(Destination(), Expected({1, 2, 3, 4}));
-}
-
 TEST_F(UpdateDatafileTest, EmptyBaseIsFetchedAndAOneByteBaseCountsAsPresent) {
   WriteFile(base("NYSEDaily-CompositeStats.csv"), "");
   service.SetFile(kRemote, Datafile({1, 2, 3}));
@@ -211,14 +185,6 @@ TEST_F(UpdateDatafileTest, AMissingBaseCopyThatCannotBeFetchedFails) {
   EXPECT_FALSE(CheckForDataFile(session, reason));
   EXPECT_NE(reason.find("HTTP 404"), std::string::npos);
   EXPECT_FALSE(Exists(base("NYSEDaily-CompositeStats.csv")));
-}
-
-TEST_F(UpdateDatafileTest, RowsOfTheSymbolWithoutItsFirstCharacterCountToo) {
-  WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2}));
-  WriteUpdateFile({UpdateLine("NYSE", Row(2)), UpdateLine("YSE", Row(3)), UpdateLine("SE", Row(4)),
-                   UpdateLine("NYSE", Row(5))});
-  EXPECT_EQ(Merge().kind, Kind::kMerged);
-  EXPECT_EQ(Destination(), Expected({1, 2, 3, 5}));
 }
 
 TEST_F(UpdateDatafileTest, NothingIsReadOrWrittenOnceFiveFetchesWereMade) {

@@ -44,53 +44,6 @@ TEST_F(ListEditingTest, SearchAddsMatchesInAnyLetterCaseOnce) {
   EXPECT_TRUE(t.shell.boxes.empty());
 }
 
-TEST_F(ListEditingTest, SearchSaysWhatItFound) {
-  struct Case {
-    const char* text;
-    const char* result;
-  };
-  const Case cases[] = {
-      {"Bond", "No index or ETF holds \"Bond\"."},
-      {"dow", "2 index(es) or ETF(s) holding \"dow\" added to the list."},
-      {"DOW JONES", "Every index or ETF holding \"DOW JONES\" is already on the list."},
-  };
-  for (const Case& c : cases) {
-    s.ui.Text5 = c.text;
-    AddByString_Click(s);
-    EXPECT_EQ(s.ui.SearchResult, c.result);
-  }
-  s.ui.List5.Clear();
-  AddByString_Click(s);
-  EXPECT_EQ(s.ui.SearchResult, "There is no list of indexes and ETFs to search yet.");
-}
-
-TEST_F(ListEditingTest, MoveAllShortensNamesBeforeTheirFirstBracket) {
-  s.ui.List6.Add("Old,$OLD");
-  MoveAllToDownloadList_Click(s);
-  EXPECT_EQ(s.ui.List6.items, (Lines{"Dow Jones Industrial Ave.,$INDU", "Dow Jones Transport,$TRAN",
-                                     "NYSE Composit,$NYA", "Nasdaq,$COMPQ", ",$UN"}));
-  EXPECT_EQ(ShortenedIssueName(""), "");
-  EXPECT_EQ(ShortenedIssueName("X"), "");
-  EXPECT_EQ(ShortenedIssueName("A(b)"), "");
-}
-
-TEST_F(ListEditingTest, DragAndDropAppendsTheMissingPositionsInOrder) {
-  s.ui.List6.Add("NYSE COMPOSITE,$NYA");
-  Select(s.ui.List5, {0, 2, 4});
-  const std::string drag = List5_OLEStartDrag(s);
-  EXPECT_EQ(drag, "0|2|4");
-  List6_OLEDragDrop(s, drag);
-  EXPECT_EQ(s.ui.List6.items, (Lines{"NYSE COMPOSITE,$NYA",
-                                     "Dow Jones Industrial Ave. (DJIA),$INDU", "(Unnamed),$UN"}));
-  // Text from elsewhere: every part that names no master position is passed over.
-  t.EnableLog();
-  List6_OLEDragDrop(s, "x|1| 3 |99|-1||2.5");
-  EXPECT_EQ(s.ui.List6.items.size(), 5u);
-  EXPECT_EQ(s.ui.List6.items[3], "Dow Jones Transports,$TRAN");
-  EXPECT_EQ(s.ui.List6.items[4], "Nasdaq (Composite) Index,$COMPQ");
-  EXPECT_NE(t.LogText().find("\"99\" is no master list position"), std::string::npos);
-}
-
 TEST_F(ListEditingTest, DeleteAndDoubleClickRemoveEverySelectedItem) {
   for (const char* item : {"a,$A", "b,$B", "c,$C", "d,$D", "e,$E", "f,$F"}) s.ui.List6.Add(item);
   Select(s.ui.List6, {0, 2, 3, 5});
@@ -119,28 +72,6 @@ TEST_F(ListEditingTest, NoListLoadedRefusesEveryEditButTheSilentDrop) {
   ClearList_Click(s);  // clears first, then asks for a list
   EXPECT_TRUE(s.ui.List6.items.empty());
   EXPECT_EQ(t.shell.texts(), Lines(4, "Please load a download list!"));
-}
-
-TEST_F(ListEditingTest, FullListsRefuseBulkEditsButTakeDropsAndDeletes) {
-  for (const char* list : {"6", "7"}) {
-    SCOPED_TRACE(list);
-    t.shell.Reset();
-    s.app.CurrentListNumber = list;
-    s.ui.List6.Clear();
-    s.ui.List6.Add("kept,$K");
-    AddByString_Click(s);
-    MoveAllToDownloadList_Click(s);
-    ClearList_Click(s);
-    EXPECT_EQ(t.shell.texts(),
-              (Lines{"Cannot add to or change this download list.",
-                     "Cannot change this download list.", "Cannot clear this download list."}));
-    EXPECT_EQ(s.ui.List6.items, Lines{"kept,$K"});
-    List6_OLEDragDrop(s, "2");
-    EXPECT_EQ(s.ui.List6.items, (Lines{"kept,$K", "NYSE Composite,$NYA"}));
-    Select(s.ui.List6, {0});
-    List6_KeyUp(s, kDeleteKeyCode);
-    EXPECT_EQ(s.ui.List6.items, Lines{"NYSE Composite,$NYA"});
-  }
 }
 
 }  // namespace

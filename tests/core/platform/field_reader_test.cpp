@@ -70,29 +70,6 @@ TEST(FieldReaderTest, LineEndsAndTrailingCommas) {
             (std::vector<Fields>{{"UserName", ""}, {"Password", "pw"}}));
 }
 
-TEST(FieldReaderTest, EmptyMissingAndClosedFiles) {
-  TempDir dir;
-  WriteFile(dir / "empty.csv", "");
-  WriteFile(dir / "blank.csv", "\r\n  \r\n\n");
-  EXPECT_TRUE(ReadPairs(dir / "empty.csv").empty());
-  EXPECT_TRUE(ReadPairs(dir / "blank.csv").empty());
-
-  FieldReader missing;
-  EXPECT_FALSE(missing.Open(dir / "missing.csv"));
-  std::string field = "old";
-  EXPECT_TRUE(missing.AtEnd());
-  EXPECT_FALSE(missing.ReadField(field));
-
-  WriteFile(dir / "one.csv", "a,b\r\nc,d\r\n");
-  FieldReader reader(dir / "one.csv");
-  ASSERT_TRUE(reader.ReadField(field));
-  reader.SkipRestOfLine();
-  ASSERT_TRUE(reader.ReadField(field));
-  EXPECT_EQ(field, "c");
-  reader.Close();
-  EXPECT_FALSE(reader.ReadField(field));
-}
-
 TEST(LineReaderTest, LongLinesAndEndingsAcrossBufferBoundaries) {
   TempDir dir;
   const std::size_t chunk = 64 * 1024;
@@ -117,16 +94,6 @@ TEST(LineReaderTest, LongLinesAndEndingsAcrossBufferBoundaries) {
   WriteFile(dir / "lf.txt", std::string(chunk - 1, 'x') + "\nmid\rdle\nend\r\n");
   EXPECT_EQ(AllLines(dir / "lf.txt"),
             (std::vector<std::string>{std::string(chunk - 1, 'x'), "mid\rdle", "end"}));
-}
-
-TEST(LineReaderTest, FieldReaderReadsAVeryLongField) {
-  TempDir dir;
-  const std::string long_value(200 * 1024, 'v');
-  WriteFile(dir / "f.csv", "key," + long_value + "\r\nnext,1\r\n");
-  const auto records = ReadPairs(dir / "f.csv");
-  ASSERT_EQ(records.size(), 2U);
-  EXPECT_EQ(records[0][1], long_value);
-  EXPECT_EQ(records[1], (Fields{"next", "1"}));
 }
 
 }  // namespace

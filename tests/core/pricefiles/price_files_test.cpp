@@ -41,20 +41,6 @@ class PriceFilesTest : public ::testing::Test {
   test::TestSession ts;
 };
 
-TEST_F(PriceFilesTest, UserColumnsAreLookedUpByNameAndUnknownNamesGiveZero) {
-  Tick("UserDefFile1");
-  Tick("UserDefFile3");
-  Choose("Stat1File1", "ClosePx");
-  ts.session.ui.Stat2File3 = "FV15";  // no settings line of its own, still a column
-  Choose("Stat6File3", "NewHighs1stDay");
-  WriteDatafile(data("Daily/$NYA.csv"), {CompositeLine().Set("FV15", "1E-05")});
-  CreateMetaStockPxFiles(ts.session);
-  EXPECT_EQ(ReadLines(data("PxFile1/Daily/$NYA.csv")),
-            (Lines{kHeader, "$NYA,NYSE Composite,D, 20121102, 7, 0, 0, 0, 0, 0"}));
-  EXPECT_EQ(ReadLines(data("PxFile3/Daily/$NYA.csv")),
-            (Lines{kHeader, "$NYA,NYSE Composite,D, 20121102, 0, 1E-05, 0, 0, 0, 46"}));
-}
-
 // Every failure leaves all of the datafile's price files as they were and logs the trap line.
 TEST_F(PriceFilesTest, FailuresLogTheTrapLineAndKeepTheOldFiles) {
   Tick("OHLCVV");
@@ -107,23 +93,6 @@ TEST_F(PriceFilesTest, FailuresLogTheTrapLineAndKeepTheOldFiles) {
   }
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(data("PX/Daily")), {}), 1)
       << "no temporary file is left behind";
-}
-
-TEST_F(PriceFilesTest, FolderHandlersMakeTheKindsFoldersWhenTicked) {
-  const WindowState& ui = ts.session.ui;
-  Tick("OHLCVV");
-  Tick("EqWtOHLCVV");
-  Tick("UserDefFile2");
-  for (const char* period : {"Daily", "Weekly", "Monthly", "Quarterly"}) {
-    const std::string p(period);
-    EXPECT_TRUE(Exists(data("PX/" + p)));
-    EXPECT_TRUE(Exists(data("PxEqWt/" + p)));
-    EXPECT_TRUE(Exists(ui.PathToMSPxFiles + "EqWtPriceFiles/" + p));
-    EXPECT_TRUE(Exists(data("PxFile2/" + p)));
-    EXPECT_TRUE(Exists(ui.PathToMSPxFiles + "PxFile2/" + p));
-  }
-  EXPECT_FALSE(Exists(ui.PathToMSPxFiles + "PX"));
-  EXPECT_FALSE(Exists(data("PxFile1")));
 }
 
 }  // namespace

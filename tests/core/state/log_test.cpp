@@ -93,34 +93,5 @@ TEST(SettingsReportTest, SixteenLinesOfTheMainSettings) {
   EXPECT_EQ(Mode(LogFilePath(s)), 0600U);  // the report holds the password
 }
 
-TEST(SettingsReportTest, ClickingTheBoxEitherWayStartsTheLogAfresh) {
-  TestSession t;
-  Session& s = t.session;
-  t.EnableLog();
-  GenerateLogFile_Click(s);
-  const std::string report = t.LogText();
-  Log(s, "something - happened");
-  EXPECT_EQ(ReadLines(LogFilePath(s)).size(), 17U);
-
-  s.ui.GenerateLogFile = 0;
-  GenerateLogFile_Click(s);
-  EXPECT_EQ(t.LogText(), report);
-  s.ui.GenerateLogFile = 1;
-  Log(s, "again");
-  GenerateLogFile_Click(s);
-  EXPECT_EQ(t.LogText(), report);
-}
-
-TEST(SettingsReportTest, BeforeStartUpFixesTheProgramFolderItGoesToTheStartFolder) {
-  TestSession t;
-  Session& s = t.session;
-  s.app.ProgramDirectory.clear();
-  s.app.StartDirectory = t.dir / "start/";
-  CreateFolders(s.app.StartDirectory);
-  WriteSettingsReport(s);
-  EXPECT_EQ(LogFilePath(s), t.dir / "start/LogFile.txt");
-  EXPECT_EQ(ReadLines(t.dir / "start/LogFile.txt").at(2), "ProgramDirectory:  ");
-}
-
 }  // namespace
 }  // namespace corvanet::test

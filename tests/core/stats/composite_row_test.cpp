@@ -41,34 +41,6 @@ const std::pair<const char*, int> kNamedColumns[] = {
     {"FV2", 55},      {"FV15", 68},
 };
 
-TEST(CompositeRow, EveryNameFindsItsColumnAndUnknownNamesGiveZero) {
-  TempDir dir;
-  WriteDatafile(dir / "a.csv", {CompositeLine("Q", 20121231)});
-  const ReadResult read = ReadAll(dir / "a.csv");
-  ASSERT_EQ(read.rows.size(), 1u);
-  const CompositeRow& row = read.rows[0];
-  for (const auto& [name, column] : kNamedColumns) {
-    double value = -1;
-    ASSERT_TRUE(GetStatisticValue(row, name).ToDouble(value)) << name;
-    EXPECT_EQ(value, name == std::string("RowDate") ? 20121231 : column) << name;
-  }
-  EXPECT_EQ(row.RowDateText, "12/31/2012");
-
-  const StatisticValue period = GetStatisticValue(row, "Period");
-  EXPECT_EQ(period.kind, StatisticValue::Kind::kText);
-  EXPECT_EQ(period.text, "Q");
-  double number = 0;
-  EXPECT_FALSE(period.ToDouble(number)) << "text is no number";
-
-  for (const char* unknown : {"Select One", "", "upTrends", "RowDateText", "FV1", "FV16"}) {
-    const StatisticValue value = GetStatisticValue(row, unknown);
-    EXPECT_EQ(value.kind, StatisticValue::Kind::kEmpty) << unknown;
-    number = -1;
-    EXPECT_TRUE(value.ToDouble(number));
-    EXPECT_EQ(number, 0) << unknown;
-  }
-}
-
 TEST(CompositeRow, ReadsQuotesBlanksLineEndsAndLooseValues) {
   TempDir dir;
   const std::string quoted = CompositeLine("D", 20121101)
@@ -98,31 +70,6 @@ TEST(CompositeRow, ReadsQuotesBlanksLineEndsAndLooseValues) {
   EXPECT_EQ(GetStatisticValue(row, "FV2").kind, StatisticValue::Kind::kText);
   EXPECT_EQ(read.rows[1].Period, "W");
   EXPECT_EQ(read.rows[1].RowDate, 20121102);
-}
-
-TEST(CompositeRow, ColumnsLeftOutAreNeitherConvertedNorChecked) {
-  TempDir dir;
-  WriteDatafile(dir / "a.csv",
-                {CompositeLine().Set("PercentAbove4ma", "n/a").Set("UpTrends", "x")});
-  CompositeFile file;
-  ASSERT_TRUE(file.Open(dir / "a.csv") && ReadCompositeHeader(file));
-  CompositeRow row;
-  ColumnSet wanted;
-  wanted.set(FindColumn("ClosePx") - 1);
-  ASSERT_TRUE(ReadCompositeRow(file, row, wanted)) << file.error().Text();
-  EXPECT_EQ(row.ClosePx, 7);
-  EXPECT_EQ(row.UpTrends, 0) << "not converted";
-  EXPECT_EQ(file.FieldText(FindColumn("UpTrends")), "x");
-  EXPECT_FALSE(ReadCompositeColumn(file, row, FindColumn("UpTrends")));
-  EXPECT_EQ(file.error().Text(), "Type mismatch (line 2, column 11 UpTrends: \"x\")");
-}
-
-TEST(CompositeRow, HeaderOnlyFileHasNoRowsAndNoError) {
-  TempDir dir;
-  WriteDatafile(dir / "a.csv", {});
-  const ReadResult read = ReadAll(dir / "a.csv");
-  EXPECT_TRUE(read.rows.empty());
-  EXPECT_FALSE(read.error.has_error());
 }
 
 TEST(CompositeRow, MalformedInputStopsWithTheClassicErrorAndWhere) {

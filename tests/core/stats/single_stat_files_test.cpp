@@ -57,69 +57,11 @@ class SingleStatFilesTest : public ::testing::Test {
   test::TestSession ts;
 };
 
-TEST_F(SingleStatFilesTest, StatisticFirstStructureWritesDateAndValuePerRow) {
-  Tick("UpTrends");
-  Tick("UpVolume");
-  Set("MaxFilenameLength", "");
-  // Texts in another form than the written one are converted and written by the number rule;
-  // text in a column no file takes holds nothing up.
-  WriteDatafile(data("Daily/$NYA.csv"),
-                {CompositeLine("D", 20121101).Set("UpVolume", "0.5").Set("UpTrends", "007"),
-                 CompositeLine("D", 20121102).Set("UpTrends", "-3").Set("UpVolume", "1234.25"),
-                 CompositeLine("D", 20121105).Set("UpTrends", "\"12.0\"").Set("UpVolume", "1e3"),
-                 CompositeLine("D", 20121106).Set("UpTrends", "-0").Set("Pivot", "n/a")});
-  WriteDatafile(data("Daily/$INDU.csv"), {CompositeLine("D", 20121102)});
-
-  const StatFilesSummary summary = Run(3);
-  EXPECT_EQ(summary.datafiles, 2);
-  EXPECT_TRUE(summary.failures.empty());
-  EXPECT_EQ(ReadFile(data("UpTrends/Daily/$NYA-UpTrends.csv")),
-            "20121101,7\r\n20121102,-3\r\n20121105,12\r\n20121106,0\r\n");
-  EXPECT_EQ(ReadFile(data("UpVolume/Daily/$NYA-UpVolume.csv")),
-            "20121101,.5\r\n20121102,1234.25\r\n20121105,1000\r\n20121106,18\r\n");
-  EXPECT_EQ(ReadLines(data("UpTrends/Daily/$INDU-UpTrends.csv")), Lines{"20121102,11"});
-  EXPECT_FALSE(Exists(data("UpTrends/Weekly/$NYA-UpTrends.csv")));
-  EXPECT_EQ(ts.session.ui.RunWithList3, 1) << "the button ticks its list's box";
-}
-
-// The cut names themselves are checked end to end; here only the choices that keep the long name.
-TEST_F(SingleStatFilesTest, OtherLengthChoicesKeepTheFullName) {
-  Tick("NewHighs1stDay");
-  ts.session.run.DataPeriod = "Daily";  // a pass leaves the last period's (unticked) blank
-  for (const char* other : {"Select One", "Use Issue Symbol - Statistic Name",
-                            "limit to 8 characters", "Limit to 16 Characters"}) {
-    Set("MaxFilenameLength", other);
-    EXPECT_EQ(StatisticFilePath(ts.session, "$NYA", "NewHighs1stDay"),
-              data("NewHighs1stDay/Daily/$NYA-NewHighs1stDay.csv"))
-        << other;
-  }
-}
-
-TEST_F(SingleStatFilesTest, ZeroReplacementAndDateForms) {
-  Tick("Unchanged");
-  WriteDatafile(data("Daily/$NYA.csv"), {CompositeLine("D", 20121102).Set("Unchanged", "0"),
-                                         CompositeLine("D", 20121105).Set("Unchanged", "1234")});
-  const std::string file = data("Unchanged/Daily/$NYA-Unchanged.csv");
-  const std::pair<const char*, const char*> replacements[] = {
-      {"0.00001", "0.00001"},        {"-1", "-1"}, {"0", "0"}, {"", "0"},
-      {" 0.5 apples", "0.5 apples"}, {"abc", "0"}};
-  for (const auto& [setting, written] : replacements) {
-    Set("ReplaceZeroValues", setting);
-    Run(3);
-    EXPECT_EQ(ReadLines(file), (Lines{std::string("20121102,") + written, "20121105,1234"}))
-        << setting;
-  }
-  Set("ReplaceZeroValues", "0");
-  Set("DateFormatMMDDYYYY", "True");
-  Run(3);
-  EXPECT_EQ(ReadLines(file), (Lines{"11/02/2012,0", "11/05/2012,1234"}));
-}
-
 TEST_F(SingleStatFilesTest, UntickedListGivesNoFilesButTheCompletionTexts) {
   Tick("UpTrends");
-  WriteList(6, {1, 0, 0, 0});
+  WriteList(7, {1, 1, 1, 1});
   WriteDatafile(data("Daily/$NYA.csv"), {CompositeLine()});
-  ts.session.app.CurrentListNumber = "6";
+  ts.session.app.CurrentListNumber = "7";
   ts.session.ui.DailyInterval = 1;
   ts.clock.timer = 100;
   ts.session.run.RunStartTimer = 40;
@@ -131,6 +73,10 @@ TEST_F(SingleStatFilesTest, UntickedListGivesNoFilesButTheCompletionTexts) {
   EXPECT_EQ(ui.DownloadProgressFrame.caption, "File creation complete");
   EXPECT_EQ(ui.Label13.caption, "Single statistic files created");
   EXPECT_FALSE(ui.ProgressBar1.visible);
+
+  ts.session.ui.RunWithAllPeriods = 1;
+  MakeSingleStatFiles(ts.session);
+  EXPECT_TRUE(Exists(data("UpTrends/Daily/$NYA-UpTrends.csv")));
 }
 
 class CaptionRecorder : public StateObserver {
@@ -194,45 +140,6 @@ TEST_F(SingleStatFilesTest, BadInputKeepsTheOldFilesAndGoesOn) {
   }
   std::sort(names.begin(), names.end());
   EXPECT_EQ(names, (Lines{"$INDU-UpTrends.csv", "$NYA-UpTrends.csv"}));
-}
-
-TEST_F(SingleStatFilesTest, MissingFolderOrDatafileFailsThatCompositeOnly) {
-  ts.EnableLog();
-  ts.session.ui.Equal4ma = 1;  // ticked without its handler: no folders
-  WriteDatafile(data("Daily/$INDU.csv"), {CompositeLine()});
-  StatFilesSummary summary = Run(3);
-  EXPECT_EQ(summary.failures.size(), 2u);
-  EXPECT_NE(ts.LogText().find("MakeIndividualStatFile Error #  76 - Path not found"),
-            std::string::npos);
-
-  SetCheck(ts.session, "Equal4ma", 0);
-  Tick("Equal4ma");
-  summary = Run(3);
-  ASSERT_EQ(summary.failures.size(), 1u) << "$NYA has no datafile";
-  EXPECT_NE(summary.failures[0].reason.find("File not found"), std::string::npos);
-  EXPECT_EQ(ReadLines(data("Equal4ma/Daily/$INDU-Equal4ma.csv")), Lines{"20121102,43"});
-}
-
-TEST_F(SingleStatFilesTest, SelectAllAndClearAllWalkTheBoxesInCatalogueOrder) {
-  ts.EnableLog();
-  SelectAllStatFiles_Click(ts.session);
-  for (const StatisticDef& statistic : StatisticCatalogue()) {
-    EXPECT_EQ(ts.session.ui.*statistic.box, 1) << statistic.name;
-    EXPECT_TRUE(Exists(data(std::string(statistic.name) + "/Quarterly"))) << statistic.name;
-  }
-  const std::string log = ts.LogText();
-  std::size_t at = 0;
-  for (const StatisticDef& statistic : StatisticCatalogue()) {
-    at = log.find(" - " + std::string(statistic.name) + "_Click", at);
-    ASSERT_NE(at, std::string::npos) << statistic.name << " out of order";
-  }
-  EXPECT_LT(log.find("NewLows1stDay_Click"), log.find("QNewHighs_Click"));
-  EXPECT_LT(log.find("Equal200ma_Click"), log.find("Above30ma_Click"));
-
-  ClearAllStatFiles_Click(ts.session);
-  for (const StatisticDef& statistic : StatisticCatalogue()) {
-    EXPECT_EQ(ts.session.ui.*statistic.box, 0) << statistic.name;
-  }
 }
 
 }  // namespace

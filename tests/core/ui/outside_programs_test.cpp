@@ -35,21 +35,5 @@ TEST(OutsideProgramsTest, OpenWhatTheUserAsksForOrSayWhyNot) {
   EXPECT_EQ(t.shell.opened.back(), "http://example.invalid/");
 }
 
-TEST(OutsideProgramsTest, TheShortcutIsADesktopEntryThatReplacesAnOldOne) {
-  TestSession t;
-  const std::string desktop = t.base("Desktop/");
-  ::setenv("XDG_DESKTOP_DIR", desktop.c_str(), 1);
-  EXPECT_FALSE(CreateShortcut_Click(t.session)) << "no desktop folder";
-  EXPECT_EQ(t.shell.boxes.size(), 1U);
-  WriteFile(desktop + "Palvery.desktop", "old");
-  EXPECT_TRUE(CreateShortcut_Click(t.session));
-  const std::string entry = ReadFile(desktop + "Palvery.desktop");
-  ::unsetenv("XDG_DESKTOP_DIR");
-  EXPECT_EQ(entry.rfind("[Desktop Entry]\nType=Application\nName=Corvanet\n", 0), 0U) << entry;
-  EXPECT_NE(entry.find("\nExec=\""), std::string::npos);
-  EXPECT_NE(entry.find("corvanet\"\n"), std::string::npos);
-  EXPECT_EQ(entry.find('\r'), std::string::npos);
-}
-
 }  // namespace
 }  // namespace corvanet::test
