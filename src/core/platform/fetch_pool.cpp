@@ -51,8 +51,12 @@ struct FetchPool::State {
     }
     curl_multi_wakeup(multi);
     thread.join();
+    // Transfers still under way when the pool ends (a slow answer, a cancel the thread had not
+    // seen yet) give their handles back here.
     for (auto& [ticket, job] : jobs) {
-      if (job->handle != nullptr) curl_multi_remove_handle(multi, job->handle);
+      if (job->handle == nullptr) continue;
+      curl_multi_remove_handle(multi, job->handle);
+      handles.push_back(std::exchange(job->handle, nullptr));
     }
     jobs.clear();  // each body's writer removes its temporary file
     for (CURL* handle : handles) curl_easy_cleanup(handle);
