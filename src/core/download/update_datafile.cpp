@@ -6,7 +6,7 @@
 #include "core/download/datafile_names.h"
 #include "core/download/retrieve.h"
 #include "core/download/row_checks.h"
-#include "core/platform/deferred_release.h"
+#include "core/platform/file_rewriter.h"
 #include "core/platform/files.h"
 #include "core/platform/line_reader.h"
 #include "core/platform/text.h"
@@ -65,8 +65,8 @@ class LeftOutRows {
 // not committed. A garbled base copy is treated like one without overlap (a fresh copy is fetched),
 // but what was written from it is never kept.
 PassResult MergeOnce(Session& session, const std::vector<std::string_view>& update_rows,
-                     std::size_t service_row_commas, LineReader& base,
-                     AtomicFileWriter& destination, std::string& reason) {
+                     std::size_t service_row_commas, LineReader& base, FileRewriter& destination,
+                     std::string& reason) {
   PassResult result;
   const std::string base_path = BaseFolder(session) + session.run.BaseFileName;
   // Closed on every way out: a fetch may replace the base copy right after this pass.
@@ -184,8 +184,7 @@ std::string DestinationLastDate(const Session& session) {
 // grow back every time.
 struct MergeFiles {
   LineReader base;
-  AtomicFileWriter destination;
-  DeferredRelease old_copies;
+  FileRewriter destination;
 };
 MergeFiles& ReusedMergeFiles() {
   thread_local MergeFiles files;
@@ -220,7 +219,7 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
   // stale rows), nothing replaces the destination with rows that end before its last date.
   const std::string kept_last_date = DestinationLastDate(session);
   MergeFiles& files = ReusedMergeFiles();
-  AtomicFileWriter& destination = files.destination;
+  FileRewriter& destination = files.destination;
   const auto commit = [&](const PassResult& written) {
     if (written.last_date < kept_last_date) {
       destination.Discard();
@@ -231,10 +230,7 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
           "UpdateDatafile - " + run.DestinationFileName + " kept as it was: " + outcome.reason);
       return false;
     }
-    const int old_copy = files.old_copies.Hold(destination.target());
-    const bool committed = destination.Commit();
-    files.old_copies.Release(old_copy);
-    if (!committed) {
+    if (!destination.Commit()) {
       outcome.reason = "cannot write " + destination.target() + ": " + destination.error();
       return false;
     }

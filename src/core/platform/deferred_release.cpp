@@ -1,7 +1,6 @@
 #include "core/platform/deferred_release.h"
 
 #ifndef _WIN32
-#include <fcntl.h>
 #include <unistd.h>
 #endif
 
@@ -29,16 +28,6 @@ DeferredRelease::~DeferredRelease() {
   changed_.notify_all();
   if (thread_.joinable()) thread_.join();
   for (const int handle : waiting_) CloseHandle(handle);
-}
-
-int DeferredRelease::Hold(const std::string& path) {
-#ifndef _WIN32
-  return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
-#else
-  // An open file cannot be replaced there; the rename frees it at once either way.
-  (void)path;
-  return -1;
-#endif
 }
 
 void DeferredRelease::Release(int handle) {

@@ -5,7 +5,6 @@
 // closing it on a thread of its own lets that freeing overlap the next datafile's work.
 #include <condition_variable>
 #include <mutex>
-#include <string>
 #include <thread>
 #include <vector>
 
@@ -19,10 +18,8 @@ class DeferredRelease {
   DeferredRelease(const DeferredRelease&) = delete;
   DeferredRelease& operator=(const DeferredRelease&) = delete;
 
-  // A reference to the file now at `path` that keeps it from being freed when a rename replaces
-  // it; -1 when there is no such file (or nothing to gain on this system).
-  int Hold(const std::string& path);
-  // Lets go of a held reference, on the releasing thread.
+  // Lets go of an open descriptor of a file a rename has just replaced, on the releasing thread;
+  // a negative one is ignored.
   void Release(int handle);
 
  private:

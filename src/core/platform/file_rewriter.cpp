@@ -1,0 +1,245 @@
+#include "core/platform/file_rewriter.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+#ifndef _WIN32
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
+namespace corvanet {
+
+namespace {
+
+constexpr std::size_t kOldBuffer = 64 * 1024;
+
+#ifndef _WIN32
+std::size_t PageSize() {
+  static const std::size_t size = [] {
+    const long page = ::sysconf(_SC_PAGESIZE);
+    return page > 0 ? static_cast<std::size_t>(page) : std::size_t{4096};
+  }();
+  return size;
+}
+
+// Reads up to `size` bytes at `offset`; -1 on an error.
+long ReadAt(int file, char* into, std::size_t size, std::uint64_t offset) {
+  for (;;) {
+    const ssize_t got = ::pread(file, into, size, static_cast<off_t>(offset));
+    if (got >= 0 || errno != EINTR) return static_cast<long>(got);
+  }
+}
+#endif
+
+}  // namespace
+
+bool FileRewriter::Open(std::string target) {
+  Discard();
+  target_ = std::move(target);
+  error_.clear();
+  change_ = Change::kNone;
+  matched_ = 0;
+  old_begin_ = old_end_ = 0;
+#ifndef _WIN32
+  old_file_ = ::open(target_.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+#endif
+  if (old_file_ < 0) {
+    // Nothing to compare with (or nothing that can be read): the content is written whole.
+    StartReplacing();
+    return mode_ == Mode::kReplacing;
+  }
+  if (!old_buffer_) old_buffer_ = std::make_unique<char[]>(kOldBuffer);
+  mode_ = Mode::kComparing;
+  return true;
+}
+
+void FileRewriter::Write(std::string_view text) {
+  while (!text.empty()) {
+    switch (mode_) {
+      case Mode::kComparing:
+        Compare(text);
+        break;
+      case Mode::kAppending:
+        tail_.append(text);
+        if (!TailFitsInOnePage()) StartReplacing();
+        return;
+      case Mode::kReplacing:
+        replacement_.Write(text);
+        return;
+      case Mode::kClosed:
+      case Mode::kFailed:
+        return;
+    }
+  }
+}
+
+// Consumes from `text` what repeats the old content. At the first difference the file is to be
+// replaced; where the old content ends, what follows is to be appended.
+void FileRewriter::Compare(std::string_view& text) {
+  if (old_begin_ == old_end_ && !ReadMoreOfTheOld()) {
+    if (mode_ == Mode::kComparing) mode_ = Mode::kAppending;
+    return;
+  }
+  const std::size_t length = std::min(text.size(), old_end_ - old_begin_);
+  const char* old = old_buffer_.get() + old_begin_;
+  // Nearly always the whole piece is the same: memcmp says so at memory speed, and only a
+  // difference is looked for byte by byte.
+  const std::size_t same =
+      std::memcmp(text.data(), old, length) == 0
+          ? length
+          : static_cast<std::size_t>(std::mismatch(text.data(), text.data() + length, old).first -
+                                     text.data());
+  matched_ += same;
+  old_begin_ += same;
+  text.remove_prefix(same);
+  if (same < length) StartReplacing();
+}
+
+// False at the end of the old content, or when it cannot be read (then the rewriter has failed).
+bool FileRewriter::ReadMoreOfTheOld() {
+#ifndef _WIN32
+  const long got = ReadAt(old_file_, old_buffer_.get(), kOldBuffer, matched_);
+  if (got < 0) {
+    Fail(target_ + " cannot be read: " + std::strerror(errno));
+    return false;
+  }
+  old_begin_ = 0;
+  old_end_ = static_cast<std::size_t>(got);
+  return got > 0;
+#else
+  return false;
+#endif
+}
+
+bool FileRewriter::TailFitsInOnePage() const {
+#ifndef _WIN32
+  return matched_ % PageSize() + tail_.size() <= PageSize();
+#else
+  return false;
+#endif
+}
+
+// From here on the content goes to a temporary file: first the part of the old content already
+// repeated, then whatever was waiting to be appended.
+void FileRewriter::StartReplacing() {
+  if (!replacement_.Open(target_)) {
+    Fail(target_ + ": " + replacement_.error());
+    return;
+  }
+#ifndef _WIN32
+  for (std::uint64_t copied = 0; copied < matched_;) {
+    const std::size_t wanted =
+        static_cast<std::size_t>(std::min<std::uint64_t>(kOldBuffer, matched_ - copied));
+    const long got = ReadAt(old_file_, old_buffer_.get(), wanted, copied);
+    if (got <= 0) {
+      Fail(target_ + " cannot be read: " + (got < 0 ? std::strerror(errno) : "it got shorter"));
+      return;
+    }
+    replacement_.Write({old_buffer_.get(), static_cast<std::size_t>(got)});
+    copied += static_cast<std::uint64_t>(got);
+  }
+#endif
+  replacement_.Write(tail_);
+  tail_.clear();
+  old_begin_ = old_end_ = 0;
+  mode_ = Mode::kReplacing;
+}
+
+bool FileRewriter::Commit() {
+  if (mode_ == Mode::kComparing) {
+    // All that was written repeats the old content: the file stays as it is unless the old
+    // content goes on beyond it.
+    if (old_begin_ < old_end_ || ReadMoreOfTheOld()) {
+      StartReplacing();
+    } else if (mode_ == Mode::kComparing) {
+      CloseOld();
+      mode_ = Mode::kClosed;
+      change_ = Change::kNone;
+      return true;
+    }
+  }
+  if (mode_ == Mode::kAppending) return Append();
+  if (mode_ == Mode::kReplacing) return Replace();
+  if (error_.empty()) error_ = "nothing was opened";
+  Discard();
+  return false;
+}
+
+bool FileRewriter::Append() {
+#ifndef _WIN32
+  const int file = ::open(target_.c_str(), O_WRONLY | O_CLOEXEC | O_NOFOLLOW);
+  struct stat status {};
+  if (file < 0 || ::fstat(file, &status) != 0 ||
+      static_cast<std::uint64_t>(status.st_size) != matched_) {
+    // A file that cannot be written to (or that changed under us) is still replaced whole.
+    if (file >= 0) ::close(file);
+    StartReplacing();
+    return Commit();
+  }
+  std::size_t written = 0;
+  while (written < tail_.size()) {
+    const ssize_t put = ::pwrite(file, tail_.data() + written, tail_.size() - written,
+                                 static_cast<off_t>(matched_ + written));
+    if (put < 0 && errno == EINTR) continue;
+    if (put <= 0) {
+      error_ = std::strerror(put < 0 ? errno : ENOSPC);
+      // What did get written is taken back: the file keeps exactly its old content.
+      if (::ftruncate(file, static_cast<off_t>(matched_)) != 0) error_ += "; cutting back failed";
+      ::close(file);
+      Discard();
+      return false;
+    }
+    written += static_cast<std::size_t>(put);
+  }
+  const bool closed = ::close(file) == 0;
+  if (!closed) error_ = std::strerror(errno);
+  tail_.clear();
+  CloseOld();
+  mode_ = Mode::kClosed;
+  change_ = Change::kAppended;
+  return closed;
+#else
+  return false;
+#endif
+}
+
+bool FileRewriter::Replace() {
+  // The old copy stays open across the rename and is let go on a thread of its own.
+  const int old_copy = std::exchange(old_file_, -1);
+  const bool committed = replacement_.Commit();
+  old_copies_.Release(old_copy);
+  mode_ = Mode::kClosed;
+  if (!committed) {
+    error_ = replacement_.error();
+    return false;
+  }
+  change_ = Change::kReplaced;
+  return true;
+}
+
+void FileRewriter::Fail(std::string error) {
+  if (error_.empty()) error_ = std::move(error);
+  replacement_.Discard();
+  tail_.clear();
+  mode_ = Mode::kFailed;
+}
+
+void FileRewriter::Discard() {
+  replacement_.Discard();
+  CloseOld();
+  tail_.clear();
+  mode_ = Mode::kClosed;
+}
+
+void FileRewriter::CloseOld() {
+#ifndef _WIN32
+  if (old_file_ >= 0) ::close(old_file_);
+#endif
+  old_file_ = -1;
+}
+
+}  // namespace corvanet

@@ -1,0 +1,126 @@
+// The rewriter ends every file with exactly the content written; what it may touch on the way
+// depends on how the content changed, and a failed append leaves the old content.
+#include "core/platform/file_rewriter.h"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "support/test_support.h"
+
+namespace corvanet::test {
+namespace {
+
+using Change = FileRewriter::Change;
+
+ino_t InodeOf(const std::string& path) {
+  struct stat status {};
+  return ::stat(path.c_str(), &status) == 0 ? status.st_ino : 0;
+}
+
+std::string Lines(const std::vector<std::string>& lines) {
+  std::string text;
+  for (const std::string& line : lines) text += line + "\r\n";
+  return text;
+}
+
+struct RewriteCase {
+  const char* name;
+  const char* old_content;  // nullptr: no file yet
+  std::vector<std::string> lines;
+  Change change;
+};
+
+TEST(FileRewriterTest, EndsWithTheNewContentTouchingOnlyWhatChanged) {
+  const std::string row(300, '7');
+  const std::string long_tail(5000, '8');  // more than one page of the file
+  const RewriteCase cases[] = {
+      {"same content", "Date,Close\r\n1,2\r\n", {"Date,Close", "1,2"}, Change::kNone},
+      {"one row more",
+       "Date,Close\r\n1,2\r\n",
+       {"Date,Close", "1,2", "3," + row},
+       Change::kAppended},
+      {"last line had no end",
+       "Date,Close\r\n1,2",
+       {"Date,Close", "1,2", "3,4"},
+       Change::kAppended},
+      {"revised row",
+       "Date,Close\r\n1,2\r\n3,4\r\n",
+       {"Date,Close", "1,9", "3,4"},
+       Change::kReplaced},
+      {"revised last row",
+       "Date,Close\r\n1,2\r\n",
+       {"Date,Close", "1,3", "2,4"},
+       Change::kReplaced},
+      {"shorter", "Date,Close\r\n1,2\r\n3,4\r\n", {"Date,Close", "1,2"}, Change::kReplaced},
+      {"empty", "Date,Close\r\n", {}, Change::kReplaced},
+      {"no file yet", nullptr, {"Date,Close", "1,2"}, Change::kReplaced},
+      {"tail past a page", "Date,Close\r\n", {"Date,Close", long_tail}, Change::kReplaced},
+      {"old file was empty", "", {"Date,Close"}, Change::kAppended},
+  };
+  TempDir dir;
+  FileRewriter rewriter;  // one for all cases, as a run reuses it
+  for (const RewriteCase& c : cases) {
+    SCOPED_TRACE(c.name);
+    const std::string path = dir / "datafile.csv";
+    std::filesystem::remove(path);
+    if (c.old_content != nullptr) WriteFile(path, c.old_content);
+    const ino_t before = InodeOf(path);
+    ASSERT_TRUE(rewriter.Open(path));
+    for (const std::string& line : c.lines) rewriter.WriteLine(line);
+    ASSERT_TRUE(rewriter.Commit()) << rewriter.error();
+    EXPECT_EQ(rewriter.change(), c.change);
+    EXPECT_EQ(ReadFile(path), Lines(c.lines));
+    if (c.change != Change::kReplaced) {
+      EXPECT_EQ(InodeOf(path), before) << "written in place";
+    }
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 1)
+        << "no temporary file stays";
+  }
+}
+
+// An append the file system refuses half-way (here a file size limit standing in for a full
+// disk) is taken back; so is everything when the rewriter is discarded or cannot write.
+TEST(FileRewriterTest, FailuresLeaveTheOldContent) {
+  TempDir dir;
+  const std::string path = dir / "datafile.csv";
+  const std::string old_content = "Date,Close\r\n1,2\r\n";
+  WriteFile(path, old_content);
+
+  FileRewriter rewriter;
+  ASSERT_TRUE(rewriter.Open(path));
+  rewriter.WriteLine("Date,Close");
+  rewriter.WriteLine("1,2");
+  rewriter.WriteLine("3,4444444444");
+  struct rlimit saved {};
+  ::getrlimit(RLIMIT_FSIZE, &saved);
+  const auto previous_handler = ::signal(SIGXFSZ, SIG_IGN);
+  struct rlimit small = saved;
+  small.rlim_cur = old_content.size() + 5;
+  ::setrlimit(RLIMIT_FSIZE, &small);
+  const bool committed = rewriter.Commit();
+  ::setrlimit(RLIMIT_FSIZE, &saved);
+  ::signal(SIGXFSZ, previous_handler);
+  EXPECT_FALSE(committed);
+  EXPECT_FALSE(rewriter.error().empty());
+  EXPECT_EQ(ReadFile(path), old_content);
+
+  ASSERT_TRUE(rewriter.Open(path));
+  rewriter.WriteLine("Date,Open");
+  rewriter.Discard();
+  EXPECT_EQ(ReadFile(path), old_content);
+
+  std::filesystem::remove(path);
+  EXPECT_FALSE(rewriter.Open(dir / "missing/datafile.csv"));
+  EXPECT_FALSE(rewriter.Commit());
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 0);
+}
+
+}  // namespace
+}  // namespace corvanet::test
