@@ -1,5 +1,7 @@
 #include "gui/page.h"
 
+#include <QGroupBox>
+#include <QLabel>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QVBoxLayout>
@@ -21,6 +23,19 @@ void Page::SetLocked(bool locked) {
   // The page itself is the tab's to enable (QTabWidget::setTabEnabled), so only parts inside it are
   // locked; a disabled part keeps its children disabled whatever a render sets on them.
   for (QWidget* part : lockable_) part->setEnabled(!locked);
+}
+
+QLabel* Note(const QString& text) {
+  auto* label = new QLabel(text);
+  label->setWordWrap(true);
+  return label;
+}
+
+QGroupBox* Group(const char* name, const QString& title, QLayout* content) {
+  auto* frame = new QGroupBox(title);
+  frame->setObjectName(name);
+  frame->setLayout(content);
+  return frame;
 }
 
 QPushButton* InertExitButton(const char* name) {

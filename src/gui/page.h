@@ -4,6 +4,9 @@
 #include <functional>
 #include <vector>
 
+class QGroupBox;
+class QLabel;
+class QLayout;
 class QPushButton;
 class QScrollArea;
 
@@ -30,6 +33,11 @@ class PageHost {
   // The pages' Exit buttons (1-4).
   virtual void ExitClicked(int page) = 0;
 };
+
+// A note beside controls, wrapped to the width it is given.
+QLabel* Note(const QString& text);
+// A titled frame around `content`, named for the tests and the style sheet.
+QGroupBox* Group(const char* name, const QString& title, QLayout* content);
 
 // The "Exit" buttons that carry the caption and no action (Exit6, Delete1, Delete2): shown as they
 // always were, but disabled, so no one expects them to close the window.

@@ -45,19 +45,6 @@ class ReplaceInitialText final : public QObject {
   QString initial_;
 };
 
-QGroupBox* Group(const char* name, const QString& title, QLayout* content) {
-  auto* frame = new QGroupBox(title);
-  frame->setObjectName(name);
-  frame->setLayout(content);
-  return frame;
-}
-
-QLabel* Note(const QString& text) {
-  auto* label = new QLabel(text);
-  label->setWordWrap(true);
-  return label;
-}
-
 class GeneralPage final : public Page {
  public:
   explicit GeneralPage(PageHost& host) : Page(host) {

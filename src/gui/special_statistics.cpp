@@ -14,24 +14,12 @@
 #include "core/stats/single_stat_files.h"
 #include "core/stats/statistic_catalogue.h"
 #include "gui/bindings.h"
+#include "gui/page.h"
 #include "gui/special_sections.h"
 
 namespace corvanet::gui {
 
 namespace {
-
-QLabel* Note(const QString& text) {
-  auto* label = new QLabel(text);
-  label->setWordWrap(true);
-  return label;
-}
-
-QGroupBox* Group(const char* name, const QString& title, QLayout* content) {
-  auto* frame = new QGroupBox(title);
-  frame->setObjectName(name);
-  frame->setLayout(content);
-  return frame;
-}
 
 // The 34 boxes grouped as a reader scans them: trends, breadth, volume, highs and lows, then the
 // moving averages with one row per relation and one column per average.

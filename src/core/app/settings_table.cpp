@@ -12,35 +12,16 @@ namespace {
 using W = WindowState;
 using F = SettingForm;
 
-void OnRetryNumber(Session& s, const SettingDef&) {
-  RetryNumber_Change(s);
-}
-void OnSpecialFunctions(Session& s, const SettingDef&) {
-  ImplementSpecialFunctions_Click(s);
-}
-void OnDataSet(Session& s, const SettingDef&) {
-  SelectMasterfile(s);
+// Most controls' handlers need only the session.
+template <void (*Handler)(Session&)>
+void Call(Session& s, const SettingDef&) {
+  Handler(s);
 }
 void OnStatistic(Session& s, const SettingDef& def) {
   StatisticBox_Click(s, def.key);
 }
-void OnOHLCVV(Session& s, const SettingDef&) {
-  OHLCVV_Click(s);
-}
-void OnEqWtOHLCVV(Session& s, const SettingDef&) {
-  EqWtOHLCVV_Click(s);
-}
-void OnUserDefFile1(Session& s, const SettingDef&) {
-  UserDefFile1_Click(s);
-}
-void OnUserDefFile2(Session& s, const SettingDef&) {
-  UserDefFile2_Click(s);
-}
-void OnUserDefFile3(Session& s, const SettingDef&) {
-  UserDefFile3_Click(s);
-}
 
-// Check boxes whose handler arrives with its subsystem keep nullptr until then.
+// A control without a handler only stores its value.
 constexpr SettingDef Check(std::string_view key, int W::*control, ChangeHandler h = nullptr) {
   return {key, F::kCheck, control, {}, h};
 }
@@ -56,15 +37,16 @@ constexpr SettingDef Path(std::string_view key, std::string W::*control) {
 }
 
 const SettingDef kSettings[] = {
-    Check("Plus", &W::DataSetPlus, &OnDataSet),
-    Check("AllUS", &W::DataSetAllUS, &OnDataSet),
+    Check("Plus", &W::DataSetPlus, &Call<SelectMasterfile>),
+    Check("AllUS", &W::DataSetAllUS, &Call<SelectMasterfile>),
     Path("PathToDataFiles", &W::PathToDataFiles),
     Path("PathToLists", &W::PathToLists),
-    Check("ImplementSpecialFunctions", &W::ImplementSpecialFunctions, &OnSpecialFunctions),
+    Check("ImplementSpecialFunctions", &W::ImplementSpecialFunctions,
+          &Call<ImplementSpecialFunctions_Click>),
     Path("PathToMSPxFiles", &W::PathToMSPxFiles),
     Text("UserName", &W::UserName),
     Text("Password", &W::Password),
-    Text("RetryNumber", &W::RetryNumber, &OnRetryNumber),
+    Text("RetryNumber", &W::RetryNumber, &Call<RetryNumber_Change>),
     Option("DownloadCompleteMessageYes", &W::DownloadCompleteMessageYes,
            "DownloadCompleteMessageNo"),
     Option("DownloadCompleteMessageNo", &W::DownloadCompleteMessageNo,
@@ -117,11 +99,11 @@ const SettingDef kSettings[] = {
     Option("PeriodStatFilename", &W::PeriodStatFilename, "StatPeriodFileName"),
     Text("MaxFilenameLength", &W::MaxFilenameLength),
     Check("MakeMetaStockPxFiles", &W::MakeMetaStockPxFiles),
-    Check("OHLCVV", &W::OHLCVV, &OnOHLCVV),
-    Check("EqWtOHLCVV", &W::EqWtOHLCVV, &OnEqWtOHLCVV),
-    Check("UserDefFile1", &W::UserDefFile1, &OnUserDefFile1),
-    Check("UserDefFile2", &W::UserDefFile2, &OnUserDefFile2),
-    Check("UserDefFile3", &W::UserDefFile3, &OnUserDefFile3),
+    Check("OHLCVV", &W::OHLCVV, &Call<OHLCVV_Click>),
+    Check("EqWtOHLCVV", &W::EqWtOHLCVV, &Call<EqWtOHLCVV_Click>),
+    Check("UserDefFile1", &W::UserDefFile1, &Call<UserDefFile1_Click>),
+    Check("UserDefFile2", &W::UserDefFile2, &Call<UserDefFile2_Click>),
+    Check("UserDefFile3", &W::UserDefFile3, &Call<UserDefFile3_Click>),
     Check("DoNotMakeMetaStockFormat", &W::DoNotMakeMetaStockFormat),
     Text("Stat1File1", &W::Stat1File1),
     Text("Stat2File1", &W::Stat2File1),

@@ -178,7 +178,6 @@ bool AtomicFileWriter::Open(std::string target, FileAccess access) {
     std::fclose(std::exchange(file_, nullptr));
     temp_ = TempNameFor(target_);
   }
-  if (access == FileAccess::kOwnerOnly) RestrictToOwner(temp_);
   if (!buffer_) buffer_ = std::make_unique<char[]>(kWriteBuffer);
   std::setvbuf(file_, buffer_.get(), _IOFBF, kWriteBuffer);
   return true;
@@ -243,7 +242,9 @@ bool AppendLine(const std::string& path, std::string_view line, FileAccess acces
   const bool existed = FileExists(path);
   std::FILE* file = OpenForWriting(path, access, false);
   if (file == nullptr) return false;
-  if (!existed && access == FileAccess::kOwnerOnly) RestrictToOwner(path);
+  // A new file is owner-only from its creation; one left wider (by hand, or by a copy) is
+  // narrowed before it takes another line.
+  if (existed && access == FileAccess::kOwnerOnly) RestrictToOwner(path);
   bool ok = std::fwrite(line.data(), 1, line.size(), file) == line.size();
   ok = std::fwrite(kLineEnd.data(), 1, kLineEnd.size(), file) == kLineEnd.size() && ok;
   return std::fclose(file) == 0 && ok;

@@ -194,6 +194,13 @@ TEST_F(UpdateDatafileTest, NothingIsReadOrWrittenOnceFiveFetchesWereMade) {
   session.run.GetFileCount = 5;
   EXPECT_EQ(Merge().kind, Kind::kFailed);
   EXPECT_EQ(ReadFile(daily("$NYA.csv")), "old");
+
+  // A fresh base copy that arrives as the fifth fetch is not merged with the update rows.
+  UpdateRowsFor({8, 9});
+  service.SetFile(kRemote, Datafile({1, 2, 8}));
+  session.run.GetFileCount = 4;
+  Merge();
+  EXPECT_EQ(Destination(), Expected({1, 2, 8}));
 }
 
 TEST_F(UpdateDatafileTest, AMissingDestinationFolderFailsWithoutTouchingTheBase) {

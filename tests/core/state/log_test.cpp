@@ -34,7 +34,9 @@ TEST(WriteLogTest, LineIsTimeDetailAndMessage) {
   Session& s = t.session;
   SetTime(t.clock);
   t.EnableLog();
+  const mode_t umask_before = ::umask(0);  // 0600 must come from the program, not the environment
   LogEntry(s, "LoadINI");
+  ::umask(umask_before);
   s.app.LogDetail = "$NYA Daily";
   Log(s, "UpdateDatafile - no match");
   Log(s, "forged\r\n14:00:00 - Not Set - line");  // text from outside stays on its line
@@ -66,6 +68,8 @@ TEST(SettingsReportTest, SixteenLinesOfTheMainSettings) {
   s.ui.SystemMessagesYes = false;
   s.ui.SystemMessagesNo = true;
   s.ui.RetryNumber = "2.5";
+  WriteFile(LogFilePath(s), "");  // a log some copy left readable by others
+  ::chmod(LogFilePath(s).c_str(), 0644);
   WriteSettingsReport(s);
   const std::vector<std::string> expected = {
       "2026-11-23",
