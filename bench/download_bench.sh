@@ -24,22 +24,11 @@ python=${PYTHON:-$( [ -x /usr/bin/python3 ] && echo /usr/bin/python3 || echo pyt
 work=$(mktemp -d)
 trap 'kill ${service_pid:-0} 2>/dev/null || true; rm -rf "$work"' EXIT
 
-"$bin/corvanet-demo-service" generate --root "$work/service" --composites "$composites" \
-  --years "$years" --seed 3 >/dev/null
-"$bin/corvanet-demo-service" serve --root "$work/service" --port 0 --port-file "$work/port" \
-  --user bench --password bench --fault "* delay $delay" >/dev/null 2>&1 &
-service_pid=$!
-for _ in $(seq 1 100); do [ -s "$work/port" ] && break; sleep 0.05; done
-port=$(cat "$work/port")
+# shellcheck source=bench/demo_service.sh
+source "$here/demo_service.sh"
+start_service "$composites" "$years" "$delay"
 cd "$work"
 
-# An installation pointed at the service, All Periods listed; its data folder is $1/CSVFiles.
-install() {
-  local cli=("$bin/corvanet-cli" --base-dir "$1/")
-  "${cli[@]}" settings UserName=bench Password=bench "IPAddress=127.0.0.1:$port" \
-    DownloadCompleteMessageNo=True SystemMessagesNo=True >/dev/null
-  "${cli[@]}" list 7 vendor eSignal periods D,W,M,Q >/dev/null
-}
 # Runs a command under /usr/bin/time and appends "seconds peak-KiB" to the file $1.
 timed() {
   local into=$1

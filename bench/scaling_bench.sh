@@ -15,22 +15,17 @@ build=${BUILD:-build}
 bin="$(cd "$build/bin" && pwd)"
 work=$(mktemp -d)
 trap 'kill ${service_pid:-0} 2>/dev/null || true; rm -rf "$work"' EXIT
+# shellcheck source=bench/demo_service.sh
+source "$(cd "$(dirname "$0")" && pwd)/demo_service.sh"
 
 echo "time per datafile, $years years, every request answered ${delay} ms late:"
 printf '  %10s %10s %14s %14s %12s %12s  %s\n' composites datafiles "first ms/file" \
   "merge ms/file" "first MiB" "merge MiB" load
 for composites in "${sizes[@]}"; do
-  rm -rf "$work/service" "$work/install"
-  "$bin/corvanet-demo-service" generate --root "$work/service" --composites "$composites" \
-    --years "$years" --seed 3 >/dev/null
-  "$bin/corvanet-demo-service" serve --root "$work/service" --port 0 --port-file "$work/port" \
-    --user bench --password bench --fault "* delay $delay" >/dev/null 2>&1 &
-  service_pid=$!
-  for _ in $(seq 1 100); do [ -s "$work/port" ] && break; sleep 0.05; done
+  rm -rf "$work/install"
+  start_service "$composites" "$years" "$delay"
   cli=("$bin/corvanet-cli" --base-dir "$work/install/")
-  (cd "$work" && "${cli[@]}" settings UserName=bench Password=bench \
-    "IPAddress=127.0.0.1:$(cat "$work/port")" DownloadCompleteMessageNo=True \
-    SystemMessagesNo=True >/dev/null && "${cli[@]}" list 7 vendor eSignal periods D,W,M,Q >/dev/null)
+  (cd "$work" && install "$work/install")
   /usr/bin/time -f "%e %M" -o "$work/first" "${cli[@]}" run 7 >"$work/out"
   datafiles=$(grep -o 'fetched whole: [0-9]*' "$work/out" | grep -o '[0-9]*$')
   "$bin/corvanet-demo-service" advance --root "$work/service" --bars 1 >/dev/null
@@ -48,5 +43,4 @@ for composites in "${sizes[@]}"; do
            fk / 1024, mk / 1024, l }'
   kill "$service_pid"
   wait "$service_pid" 2>/dev/null || true
-  rm -f "$work/port"
 done

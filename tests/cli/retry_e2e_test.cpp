@@ -9,17 +9,7 @@
 namespace corvanet::test {
 namespace {
 
-class RetryTest : public RunTest {
- protected:
-  void SetUp() override {
-    RunTest::SetUp();
-    MakeList(2, "eSignal", "D", {"$NYA", "$INDU", "$SOX"});
-    ASSERT_EQ(RunList(2).code, 0);
-    before_ = Snapshot("Daily");
-  }
-  std::string Log() const { return ReadFile(base() + "Rondex/LogFile.txt"); }
-  std::vector<std::pair<std::string, std::string>> before_;
-};
+using RetryTest = DailyListRunTest;
 
 // One scenario per fault: which files fail, how many retries bring them in, what the run reports.
 TEST_F(RetryTest, TransientFailuresAreTriedAgainAndOthersAreNot) {

@@ -11,21 +11,8 @@
 namespace corvanet::test {
 namespace {
 
-class RunFaultsTest : public RunTest {
+class RunFaultsTest : public DailyListRunTest {
  protected:
-  void SetUp() override {
-    RunTest::SetUp();
-    MakeList(2, "eSignal", "D", {"$NYA", "$INDU", "$SOX"});
-    ASSERT_EQ(RunList(2).code, 0);
-    before_ = Snapshot("Daily");
-  }
-  // The content a datafile had after the first good run.
-  std::string Before(const std::string& name) const {
-    for (const auto& [file, content] : before_) {
-      if (file == name) return content;
-    }
-    return {};
-  }
   // Runs list 2 with logging on and checks the failing datafile and the others.
   void ExpectOnlyNyaFails(const std::string& reason) {
     const CliResult run = RunIn({"--log", "run", "2"});
@@ -44,7 +31,6 @@ class RunFaultsTest : public RunTest {
       EXPECT_FALSE(Contains(line, service.user() + ":")) << line;
     }
   }
-  std::vector<std::pair<std::string, std::string>> before_;
 };
 
 // Every fault of a whole-file fetch: the service falls behind, so each datafile needs one.

@@ -75,4 +75,26 @@ class ListTwoRunTest : public RunTest {
   }
 };
 
+// List 2 ($NYA, $INDU, $SOX, daily) after one good run, without price files, and what its datafiles
+// held then: where the fault scenarios start.
+class DailyListRunTest : public RunTest {
+ protected:
+  void SetUp() override {
+    RunTest::SetUp();
+    MakeList(2, "eSignal", "D", {"$NYA", "$INDU", "$SOX"});
+    ASSERT_EQ(RunList(2).code, 0);
+    before_ = Snapshot("Daily");
+  }
+  // The content a datafile had after the first good run.
+  std::string Before(const std::string& name) const {
+    for (const auto& [file, content] : before_) {
+      if (file == name) return content;
+    }
+    return {};
+  }
+  std::string Log() const { return ReadFile(base() + "Rondex/LogFile.txt"); }
+
+  std::vector<std::pair<std::string, std::string>> before_;
+};
+
 }  // namespace corvanet::test
