@@ -93,11 +93,14 @@ void PrepareFolders(Session& session, RunSummary& summary) {
   }
 }
 
-// While it lives, the walk writes the price files of each datafile it brings up to date.
+// While it lives, the walk writes the price files of each datafile it brings up to date, when the
+// price files are ticked.
 class PriceFilesOfTheWalk {
  public:
   explicit PriceFilesOfTheWalk(Session& session) : session_(session) {
-    session_.after_datafile_updated = &CreateMetaStockPxFiles;
+    if (session_.ui.MakeMetaStockPxFiles != 0) {
+      session_.after_datafile_updated = &CreateMetaStockPxFiles;
+    }
   }
   ~PriceFilesOfTheWalk() { session_.after_datafile_updated = nullptr; }
   PriceFilesOfTheWalk(const PriceFilesOfTheWalk&) = delete;
@@ -118,19 +121,15 @@ std::string ProblemsText(const RunSummary& summary) {
     text += (i == 0 ? ": " : ", ") + summary.failures[i].symbol + " " + summary.failures[i].period;
   }
   if (summary.failures.size() > 5) text += ", ...";
-  for (const std::string& problem : summary.period_problems) {
-    text += (text.empty() ? "" : "; ") + problem;
-  }
-  if (summary.stopped) text += (text.empty() ? "" : "; ") + std::string("the run was stopped");
-  if (summary.service_silent) {
-    text +=
-        (text.empty() ? "" : "; ") + std::string("the data service does not answer; run stopped");
-  }
+  const auto add = [&text](const std::string& part) { text += (text.empty() ? "" : "; ") + part; };
+  for (const std::string& problem : summary.period_problems) add(problem);
+  if (summary.stopped) add("the run was stopped");
+  if (summary.service_silent) add("the data service does not answer; run stopped");
   for (const ConversionOutcome& batch : summary.conversions) {
     if (batch.failed > 0 || !batch.problem.empty()) {
-      text += (text.empty() ? "" : "; ") + batch.batch_file + ": " +
-              (batch.problem.empty() ? std::to_string(batch.failed) + " price file(s) not converted"
-                                     : batch.problem);
+      add(batch.batch_file + ": " +
+          (batch.problem.empty() ? std::to_string(batch.failed) + " price file(s) not converted"
+                                 : batch.problem));
     }
   }
   return text;
@@ -210,18 +209,17 @@ RunSummary DownLoadButton_Click(Session& session) {
     summary.service_silent = run.service_silent;
     if (summary.stopped || summary.service_silent) break;
   }
-  if (summary.stopped || summary.service_silent) {
+  // Stopped between datafiles, by the user or by a silent service: what was written stays, and
+  // nothing more is started.
+  const bool cut_short = summary.stopped || summary.service_silent;
+  bool message_fetched = false;
+  if (cut_short) {
     summary.not_tried = std::max(0, run_total - run.DatafileCounter);
+    if (summary.service_silent) {
+      Log(session, "DownLoadButton_Click - the data service does not answer; run stopped");
+    }
   } else {
     RetryTransientFailures(session, summary);
-  }
-
-  bool message_fetched = false;
-  if (summary.stopped || summary.service_silent) {
-    // Stopped between datafiles: what was written stays, and nothing more is started.
-    if (summary.service_silent)
-      Log(session, "DownLoadButton_Click - the data service does not answer; run stopped");
-  } else {
     if (ui.AutoCreateOneStatFiles != 0) {
       StatFilesSummary statistics;
       MakeSingleStatFiles(session, &statistics);
@@ -236,8 +234,7 @@ RunSummary DownLoadButton_Click(Session& session) {
 
   summary.elapsed = ElapsedText(session.clock.Timer() - run.RunStartTimer);
   ShowCompletion(session, list, summary);
-  if (!summary.stopped && !summary.service_silent)
-    RetrieveSystemMessages(session, summary.elapsed, message_fetched);
+  if (!cut_short) RetrieveSystemMessages(session, summary.elapsed, message_fetched);
   for (const std::string& line : summary.Lines()) Log(session, "Run summary - " + line);
   Log(session, "DownLoadButton_Click - Complete!");
   ui.ForceFullDownload = 0;

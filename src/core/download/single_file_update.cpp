@@ -68,7 +68,8 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
   const bool quarterly = run.DataPeriod == "Quarterly";
   FetchAhead ahead(session, list, update_rows);
   // Price files are written on other threads while the walk merges the next datafiles.
-  WriterPool writers(session, ui.MakeMetaStockPxFiles != 0 ? WriterPool::ThreadsWanted() : 1);
+  WriterPool writers(session,
+                     session.after_datafile_updated != nullptr ? WriterPool::ThreadsWanted() : 1);
   std::string name;
   std::string symbol;
   while (!ahead.AtEnd()) {
@@ -135,8 +136,9 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
         break;
     }
     // A datafile that could not be updated keeps its old price files too.
-    if (outcome.ok() && ui.MakeMetaStockPxFiles != 0 && session.after_datafile_updated != nullptr)
+    if (outcome.ok() && session.after_datafile_updated != nullptr) {
       session.after_datafile_updated(session, writers);
+    }
   }
 }
 
