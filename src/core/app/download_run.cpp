@@ -7,6 +7,8 @@
 #include "core/app/settings.h"
 #include "core/app/settings_buttons.h"
 #include "core/download/datafile_names.h"
+#include "core/download/early_fetches.h"
+#include "core/download/merge_index.h"
 #include "core/download/refresh_masterfile.h"
 #include "core/download/retrieve.h"
 #include "core/download/retry_rounds.h"
@@ -202,9 +204,24 @@ RunSummary DownLoadButton_Click(Session& session) {
   run.service_silent = false;
   run.retry_after_seconds = 0;
   PriceFilesOfTheWalk price_files(session);
+  MergeIndex merge_index(session);
+  EarlyFetches early_fetches(session);
+  int last_period = 0;
+  for (int period = 1; period <= 4; ++period) {
+    const std::string_view ticked = TickedPeriod(ui, period);
+    if (ticked.empty()) continue;
+    early_fetches.Start(UpdateFileName(ticked), UpdateFileName(ticked));
+    last_period = period;
+  }
   for (int period = 1; period <= 4; ++period) {
     DetermineInterval(session, period);
     if (run.DataPeriod.empty()) continue;
+    if (period == last_period) {
+      // The closing steps' files, fetched while the last period is walked. The run never starts
+      // with the log-in placeholders, so the master file is always fetched.
+      early_fetches.Start(SystemMessageFileName(session), SystemMessageFileName(session));
+      early_fetches.Start(session.app.MasterFileName, session.app.MasterFileName);
+    }
     RunPeriod(session, run_total, summary);
     summary.service_silent = run.service_silent;
     if (summary.stopped || summary.service_silent) break;
@@ -220,6 +237,12 @@ RunSummary DownLoadButton_Click(Session& session) {
     }
   } else {
     RetryTransientFailures(session, summary);
+  }
+  if (!merge_index.Save()) {
+    Log(session, "DownLoadButton_Click - " + std::string(MergeIndex::kFileName) +
+                     " could not be written; the next run reads every datafile whole");
+  }
+  if (!cut_short) {
     if (ui.AutoCreateOneStatFiles != 0) {
       StatFilesSummary statistics;
       MakeSingleStatFiles(session, &statistics);

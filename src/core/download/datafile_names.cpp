@@ -6,15 +6,17 @@
 
 namespace corvanet {
 
-void DetermineInterval(Session& session, int period_number) {
-  // Written on entry, so the line carries the period set by the previous call.
-  WriteLog(session, "DetermineInterval");
-  const WindowState& ui = session.ui;
+std::string_view TickedPeriod(const WindowState& ui, int period_number) {
   const int boxes[] = {ui.DailyInterval, ui.WeeklyInterval, ui.MonthlyInterval,
                        ui.QuarterlyInterval};
   const bool known = period_number >= 1 && period_number <= 4;
-  session.run.DataPeriod =
-      known && boxes[period_number - 1] != 0 ? std::string(kPeriodNames[period_number - 1]) : "";
+  return known && boxes[period_number - 1] != 0 ? kPeriodNames[period_number - 1] : "";
+}
+
+void DetermineInterval(Session& session, int period_number) {
+  // Written on entry, so the line carries the period set by the previous call.
+  WriteLog(session, "DetermineInterval");
+  session.run.DataPeriod = TickedPeriod(session.ui, period_number);
 }
 
 bool SetDatafileNames(Session& session) {

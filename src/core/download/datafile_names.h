@@ -9,7 +9,9 @@ namespace corvanet {
 
 inline constexpr std::string_view kPeriodNames[] = {"Daily", "Weekly", "Monthly", "Quarterly"};
 
-// Sets run.DataPeriod to the name of period 1-4 when its box is ticked, else to "".
+// The name of period 1-4 when its box is ticked, else "".
+std::string_view TickedPeriod(const WindowState& ui, int period_number);
+// Sets run.DataPeriod to TickedPeriod.
 void DetermineInterval(Session& session, int period_number);
 
 // RemoteFileName, BaseFileName, DestinationFileName ... of run.WebSymbol, run.DataPeriod and

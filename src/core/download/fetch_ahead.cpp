@@ -21,11 +21,6 @@ constexpr int kBodiesPerConnection = 4;
 // lookahead runs further than the bodies it holds; each record is a few short texts.
 constexpr std::size_t kRecordsAhead = 256;
 
-bool SameRequest(const FetchRequest& a, const FetchRequest& b) {
-  return a.url == b.url && a.user == b.user && a.password == b.password &&
-         a.timeout_seconds == b.timeout_seconds;
-}
-
 }  // namespace
 
 int FetchAhead::ConnectionsWanted() {
@@ -110,8 +105,7 @@ void FetchAhead::Plan(Record& record) {
   const bool claimed_earlier =
       same_base(current_) || std::any_of(ahead_.begin(), ahead_.end(), same_base);
   if (!NeedsWholeFile(web_symbol, local_path, claimed_earlier)) return;
-  record.request = {ServiceUrl(session_.app.DataSetURL, remote_name), session_.ui.UserName,
-                    session_.ui.Password, session_.http_timeout_seconds};
+  record.request = ServiceRequest(session_, remote_name);
   record.local_path = std::move(local_path);
   record.ticket = pool_->Add(record.request, record.local_path);
   ++unclaimed_;
@@ -141,7 +135,7 @@ FetchResult FetchAhead::Fetch(const FetchRequest& request, const std::string& lo
   if (current_.ticket != 0) {
     const FetchPool::Ticket ticket = std::exchange(current_.ticket, 0);
     --unclaimed_;
-    if (SameRequest(request, current_.request) && local_path == current_.local_path) {
+    if (request == current_.request && local_path == current_.local_path) {
       FetchResult result = pool_->Commit(ticket);
       Fill();
       return result;

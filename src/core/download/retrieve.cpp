@@ -1,7 +1,9 @@
 #include "core/download/retrieve.h"
 
 #include <algorithm>
+#include <optional>
 
+#include "core/download/early_fetches.h"
 #include "core/download/fetch_ahead.h"
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
@@ -27,17 +29,29 @@ void NoteHowTheServiceAnswered(RunState& run, const FetchResult& result) {
   }
 }
 
+FetchRequest ServiceRequest(const Session& session, std::string_view remote_path) {
+  return {ServiceUrl(session.app.DataSetURL, remote_path), session.ui.UserName, session.ui.Password,
+          session.http_timeout_seconds};
+}
+
+std::string BaseFilePath(const Session& session, std::string_view local_name) {
+  std::string path = BaseFolder(session);
+  // Names such as "\Zennor_System.txt" carry the service's separator.
+  for (const char c : local_name) path += c == '\\' ? kSep : c;
+  return path;
+}
+
 FetchResult RetrieveDataFile(Session& session, std::string_view remote_path,
                              std::string_view local_name) {
   // The fetch steps of a run log the period in hand as their lines' middle field.
   WriteLog(session, "RetrieveDataFile");
   if (session.run.GetFileCount < INT16_MAX) ++session.run.GetFileCount;
-  FetchRequest request{ServiceUrl(session.app.DataSetURL, remote_path), session.ui.UserName,
-                       session.ui.Password, session.http_timeout_seconds};
-  std::string local_path = BaseFolder(session);
-  // Names such as "\Zennor_System.txt" carry the service's separator.
-  for (const char c : local_name) local_path += c == '\\' ? kSep : c;
-  FetchResult result = session.fetch_ahead != nullptr
+  const FetchRequest request = ServiceRequest(session, remote_path);
+  const std::string local_path = BaseFilePath(session, local_name);
+  std::optional<FetchResult> early;
+  if (session.early_fetches != nullptr) early = session.early_fetches->Take(request, local_path);
+  FetchResult result = early.has_value() ? std::move(*early)
+                       : session.fetch_ahead != nullptr
                            ? session.fetch_ahead->Fetch(request, local_path)
                            : session.http.FetchToFile(request, local_path);
   NoteHowTheServiceAnswered(session.run, result);

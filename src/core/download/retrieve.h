@@ -11,9 +11,11 @@ namespace corvanet {
 // PathToDataFiles + "Base/", where every fetched file lands first.
 std::string BaseFolder(const Session& session);
 
-// Fetches DataSetURL + remote path and, only when the whole body arrived with a 2xx status, saves
-// it as the Base folder's `local_name` (a failed fetch leaves the old copy as it was). Counts the
-// fetch in GetFileCount. A failure is logged with the remote path, never with credentials.
+// The request for DataSetURL + remote path, with the session's credentials and time limit.
+FetchRequest ServiceRequest(const Session& session, std::string_view remote_path);
+// Where a fetched file named `local_name` is saved: in the Base folder.
+std::string BaseFilePath(const Session& session, std::string_view local_name);
+
 // Time-outs in a row after which a run takes the data service for gone and stops.
 constexpr int kTimeOutsBeforeStopping = 3;
 
@@ -21,6 +23,9 @@ constexpr int kTimeOutsBeforeStopping = 3;
 // whether time-outs have come so often in a row that the run must stop.
 void NoteHowTheServiceAnswered(RunState& run, const FetchResult& result);
 
+// Fetches DataSetURL + remote path and, only when the whole body arrived with a 2xx status, saves
+// it as the Base folder's `local_name` (a failed fetch leaves the old copy as it was). Counts the
+// fetch in GetFileCount. A failure is logged with the remote path, never with credentials.
 FetchResult RetrieveDataFile(Session& session, std::string_view remote_path,
                              std::string_view local_name);
 

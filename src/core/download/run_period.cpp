@@ -13,10 +13,6 @@ namespace corvanet {
 
 namespace {
 
-std::string UpdateFileName(const Session& session) {
-  return "Update-" + session.run.DataPeriod + ".csv";
-}
-
 // The datafiles a period's walk of the list would take.
 int CountPeriodDatafiles(const Session& session, FieldReader& list) {
   const bool quarterly = session.run.DataPeriod == "Quarterly";
@@ -31,8 +27,12 @@ int CountPeriodDatafiles(const Session& session, FieldReader& list) {
 
 }  // namespace
 
+std::string UpdateFileName(std::string_view period) {
+  return "Update-" + std::string(period) + ".csv";
+}
+
 bool LoadUpdateFile(Session& session, UpdateFileIndex& update_rows, std::string& cause) {
-  const std::string update_name = UpdateFileName(session);
+  const std::string update_name = UpdateFileName(session.run.DataPeriod);
   update_rows.Load(BaseFolder(session) + update_name);
   if (update_rows.garbled_lines() > 0) {
     Log(session, "DownLoadButton_Click - " + update_name + " holds " +
@@ -57,7 +57,7 @@ void RunPeriod(Session& session, int run_total, RunSummary& summary, const std::
                                       " datafiles could not be opened");
     return;
   }
-  const std::string update_name = UpdateFileName(session);
+  const std::string update_name = UpdateFileName(session.run.DataPeriod);
   const FetchResult fetched = RetrieveDataFile(session, update_name, update_name);
   UpdateFileIndex update_rows;
   std::string cause;

@@ -8,6 +8,9 @@
 
 namespace corvanet {
 
+// "Update-" + period + ".csv", the period's update file: its remote path and its local name.
+std::string UpdateFileName(std::string_view period);
+
 // The walk of the period set by DetermineInterval over `list_path` (the download list when empty),
 // updating every datafile it names. What failed lands in `summary`.
 void RunPeriod(Session& session, int run_total, RunSummary& summary,

@@ -22,10 +22,14 @@ void ReplaceAll(std::string& text, std::string_view from, std::string_view to) {
 
 }  // namespace
 
-std::string GetSystemMessageFileName(Session& session) {
-  LogEntry(session, "GetSystemMessageFileName");
+std::string SystemMessageFileName(const Session& session) {
   return session.app.EditionDirectory == Folder("Rondex") ? "\\Zennor_System.txt"
                                                           : "\\Quaddle_System.txt";
+}
+
+std::string GetSystemMessageFileName(Session& session) {
+  LogEntry(session, "GetSystemMessageFileName");
+  return SystemMessageFileName(session);
 }
 
 SystemMessage ReadSystemMessage(const std::string& path) {

@@ -16,6 +16,8 @@ struct SystemMessage {
 
 // "\Zennor_System.txt" (the leading separator is part of the remote path and the local name).
 std::string GetSystemMessageFileName(Session& session);
+// The same name, without the log line.
+std::string SystemMessageFileName(const Session& session);
 // Reads a message file; a missing or short file gives what it holds (an empty kind when none).
 SystemMessage ReadSystemMessage(const std::string& path);
 // Shows the messages as the two option pairs ask, at the end of a run. When this run could not

@@ -1,9 +1,11 @@
 #include "core/download/update_datafile.h"
 
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 #include "core/download/datafile_names.h"
+#include "core/download/merge_index.h"
 #include "core/download/retrieve.h"
 #include "core/download/row_checks.h"
 #include "core/platform/file_rewriter.h"
@@ -29,6 +31,9 @@ struct PassResult {
   Pass pass = Pass::kFailed;
   std::string last_date;  // of the last row written; empty when only the header was
   bool header_only = false;
+  // How far a merge got through both files before the first update row, when it left no row out
+  // on the way (the datafile's identity is filled in once it is committed).
+  std::optional<MergedPrefix> checked;
 };
 
 // Rows left out of a pass because their date does not come after the row before, or because they
@@ -47,6 +52,7 @@ class LeftOutRows {
                       "the first in " +
                       first_);
   }
+  bool none() const { return count_ == 0; }
   void Add(std::string_view where, int line = 0) {
     if (count_++ != 0) return;
     first_ = where;
@@ -63,7 +69,8 @@ class LeftOutRows {
 // that is also an update row, then the update rows newer than it. Dates only go forward: a row
 // whose date does not come after the last one written is left out. The destination is written but
 // not committed. A garbled base copy is treated like one without overlap (a fresh copy is fetched),
-// but what was written from it is never kept.
+// but what was written from it is never kept. Rows the last merge checked, before every update
+// row, are taken as they stand in the datafile instead of being read and compared again.
 PassResult MergeOnce(Session& session, const std::vector<std::string_view>& update_rows,
                      std::size_t service_row_commas, LineReader& base, FileRewriter& destination,
                      std::string& reason) {
@@ -84,14 +91,30 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
     return result;
   }
   result.pass = Pass::kGarbled;
-  std::string_view line;
-  if (!base.Next(line)) {
-    Log(session, "UpdateDatafile - base copy " + session.run.BaseFileName + " is empty");
+  const std::optional<FileIdentity> base_identity = base.identity();
+  // What the last merge of this datafile checked, while both files are as it left them.
+  const MergedPrefix* known =
+      session.merge_index == nullptr
+          ? nullptr
+          : session.merge_index->Match(destination_path, base_identity, destination.old_identity());
+  std::string header;
+  std::size_t fields = 0;
+  const auto read_header = [&] {
+    std::string_view line;
+    if (!base.Next(line)) {
+      Log(session, "UpdateDatafile - base copy " + session.run.BaseFileName + " is empty");
+      return false;
+    }
+    destination.WriteLine(line);
+    header.assign(line);
+    fields = CountFieldCommas(line);
+    return true;
+  };
+  if (known != nullptr) {
+    fields = known->field_commas;
+  } else if (!read_header()) {
     return result;
   }
-  destination.WriteLine(line);
-  const std::string header(line);
-  const std::size_t fields = CountFieldCommas(line);
   LeftOutRows left_out(session);
 
   // Update rows that do not have the datafile's shape would spoil it: leave them out.
@@ -116,9 +139,30 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
   }
 
   std::string& last_date = result.last_date;
-  std::string match;  // the view into the reader's buffer would not outlive the next read
   int number = 1;
-  while (base.Next(line)) {
+  if (known != nullptr) {
+    // An update row dated among the known rows may be one of them: then all are read again.
+    const bool after_known = std::all_of(rows.begin(), rows.end(), [&](std::string_view row) {
+      return RowDate(row) > std::string_view(known->last_date);
+    });
+    if (!after_known) {
+      known = nullptr;
+      if (!read_header()) return result;
+    } else {
+      // Both within their files' lengths, as Match made sure.
+      base.SkipTo(known->base_bytes);
+      destination.TakeAsWritten(known->datafile_bytes);
+      session.merge_index->CountResumed();
+      number = known->base_lines;
+      last_date = known->last_date;
+    }
+  }
+  std::string match;  // the view into the reader's buffer would not outlive the next read
+  std::string_view line;
+  for (;;) {
+    const std::uint64_t row_start = base.offset();
+    const std::uint64_t written_before = destination.size();
+    if (!base.Next(line)) break;
     ++number;
     line = Trim(line);
     if (line.empty()) continue;
@@ -132,9 +176,14 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
       left_out.Add(session.run.BaseFileName, number);
       continue;
     }
+    const bool update_row = std::find(rows.begin(), rows.end(), line) != rows.end();
+    if (update_row && left_out.none() && !last_date.empty() && base_identity) {
+      result.checked = MergedPrefix{*base_identity, row_start, number - 1,    last_date,
+                                    fields,         {},        written_before};
+    }
     destination.WriteLine(line);
     last_date.assign(RowDate(line));
-    if (std::find(rows.begin(), rows.end(), line) != rows.end()) {
+    if (update_row) {
       match.assign(line);
       break;
     }
@@ -171,6 +220,17 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
   }
   result.pass = Pass::kMerged;
   return result;
+}
+
+// Keeps what a committed pass checked for the next merge of the datafile.
+void RememberPass(Session& session, PassResult& written, const FileRewriter& destination) {
+  if (session.merge_index == nullptr) return;
+  if (written.pass != Pass::kMerged || !written.checked || !destination.identity()) {
+    session.merge_index->Forget(destination.target());
+    return;
+  }
+  written.checked->datafile = *destination.identity();
+  session.merge_index->Put(destination.target(), std::move(*written.checked));
 }
 
 // The date of the destination's last row, read from its end; empty when it has none.
@@ -220,7 +280,7 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
   const std::string kept_last_date = DestinationLastDate(session);
   MergeFiles& files = ReusedMergeFiles();
   FileRewriter& destination = files.destination;
-  const auto commit = [&](const PassResult& written) {
+  const auto commit = [&](PassResult& written) {
     if (written.last_date < kept_last_date) {
       destination.Discard();
       outcome.reason = "the service's file ends on " +
@@ -234,6 +294,7 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
       outcome.reason = "cannot write " + destination.target() + ": " + destination.error();
       return false;
     }
+    RememberPass(session, written, destination);
     return true;
   };
   const std::string tag = run.DestinationFileName + run.DownloadSymbol;
@@ -244,7 +305,7 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
       Log(session, "DownloadSymbol - " + update_rows.last_symbol() + " WebSymbol - " +
                        run.WebSymbol + " Error Number:  0 - ");
     }
-    const PassResult written =
+    PassResult written =
         MergeOnce(session, rows, update_rows.row_commas(), files.base, destination, outcome.reason);
     if (written.pass == Pass::kFailed) {
       destination.Discard();  // the reused writer must not keep a temporary file until the next one

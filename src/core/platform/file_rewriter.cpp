@@ -42,11 +42,13 @@ bool FileRewriter::Open(std::string target) {
   target_ = std::move(target);
   error_.clear();
   change_ = Change::kNone;
-  matched_ = 0;
+  identity_.reset();
+  matched_ = size_ = 0;
   old_begin_ = old_end_ = 0;
 #ifndef _WIN32
   old_file_ = ::open(target_.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
 #endif
+  old_identity_ = IdentityOf(old_file_);
   if (old_file_ < 0) {
     // Nothing to compare with (or nothing that can be read): the content is written whole.
     StartReplacing();
@@ -57,7 +59,16 @@ bool FileRewriter::Open(std::string target) {
   return true;
 }
 
+bool FileRewriter::TakeAsWritten(std::uint64_t bytes) {
+  if (mode_ != Mode::kComparing || size_ != 0 || !old_identity_ || bytes > old_identity_->size) {
+    return false;
+  }
+  matched_ = size_ = bytes;
+  return true;
+}
+
 void FileRewriter::Write(std::string_view text) {
+  size_ += text.size();
   while (!text.empty()) {
     switch (mode_) {
       case Mode::kComparing:
@@ -101,6 +112,11 @@ void FileRewriter::Compare(std::string_view& text) {
 
 // False at the end of the old content, or when it cannot be read (then the rewriter has failed).
 bool FileRewriter::ReadMoreOfTheOld() {
+  // The old content is the file as it was opened: its end needs no read to be found.
+  if (old_identity_ && matched_ >= old_identity_->size) {
+    old_begin_ = old_end_ = 0;
+    return false;
+  }
 #ifndef _WIN32
   const long got = ReadAt(old_file_, old_buffer_.get(), kOldBuffer, matched_);
   if (got < 0) {
@@ -159,6 +175,7 @@ bool FileRewriter::Commit() {
       CloseOld();
       mode_ = Mode::kClosed;
       change_ = Change::kNone;
+      identity_ = old_identity_;
       return true;
     }
   }
@@ -195,6 +212,7 @@ bool FileRewriter::Append() {
     }
     written += static_cast<std::size_t>(put);
   }
+  identity_ = IdentityOf(file);
   const bool closed = ::close(file) == 0;
   if (!closed) error_ = std::strerror(errno);
   tail_.clear();
@@ -218,6 +236,8 @@ bool FileRewriter::Replace() {
     return false;
   }
   change_ = Change::kReplaced;
+  // Taken after the rename, which changes the file's change time on some file systems.
+  identity_ = IdentityOf(target_);
   return true;
 }
 

@@ -13,10 +13,12 @@
 //   AtomicFileWriter, so no reader ever sees it half changed.
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "core/platform/deferred_release.h"
+#include "core/platform/file_identity.h"
 #include "core/platform/files.h"
 
 namespace corvanet {
@@ -33,6 +35,11 @@ class FileRewriter {
 
   // False when there is no target yet and its folder cannot take a new file.
   bool Open(std::string target);
+  // The target as it was when opened; nullopt when there was none or it cannot be told.
+  const std::optional<FileIdentity>& old_identity() const { return old_identity_; }
+  // Takes the first `bytes` of the old content as written, unread: the caller knows they are what
+  // it would write. Only before anything is written, and only within the old content.
+  bool TakeAsWritten(std::uint64_t bytes);
   void Write(std::string_view text);
   void WriteLine(std::string_view text) {
     Write(text);
@@ -42,8 +49,11 @@ class FileRewriter {
   bool Commit();
   void Discard();
 
-  // How the last successful Commit changed the target.
+  // The bytes of the new content so far, those taken as written included.
+  std::uint64_t size() const { return size_; }
+  // How the last successful Commit changed the target, and the target as it then was.
   Change change() const { return change_; }
+  const std::optional<FileIdentity>& identity() const { return identity_; }
   const std::string& target() const { return target_; }
   // The error text of the first failure, for log lines.
   const std::string& error() const { return error_; }
@@ -65,6 +75,9 @@ class FileRewriter {
   std::string error_;
   Change change_ = Change::kNone;
   int old_file_ = -1;
+  std::optional<FileIdentity> old_identity_;
+  std::optional<FileIdentity> identity_;
+  std::uint64_t size_ = 0;
   // Bytes of the old content the new content has repeated so far; once the old content has ended,
   // its whole length.
   std::uint64_t matched_ = 0;

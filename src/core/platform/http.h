@@ -14,6 +14,8 @@ struct FetchRequest {
   std::string user;      // sent as basic-auth user name
   std::string password;  // sent as basic-auth password; any character works
   long timeout_seconds = 60;
+
+  bool operator==(const FetchRequest&) const = default;
 };
 
 enum class FetchStatus {

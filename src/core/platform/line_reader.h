@@ -4,10 +4,12 @@
 // buffer has grown to the longest line. A line longer than kMaxLineLength ends the reading as a
 // read error (failed() and line_too_long()): no file the program reads has such lines, and one
 // from outside must not cost unbounded memory.
-#include <cstdio>
-#include <memory>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
+
+#include "core/platform/file_identity.h"
 
 namespace corvanet {
 
@@ -17,15 +19,22 @@ class LineReader {
  public:
   LineReader() = default;
   explicit LineReader(const std::string& path) { Open(path); }
+  ~LineReader() { Close(); }
   LineReader(const LineReader&) = delete;
   LineReader& operator=(const LineReader&) = delete;
 
   bool Open(const std::string& path);
-  bool is_open() const { return file_ != nullptr; }
+  bool is_open() const { return file_ >= 0; }
   // False at the end of the file (or on a read error, see failed()).
   bool Next(std::string_view& line);
   // True when no further line can be read.
   bool AtEnd();
+  // Where in the file the next line starts.
+  std::uint64_t offset() const { return file_offset_ - (end_ - begin_); }
+  // Goes on reading from `offset`, which must be where a line starts.
+  void SkipTo(std::uint64_t offset);
+  // The open file's identity; nullopt when it cannot be told.
+  std::optional<FileIdentity> identity() const;
   bool failed() const { return failed_; }
   bool line_too_long() const { return too_long_; }
   void Close();
@@ -33,13 +42,11 @@ class LineReader {
  private:
   bool Fill();
 
-  struct FileCloser {
-    void operator()(std::FILE* f) const { std::fclose(f); }
-  };
-  std::unique_ptr<std::FILE, FileCloser> file_;
+  int file_ = -1;
   std::string buffer_;
-  std::size_t begin_ = 0;  // start of unread data in buffer_
-  std::size_t end_ = 0;    // end of valid data in buffer_
+  std::size_t begin_ = 0;          // start of unread data in buffer_
+  std::size_t end_ = 0;            // end of valid data in buffer_
+  std::uint64_t file_offset_ = 0;  // where in the file buffer_[end_] comes from
   bool eof_ = false;
   bool failed_ = false;
   bool too_long_ = false;

@@ -13,7 +13,9 @@
 
 namespace corvanet {
 
+class EarlyFetches;
 class FetchAhead;
+class MergeIndex;
 class WriterPool;
 
 // Form-level state fixed at start-up and by the list and data-set choices.
@@ -79,6 +81,12 @@ struct Session {
   // While a period's walk runs: the whole files fetched ahead of it, which RetrieveDataFile takes
   // instead of fetching them itself (download/fetch_ahead.h).
   FetchAhead* fetch_ahead = nullptr;
+  // While a run goes: the update files, system message file and master file it fetches early,
+  // which RetrieveDataFile takes when it reaches them (download/early_fetches.h).
+  EarlyFetches* early_fetches = nullptr;
+  // While a run goes: what the last merge of each datafile checked (download/merge_index.h);
+  // nullptr: every merge reads its files whole.
+  MergeIndex* merge_index = nullptr;
   // While a run walks its periods: what is made from a datafile just brought up to date (its price
   // files), handed to the walk's writers. Set by the run (app/download_run.cpp); nullptr: nothing.
   void (*after_datafile_updated)(Session&, WriterPool&) = nullptr;

@@ -32,9 +32,10 @@ std::string Lines(const std::vector<std::string>& lines) {
 
 struct RewriteCase {
   const char* name;
-  const char* old_content;  // nullptr: no file yet
-  std::vector<std::string> lines;
+  const char* old_content;         // nullptr: no file yet
+  std::vector<std::string> lines;  // after the known bytes
   Change change;
+  std::size_t known = 0;  // bytes of the old content taken as written, unread
 };
 
 TEST(FileRewriterTest, EndsWithTheNewContentTouchingOnlyWhatChanged) {
@@ -63,6 +64,13 @@ TEST(FileRewriterTest, EndsWithTheNewContentTouchingOnlyWhatChanged) {
       {"no file yet", nullptr, {"Date,Close", "1,2"}, Change::kReplaced},
       {"tail past a page", "Date,Close\r\n", {"Date,Close", long_tail}, Change::kReplaced},
       {"old file was empty", "", {"Date,Close"}, Change::kAppended},
+      {"known rows, one more", "Date,Close\r\n1,2\r\n", {"3,4"}, Change::kAppended, 17},
+      {"known rows, nothing more", "Date,Close\r\n1,2\r\n", {}, Change::kNone, 17},
+      {"known rows, a revised one after them",
+       "Date,Close\r\n1,2\r\n3,4\r\n",
+       {"3,5"},
+       Change::kReplaced,
+       17},
   };
   TempDir dir;
   FileRewriter rewriter;  // one for all cases, as a run reuses it
@@ -73,10 +81,13 @@ TEST(FileRewriterTest, EndsWithTheNewContentTouchingOnlyWhatChanged) {
     if (c.old_content != nullptr) WriteFile(path, c.old_content);
     const ino_t before = InodeOf(path);
     ASSERT_TRUE(rewriter.Open(path));
+    if (c.known > 0) ASSERT_TRUE(rewriter.TakeAsWritten(c.known));
     for (const std::string& line : c.lines) rewriter.WriteLine(line);
     ASSERT_TRUE(rewriter.Commit()) << rewriter.error();
     EXPECT_EQ(rewriter.change(), c.change);
-    EXPECT_EQ(ReadFile(path), Lines(c.lines));
+    const std::string known = c.known > 0 ? std::string(c.old_content, c.known) : "";
+    EXPECT_EQ(ReadFile(path), known + Lines(c.lines));
+    EXPECT_EQ(rewriter.identity(), IdentityOf(path));
     if (c.change != Change::kReplaced) {
       EXPECT_EQ(InodeOf(path), before) << "written in place";
     }

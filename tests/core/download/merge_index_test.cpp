@@ -1,0 +1,143 @@
+// A merge that starts where the last merge of its datafile met the update rows ends exactly as a
+// merge that reads everything, and it only starts there while nothing it relies on has changed.
+#include "core/download/merge_index.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+
+#include "core/download/download_fixture.h"
+#include "core/download/update_datafile.h"
+
+namespace corvanet::test {
+namespace {
+
+class MergeIndexTest : public ::testing::Test, public DownloadFixture {
+ public:
+  void SetUp() override {
+    SelectDatafile("$NYA");
+    session.ui.GenerateLogFile = 1;
+  }
+
+  void UpdateRows(const std::vector<std::string>& rows) {
+    std::vector<std::string> lines{UpdateLine("SOX", Row(9, "7"))};
+    for (const std::string& row : rows) lines.push_back(UpdateLine("NYSE", row));
+    WriteUpdateFile(lines);
+  }
+  static std::vector<std::string> Rows(const std::vector<int>& days) {
+    std::vector<std::string> rows;
+    for (const int day : days) rows.push_back(Row(day));
+    return rows;
+  }
+
+  struct Merged {
+    DatafileOutcome::Kind kind;
+    std::string datafile;
+    int resumed = 0;
+  };
+  Merged Merge(bool with_index) {
+    std::optional<MergeIndex> index;
+    if (with_index) index.emplace(session);
+    UpdateFileIndex update_rows;
+    EXPECT_TRUE(update_rows.Load(base("Update-Daily.csv")));
+    session.run.GetFileCount = 0;
+    const DatafileOutcome outcome = UpdateDatafile(session, update_rows, false);
+    Merged merged{outcome.kind, ReadFile(daily("$NYA.csv"))};
+    if (index) {
+      merged.resumed = index->resumed();
+      EXPECT_TRUE(index->Save());
+    }
+    return merged;
+  }
+  std::string Log() const { return ReadFile(session.app.ProgramDirectory + "LogFile.txt"); }
+};
+
+TEST_F(MergeIndexTest, AMergeEndsAsWithoutTheIndexWhateverChangedSinceTheLastOne) {
+  const std::string index_file = base(MergeIndex::kFileName);
+  const std::string datafile = daily("$NYA.csv");
+  const auto edit_index = [&](MergeIndexTest&) {
+    std::string text = ReadFile(index_file);
+    text[text.find("\r\n") + 30] ^= 1;  // one digit of the entry's numbers
+    WriteFile(index_file, text);
+  };
+  const struct {
+    const char* what;
+    std::function<void(MergeIndexTest&)> change;
+    bool resumed;
+    std::vector<int> base = {1, 2, 3, 4, 5, 6};
+  } cases[] = {
+      {"nothing new", [](MergeIndexTest&) {}, true},
+      {"a new bar",
+       [](MergeIndexTest& t) {
+         t.UpdateRows(Rows({5, 6, 7, 8, 9}));
+       },
+       true},
+      {"the first update row revised",
+       [](MergeIndexTest& t) {
+         t.UpdateRows({Row(4, "200"), Row(5), Row(6), Row(7)});
+       },
+       true},
+      {"an update row among the rows checked before",
+       [](MergeIndexTest& t) {
+         t.UpdateRows(Rows({3, 4, 5, 6, 7}));
+       },
+       false},
+      {"the datafile edited among the rows checked before",
+       [&](MergeIndexTest&) {
+         std::string text = ReadFile(datafile);
+         text.replace(text.find(Row(2)), Row(2).size(), Row(2, "55555"));
+         WriteFile(datafile, text);
+       },
+       false},
+      {"the datafile cut short",
+       [&](MergeIndexTest&) {
+         WriteFile(datafile, Datafile({1, 2}));
+       },
+       false},
+      {"the datafile deleted", [&](MergeIndexTest&) { std::filesystem::remove(datafile); }, false},
+      {"a fresh base copy",
+       [](MergeIndexTest& t) {
+         WriteFile(t.base("NYSEDaily-CompositeStats.csv"), Header() + "\r\n" + Row(1) + "\r\n" +
+                                                               Row(2, "66") + "\r\n" + Row(3) +
+                                                               "\r\n" + Row(4) + "\r\n");
+       },
+       false},
+      {"a damaged index line", edit_index, false},
+      {"no index at all", [&](MergeIndexTest&) { WriteFile(index_file, "<html>"); }, false},
+      // Skipping the rows before would skip the log line about the repeated one.
+      {"a row left out before the update rows", [](MergeIndexTest&) {}, false, {1, 2, 2, 3, 4}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    std::filesystem::remove(datafile);
+    std::filesystem::remove(index_file);
+    WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile(c.base));
+    UpdateRows(Rows({4, 5, 6, 7, 8}));
+    Merge(true);
+    c.change(*this);
+    const std::string base_copy = ReadFile(base("NYSEDaily-CompositeStats.csv"));
+    const std::optional<std::string> old_datafile =
+        Exists(datafile) ? std::optional(ReadFile(datafile)) : std::nullopt;
+    const std::size_t log_size = Log().size();
+
+    const Merged with_index = Merge(true);
+    const std::string log = Log().substr(log_size);
+    WriteFile(base("NYSEDaily-CompositeStats.csv"), base_copy);
+    if (old_datafile) WriteFile(datafile, *old_datafile);
+    if (!old_datafile) std::filesystem::remove(datafile);
+    const Merged without = Merge(false);
+
+    EXPECT_EQ(with_index.kind, without.kind);
+    EXPECT_EQ(with_index.datafile, without.datafile);
+    EXPECT_EQ(with_index.resumed, c.resumed ? 1 : 0);
+    EXPECT_EQ(log.find("left out") != std::string::npos, c.base.size() == 5) << log;
+  }
+  EXPECT_EQ(service.total_requests(), 0);
+  EXPECT_NE(Log().find("MergeIndex - " + index_file + " is not a merge index"), std::string::npos);
+  EXPECT_NE(Log().find("MergeIndex - " + index_file + " line 2 is garbled"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace corvanet::test
