@@ -172,6 +172,15 @@ TEST_F(ParallelRunTest, AllPeriodsWithFaultsStaleMissingAndForcedCopiesLeaveTheS
   EXPECT_TRUE(Contains(Report(run), "Datafiles failed: 2")) << Report(run);
   ExpectTheSame(run);
 
+  // One bar on, every datafile merged from where its last merge stopped, while update files and
+  // the closing steps' files fail.
+  service.Advance(1);
+  run = InEach({"--log", "run", "7"},
+               {"*/Update-Weekly.csv status 404", "*/Update-Monthly.csv truncate",
+                "*/Masterfile2.csv status 500", "*_System.txt status 503"});
+  EXPECT_TRUE(Contains(Report(run), "Update-Weekly.csv could not be fetched")) << Report(run);
+  ExpectTheSame(run);
+
   // A forced full download: a failed fetch merges on the kept copy, a cut one is refused.
   ASSERT_EQ(InEach({"settings", "AllPeriodsForceFull=1"})[0].code, 0);
   run = InEach({"--log", "run", "7"}, {"*/NYSEDaily-CompositeStats.csv status 500",
