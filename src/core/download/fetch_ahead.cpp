@@ -119,8 +119,6 @@ bool FetchAhead::NeedsWholeFile(const std::string& web_symbol, const std::string
                                 bool claimed_earlier) const {
   if (session_.ui.ForceFullDownload != 0) return true;
   if (claimed_earlier) return false;
-  const auto size = FileSize(local_path);
-  if (!size || *size == 0) return true;
   const std::vector<std::string_view> rows = update_rows_.RowsFor(web_symbol);
   if (rows.empty()) return true;
   const std::string last = LastLineOf(local_path);

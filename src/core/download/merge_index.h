@@ -19,7 +19,7 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "core/platform/file_identity.h"
+#include "core/platform/file_access.h"
 #include "core/state/session.h"
 
 namespace corvanet {

@@ -91,7 +91,7 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
     return result;
   }
   result.pass = Pass::kGarbled;
-  const std::optional<FileIdentity> base_identity = base.identity();
+  const std::optional<FileIdentity> base_identity = base.Identify();
   // What the last merge of this datafile checked, while both files are as it left them.
   const MergedPrefix* known =
       session.merge_index == nullptr
@@ -178,8 +178,13 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
     }
     const bool update_row = std::find(rows.begin(), rows.end(), line) != rows.end();
     if (update_row && left_out.none() && !last_date.empty() && base_identity) {
-      result.checked = MergedPrefix{*base_identity, row_start, number - 1,    last_date,
-                                    fields,         {},        written_before};
+      result.checked = MergedPrefix{.base = *base_identity,
+                                    .base_bytes = row_start,
+                                    .base_lines = number - 1,
+                                    .last_date = last_date,
+                                    .field_commas = fields,
+                                    .datafile = {},
+                                    .datafile_bytes = written_before};
     }
     destination.WriteLine(line);
     last_date.assign(RowDate(line));
@@ -233,12 +238,6 @@ void RememberPass(Session& session, PassResult& written, const FileRewriter& des
   session.merge_index->Put(destination.target(), std::move(*written.checked));
 }
 
-// The date of the destination's last row, read from its end; empty when it has none.
-std::string DestinationLastDate(const Session& session) {
-  const std::string last = LastLineOf(DestinationPath(session));
-  return HasRowDate(last) ? std::string(RowDate(last)) : std::string();
-}
-
 // A run merges thousands of datafiles: the reader's and the writer's buffers are kept from one to
 // the next instead of being freed and allocated again for each, which made the heap shrink and
 // grow back every time.
@@ -277,15 +276,21 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
   }
   // A datafile never moves backwards: whatever the service sends (a file cut short, a body of
   // stale rows), nothing replaces the destination with rows that end before its last date.
-  const std::string kept_last_date = DestinationLastDate(session);
+  // The date of the datafile's last row as the run found it, read from its end when the first
+  // pass is to be committed (nothing is committed before).
+  std::optional<std::string> kept_last_date;
   MergeFiles& files = ReusedMergeFiles();
   FileRewriter& destination = files.destination;
   const auto commit = [&](PassResult& written) {
-    if (written.last_date < kept_last_date) {
+    if (!kept_last_date) {
+      const std::string last = destination.LastLineOfOld();
+      kept_last_date = HasRowDate(last) ? std::string(RowDate(last)) : std::string();
+    }
+    if (written.last_date < *kept_last_date) {
       destination.Discard();
       outcome.reason = "the service's file ends on " +
                        (written.last_date.empty() ? std::string("no row") : written.last_date) +
-                       ", before the datafile's last row " + kept_last_date;
+                       ", before the datafile's last row " + *kept_last_date;
       Log(session,
           "UpdateDatafile - " + run.DestinationFileName + " kept as it was: " + outcome.reason);
       return false;

@@ -25,14 +25,6 @@ std::size_t PageSize() {
   }();
   return size;
 }
-
-// Reads up to `size` bytes at `offset`; -1 on an error.
-long ReadAt(int file, char* into, std::size_t size, std::uint64_t offset) {
-  for (;;) {
-    const ssize_t got = ::pread(file, into, size, static_cast<off_t>(offset));
-    if (got >= 0 || errno != EINTR) return static_cast<long>(got);
-  }
-}
 #endif
 
 }  // namespace
@@ -57,6 +49,10 @@ bool FileRewriter::Open(std::string target) {
   if (!old_buffer_) old_buffer_ = std::make_unique<char[]>(kOldBuffer);
   mode_ = Mode::kComparing;
   return true;
+}
+
+std::string FileRewriter::LastLineOfOld() const {
+  return old_identity_ ? LastLineOf(old_file_, old_identity_->size) : std::string();
 }
 
 bool FileRewriter::TakeAsWritten(std::uint64_t bytes) {

@@ -18,7 +18,7 @@
 #include <string_view>
 
 #include "core/platform/deferred_release.h"
-#include "core/platform/file_identity.h"
+#include "core/platform/file_access.h"
 #include "core/platform/files.h"
 
 namespace corvanet {
@@ -37,6 +37,8 @@ class FileRewriter {
   bool Open(std::string target);
   // The target as it was when opened; nullopt when there was none or it cannot be told.
   const std::optional<FileIdentity>& old_identity() const { return old_identity_; }
+  // The last line of the old content (as LastLineOf gives it), read while the target is open.
+  std::string LastLineOfOld() const;
   // Takes the first `bytes` of the old content as written, unread: the caller knows they are what
   // it would write. Only before anything is written, and only within the old content.
   bool TakeAsWritten(std::uint64_t bytes);

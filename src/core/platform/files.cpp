@@ -10,6 +10,8 @@
 #include <system_error>
 #include <utility>
 
+#include "core/platform/file_access.h"
+
 #ifndef _WIN32
 #include <fcntl.h>
 #include <sys/file.h>
@@ -405,46 +407,27 @@ bool LastLineIn(std::string_view tail, bool starts_file, std::string& line) {
 
 // A row is a few hundred bytes: a short tail nearly always holds the last one whole, and the long
 // one is read only when it does not. A longer last line comes back as its tail, which still ends
-// it. A run asks this of every datafile, so it costs four system calls.
-std::string LastLineOf(const std::string& path) {
+// it.
+std::string LastLineOf(int descriptor, std::uint64_t size) {
   std::string line;
   std::string tail;
-#ifndef _WIN32
-  const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (file < 0) return {};
-  struct stat status {};
-  if (::fstat(file, &status) == 0) {
-    const off_t size = status.st_size;
-    for (const off_t wanted : {off_t{4 * 1024}, off_t{64 * 1024}}) {
-      const off_t start = size > wanted ? size - wanted : 0;
-      tail.resize(static_cast<std::size_t>(size - start));
-      const ssize_t got = ::pread(file, tail.data(), tail.size(), start);
-      if (got < 0) {
-        line.clear();
-        break;
-      }
-      tail.resize(static_cast<std::size_t>(got));
-      if (LastLineIn(tail, start == 0, line) || wanted > size) break;
-    }
+  for (const std::uint64_t wanted : {std::uint64_t{4 * 1024}, std::uint64_t{64 * 1024}}) {
+    const std::uint64_t start = size > wanted ? size - wanted : 0;
+    tail.resize(static_cast<std::size_t>(size - start));
+    const long got = ReadAt(descriptor, tail.data(), tail.size(), start);
+    if (got < 0) return {};
+    tail.resize(static_cast<std::size_t>(got));
+    if (LastLineIn(tail, start == 0, line) || wanted > size) break;
   }
-  ::close(file);
   return line;
-#else
-  std::FILE* file = std::fopen(path.c_str(), "rb");
-  if (file == nullptr) return {};
-  if (std::fseek(file, 0, SEEK_END) == 0) {
-    const long size = std::ftell(file);
-    for (const long wanted : {4L * 1024, 64L * 1024}) {
-      const long start = size > wanted ? size - wanted : 0;
-      if (size < 0 || std::fseek(file, start, SEEK_SET) != 0) break;
-      tail.resize(static_cast<std::size_t>(size - start));
-      tail.resize(std::fread(tail.data(), 1, tail.size(), file));
-      if (LastLineIn(tail, start == 0, line) || wanted > size) break;
-    }
-  }
-  std::fclose(file);
+}
+
+std::string LastLineOf(const std::string& path) {
+  const int file = OpenForReading(path);
+  const std::optional<std::uint64_t> length = LengthOf(file);
+  std::string line = length ? LastLineOf(file, *length) : std::string();
+  CloseFile(file);
   return line;
-#endif
 }
 
 std::optional<std::string> ReadWholeFile(const std::string& path) {

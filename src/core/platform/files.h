@@ -89,7 +89,10 @@ int RemoveStaleTemporaryFiles(const std::string& folder);
 bool CopyFileReplacing(const std::string& from, const std::string& to);
 // The last line of a file that holds more than blanks (its end read, not the whole file), without
 // its line end; empty when the file is missing, empty or holds only blank lines.
+// A run asks this of every datafile, so it costs four system calls.
 std::string LastLineOf(const std::string& path);
+// The same of an open file of `size` bytes.
+std::string LastLineOf(int descriptor, std::uint64_t size);
 // The whole content of a (small) file; nullopt when it cannot be read.
 std::optional<std::string> ReadWholeFile(const std::string& path);
 std::string CurrentDirectory();

@@ -1,16 +1,7 @@
 #include "core/platform/line_reader.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
-
-#ifndef _WIN32
-#include <fcntl.h>
-#include <unistd.h>
-#else
-#include <fcntl.h>
-#include <io.h>
-#endif
 
 namespace corvanet {
 
@@ -18,32 +9,16 @@ namespace {
 
 constexpr std::size_t kChunk = 64 * 1024;
 
-// Reads at an offset of the reader's own keeping, so positioning costs no system call.
-long ReadAt(int file, char* into, std::size_t size, std::uint64_t offset) {
-#ifndef _WIN32
-  for (;;) {
-    const ssize_t got = ::pread(file, into, size, static_cast<off_t>(offset));
-    if (got >= 0 || errno != EINTR) return static_cast<long>(got);
-  }
-#else
-  if (::_lseeki64(file, static_cast<long long>(offset), SEEK_SET) < 0) return -1;
-  return ::_read(file, into, static_cast<unsigned>(std::min<std::size_t>(size, 1u << 30)));
-#endif
-}
-
 }  // namespace
 
 bool LineReader::Open(const std::string& path) {
   Close();
-#ifndef _WIN32
-  file_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-#else
-  file_ = ::_open(path.c_str(), _O_RDONLY | _O_BINARY);
-#endif
+  file_ = OpenForReading(path);
   if (file_ < 0) return false;
   buffer_.resize(kChunk);
   begin_ = end_ = 0;
   file_offset_ = 0;
+  length_.reset();
   eof_ = failed_ = too_long_ = false;
   return true;
 }
@@ -54,25 +29,21 @@ void LineReader::SkipTo(std::uint64_t offset) {
   eof_ = !is_open();
 }
 
-std::optional<FileIdentity> LineReader::identity() const {
-  return IdentityOf(file_);
+std::optional<FileIdentity> LineReader::Identify() {
+  std::optional<FileIdentity> identity = IdentityOf(file_);
+  if (identity) length_ = identity->size;
+  return identity;
 }
 
 void LineReader::Close() {
-  if (file_ >= 0) {
-#ifndef _WIN32
-    ::close(file_);
-#else
-    ::_close(file_);
-#endif
-  }
+  CloseFile(file_);
   file_ = -1;
   begin_ = end_ = 0;
   eof_ = true;
 }
 
 bool LineReader::Fill() {
-  if (eof_ || file_ < 0) return false;
+  if (eof_ || file_ < 0 || (length_ && file_offset_ >= *length_)) return false;
   // Keep the unread tail, then read behind it; grow when one line fills the whole buffer.
   if (begin_ > 0) {
     std::memmove(buffer_.data(), buffer_.data() + begin_, end_ - begin_);
@@ -86,7 +57,10 @@ bool LineReader::Fill() {
     }
     buffer_.resize(buffer_.size() * 2);
   }
-  const long got = ReadAt(file_, buffer_.data() + end_, buffer_.size() - end_, file_offset_);
+  std::size_t wanted = buffer_.size() - end_;
+  if (length_)
+    wanted = static_cast<std::size_t>(std::min<std::uint64_t>(wanted, *length_ - file_offset_));
+  const long got = ReadAt(file_, buffer_.data() + end_, wanted, file_offset_);
   if (got <= 0) {
     eof_ = true;
     failed_ = got < 0;

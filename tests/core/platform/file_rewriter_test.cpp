@@ -81,7 +81,9 @@ TEST(FileRewriterTest, EndsWithTheNewContentTouchingOnlyWhatChanged) {
     if (c.old_content != nullptr) WriteFile(path, c.old_content);
     const ino_t before = InodeOf(path);
     ASSERT_TRUE(rewriter.Open(path));
-    if (c.known > 0) ASSERT_TRUE(rewriter.TakeAsWritten(c.known));
+    if (c.known > 0) {
+      ASSERT_TRUE(rewriter.TakeAsWritten(c.known));
+    }
     for (const std::string& line : c.lines) rewriter.WriteLine(line);
     ASSERT_TRUE(rewriter.Commit()) << rewriter.error();
     EXPECT_EQ(rewriter.change(), c.change);

@@ -1,10 +1,58 @@
-#include "core/platform/file_identity.h"
+#include "core/platform/file_access.h"
 
+#include <algorithm>
+#include <cerrno>
+
+#include <fcntl.h>
 #ifndef _WIN32
 #include <sys/stat.h>
+#include <unistd.h>
+#else
+#include <io.h>
 #endif
 
 namespace corvanet {
+
+int OpenForReading(const std::string& path) {
+#ifndef _WIN32
+  return ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+#else
+  return ::_open(path.c_str(), _O_RDONLY | _O_BINARY);
+#endif
+}
+
+void CloseFile(int descriptor) {
+  if (descriptor < 0) return;
+#ifndef _WIN32
+  ::close(descriptor);
+#else
+  ::_close(descriptor);
+#endif
+}
+
+long ReadAt(int descriptor, char* into, std::size_t size, std::uint64_t offset) {
+#ifndef _WIN32
+  for (;;) {
+    const ssize_t got = ::pread(descriptor, into, size, static_cast<off_t>(offset));
+    if (got >= 0 || errno != EINTR) return static_cast<long>(got);
+  }
+#else
+  if (::_lseeki64(descriptor, static_cast<long long>(offset), SEEK_SET) < 0) return -1;
+  return ::_read(descriptor, into, static_cast<unsigned>(std::min<std::size_t>(size, 1u << 30)));
+#endif
+}
+
+std::optional<std::uint64_t> LengthOf(int descriptor) {
+  if (descriptor < 0) return std::nullopt;
+#ifndef _WIN32
+  struct stat status {};
+  if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+#else
+  struct _stat64 status {};
+  if (::_fstat64(descriptor, &status) != 0 || (status.st_mode & _S_IFREG) == 0) return std::nullopt;
+#endif
+  return static_cast<std::uint64_t>(status.st_size);
+}
 
 namespace {
 
