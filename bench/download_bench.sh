@@ -29,12 +29,16 @@ source "$here/demo_service.sh"
 start_service "$composites" "$years" "$delay"
 cd "$work"
 
-# Runs a command under /usr/bin/time and appends "seconds peak-KiB" to the file $1.
+# Runs a command and appends "seconds peak-KiB" to the file $1: the time to the millisecond (a run
+# after one bar takes a tenth of a second), the memory from /usr/bin/time.
 timed() {
   local into=$1
   shift
-  /usr/bin/time -f "%e %M" -o "$work/t" "$@" >"$work/out" 2>&1
-  cat "$work/t" >>"$into"
+  local start=$EPOCHREALTIME
+  /usr/bin/time -f "%M" -o "$work/t" "$@" >"$work/out" 2>&1
+  local end=$EPOCHREALTIME
+  awk -v s="$start" -v e="$end" -v kb="$(cat "$work/t")" 'BEGIN { printf "%.3f %d\n", e - s, kb }' \
+    >>"$into"
 }
 best() { sort -n "$1" | head -1; }
 load() { cut -d' ' -f1-3 /proc/loadavg; }
@@ -104,8 +108,8 @@ mib=$(du -sm "$data/Daily" "$data/Weekly" "$data/Monthly" "$data/Quarterly" |
 echo "incremental run after one new bar: $mib MiB of datafiles (load $(load))"
 grep -E 'merge|whole|failed' "$work/merge.out" | sed 's/^/  /'
 awk -v r="$merge_s" -v c="$cp_s" -v f="$floor_s" -v kb="$merge_kb" -v n="$urls" 'BEGIN {
-  printf "  ours %.2f s | cp -r of the four period folders %.2f s\n", r, c;
-  printf "  (reading every base copy and atomically replacing a copy of it, nothing else: %.2f s)\n",
+  printf "  ours %.3f s | cp -r of the four period folders %.3f s\n", r, c;
+  printf "  (reading every base copy and atomically replacing a copy of it, nothing else: %.3f s)\n",
          f;
   printf "  ours / cp %.2fx (target <= 1.0x), %.2f ms per datafile, peak memory %.1f MiB\n",
          r / c, r * 1000 / n, kb / 1024 }'
