@@ -19,7 +19,6 @@ constexpr std::string_view kFirstLine = "Corvanet merge index 1";
 
 // One line per datafile: a checksum of the rest of the line, the numbers, the last date, then the
 // datafile's path, which may hold commas of its own and so comes last.
-constexpr std::size_t kNumbers = 14;
 constexpr std::size_t kChecksumDigits = 16;
 
 // FNV-1a: a damaged or hand-edited line must not pass for an entry.
@@ -62,7 +61,6 @@ bool ParseLine(std::string_view line, std::string& path, MergedPrefix& prefix) {
                        TakeNumber(line, datafile.device) && TakeNumber(line, datafile.inode) &&
                        TakeNumber(line, datafile.size) && TakeNumber(line, datafile.modified_ns) &&
                        TakeNumber(line, datafile.changed_ns);
-  static_assert(kNumbers == 14);
   if (!numbers || line.size() < 10 || line[8] != ',') return false;
   const std::string_view date = line.substr(0, 8);
   if (!std::all_of(date.begin(), date.end(), [](char c) { return c >= '0' && c <= '9'; })) {
@@ -73,14 +71,8 @@ bool ParseLine(std::string_view line, std::string& path, MergedPrefix& prefix) {
   return prefix.base_lines >= 2;
 }
 
-void AppendNumber(std::string& line, std::uint64_t value) {
-  char digits[24];
-  const auto [end, error] = std::to_chars(std::begin(digits), std::end(digits), value);
-  line.append(digits, end);
-  line += ',';
-}
-
-void AppendNumber(std::string& line, std::int64_t value) {
+template <typename Number>
+void AppendNumber(std::string& line, Number value) {
   char digits[24];
   const auto [end, error] = std::to_chars(std::begin(digits), std::end(digits), value);
   line.append(digits, end);
@@ -163,8 +155,8 @@ bool MergeIndex::Save() {
     const auto& [path, prefix] = *entry;
     line.clear();
     AppendNumber(line, prefix.base_bytes);
-    AppendNumber(line, static_cast<std::uint64_t>(prefix.base_lines));
-    AppendNumber(line, static_cast<std::uint64_t>(prefix.field_commas));
+    AppendNumber(line, prefix.base_lines);
+    AppendNumber(line, prefix.field_commas);
     AppendNumber(line, prefix.datafile_bytes);
     for (const FileIdentity* identity : {&prefix.base, &prefix.datafile}) {
       AppendNumber(line, identity->device);
