@@ -23,7 +23,11 @@ TEST_F(RetryTest, TransientFailuresAreTriedAgainAndOthersAreNot) {
       // The whole file of a datafile fails twice, the update file of its period once.
       {"3", "*/NYSEDaily-CompositeStats.csv status 503 times 2", 0,
        "Retried after a failure that may pass: 1 file(s), 1 recovered", "after a pause of 1 s"},
-      {"3", "*/Update-Daily.csv status 502 times 1", 0,
+      // Once: the update file is fetched early, and a failure that may pass is fetched again when
+      // the walk asks for the file, which then meets no failure at all.
+      {"3", "*/Update-Daily.csv status 502 times 1", 0, nullptr, nullptr},
+      // Twice: the walk's own fetch fails too.
+      {"3", "*/Update-Daily.csv status 502 times 2", 0,
        "Retried after a failure that may pass: 1 file(s), 1 recovered", nullptr},
       // Too few rounds: reported as failed after them, the service's Retry-After honoured.
       {"1", "*/NYSEDaily-CompositeStats.csv status 429 times 5", 3,
@@ -74,7 +78,7 @@ TEST_F(RetryTest, AServiceThatStopsAnsweringStopsTheRun) {
   MakeList(2, "eSignal", "D,W,M,Q", {});
   ::setenv("CORVANET_HTTP_TIMEOUT", "1", 1);
   service.SetFaults({"*/Update-*.csv delay 3000"});
-  const CliResult run = RunList(2);
+  const CliResult run = RunIn({"--log", "run", "2"});
   ::unsetenv("CORVANET_HTTP_TIMEOUT");
   EXPECT_EQ(run.code, 3) << run.out;
   EXPECT_TRUE(Contains(run.out, "Datafiles not updated: 9")) << run.out;
@@ -82,7 +86,8 @@ TEST_F(RetryTest, AServiceThatStopsAnsweringStopsTheRun) {
       Contains(run.out, "The data service does not answer; run stopped: 2 datafile(s) not tried"))
       << run.out;
   EXPECT_FALSE(Contains(run.out, "Retried")) << run.out;
-  EXPECT_EQ(Requests("Update-Quarterly.csv"), 0);
+  // Its update file may have been fetched early, but the walk never asked for it.
+  EXPECT_FALSE(Contains(Log(), "Update-Quarterly.csv")) << Log();
   EXPECT_EQ(Snapshot("Daily"), before_);
 }
 

@@ -43,6 +43,9 @@ std::optional<FetchResult> EarlyFetches::Take(const FetchRequest& request,
   pending_.erase(found);
   FetchResult result = pool_->Commit(ticket);
   if (pending_.empty()) pool_.reset();
+  if (!result.ok() && result.transient() && result.status != FetchStatus::kTimedOut) {
+    return std::nullopt;
+  }
   return result;
 }
 

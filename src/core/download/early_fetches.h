@@ -5,8 +5,15 @@
 // own with nothing else going on, and on a run that only merges those waits are most of its time.
 //
 // A body fetched early is only taken by RetrieveDataFile when it asks for the same file with the
-// same credentials, at the moment it would have fetched it, so the log lines, fetch counts and
-// failures land where they would without fetching early. A body nobody asks for is dropped unseen.
+// same credentials, at the moment it would have fetched it, so the log lines and fetch counts land
+// where they would without fetching early. An early failure that may have passed since (a network
+// error, a cut body, 429 or 5xx) is not taken: the step fetches then and there, as it would have,
+// instead of inheriting a failure from earlier in the run. A time-out is taken: it has already cost
+// its wait, a service silent then is counted as silent as soon as it would be without fetching
+// early, and the retry rounds try an update file again. A refusal (401, 404) or a body is what the
+// step would have met. A body nobody asks for is dropped unseen.
+//
+// The early pool adds at most four connections to the walk's pool (CORVANET_CONNECTIONS).
 #include <memory>
 #include <optional>
 #include <string>
@@ -30,7 +37,8 @@ class EarlyFetches {
   // files are fetched one at a time (CORVANET_CONNECTIONS=1).
   void Start(std::string_view remote_path, std::string_view local_name);
 
-  // The body fetched early for exactly this request, brought into place now; nullopt when none was.
+  // The answer fetched early for exactly this request, its body brought into place now; nullopt
+  // when none was, or when it was a failure that may have passed (then the caller fetches).
   std::optional<FetchResult> Take(const FetchRequest& request, const std::string& local_path);
 
  private:

@@ -115,7 +115,7 @@ MergeIndex::~MergeIndex() {
 const MergedPrefix* MergeIndex::Match(const std::string& datafile_path,
                                       const std::optional<FileIdentity>& base,
                                       const std::optional<FileIdentity>& datafile) {
-  ++matched_;
+  ++asked_;
   const auto found = entries_.find(datafile_path);
   if (found == entries_.end()) return nullptr;
   const MergedPrefix& entry = found->second;
@@ -138,8 +138,8 @@ void MergeIndex::Forget(const std::string& datafile_path) {
 }
 
 bool MergeIndex::Save() {
-  if (matched_ > 0) {
-    Log(session_, "MergeIndex - " + std::to_string(resumed_) + " of " + std::to_string(matched_) +
+  if (asked_ > 0) {
+    Log(session_, "MergeIndex - " + std::to_string(resumed_) + " of " + std::to_string(asked_) +
                       " merge(s) started where the last merge of their datafile stopped");
   }
   if (!changed_) return true;

@@ -67,7 +67,7 @@ class MergeIndex {
   std::string path_;
   std::unordered_map<std::string, MergedPrefix> entries_;
   bool changed_ = false;
-  int matched_ = 0;  // Match calls
+  int asked_ = 0;  // Match calls
   int resumed_ = 0;
 };
 

@@ -145,13 +145,11 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
     const bool after_known = std::all_of(rows.begin(), rows.end(), [&](std::string_view row) {
       return RowDate(row) > std::string_view(known->last_date);
     });
-    if (!after_known) {
+    if (!after_known || !destination.TakeAsWritten(known->datafile_bytes)) {
       known = nullptr;
       if (!read_header()) return result;
     } else {
-      // Both within their files' lengths, as Match made sure.
       base.SkipTo(known->base_bytes);
-      destination.TakeAsWritten(known->datafile_bytes);
       session.merge_index->CountResumed();
       number = known->base_lines;
       last_date = known->last_date;
@@ -276,8 +274,8 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
   }
   // A datafile never moves backwards: whatever the service sends (a file cut short, a body of
   // stale rows), nothing replaces the destination with rows that end before its last date.
-  // The date of the datafile's last row as the run found it, read from its end when the first
-  // pass is to be committed (nothing is committed before).
+  // The date of the datafile's last row before this call, read from its end when the first pass
+  // is to be committed (nothing is committed before).
   std::optional<std::string> kept_last_date;
   MergeFiles& files = ReusedMergeFiles();
   FileRewriter& destination = files.destination;
@@ -323,6 +321,9 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
       return outcome;
     }
     Log(session, "UpdateDatafile - " + tag + " - Can't update - getting full file");
+    // The base copy is about to be replaced: no entry may outlive it, even where a file system's
+    // coarse times could let the new copy pass for the old.
+    if (session.merge_index != nullptr) session.merge_index->Forget(destination.target());
     // The destination keeps its old content until a merge on a fresh copy succeeds; only a second
     // clean pass without overlap is kept, since it holds the service's whole fresh file.
     bool kept_whole_file = false;

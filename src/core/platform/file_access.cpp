@@ -4,8 +4,9 @@
 #include <cerrno>
 
 #include <fcntl.h>
-#ifndef _WIN32
 #include <sys/stat.h>
+#include <sys/types.h>
+#ifndef _WIN32
 #include <unistd.h>
 #else
 #include <io.h>

@@ -18,7 +18,10 @@ long ReadAt(int descriptor, char* into, std::size_t size, std::uint64_t offset);
 std::optional<std::uint64_t> LengthOf(int descriptor);
 
 // Writing to a file changes its size or times, replacing it gives another inode, and the change
-// time cannot be set back by anyone: two equal identities are one unchanged file.
+// time cannot be set back by anyone: on a file system that keeps times to the nanosecond, two
+// equal identities are one unchanged file. (Where times are coarse, a file replaced within the
+// same tick by one of the same size on a reused inode would pass; those who rely on an identity
+// also check what they can of the content.)
 
 struct FileIdentity {
   std::uint64_t device = 0;

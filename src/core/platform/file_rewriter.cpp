@@ -52,7 +52,7 @@ bool FileRewriter::Open(std::string target) {
 }
 
 std::string FileRewriter::LastLineOfOld() const {
-  return old_identity_ ? LastLineOf(old_file_, old_identity_->size) : std::string();
+  return old_identity_ ? LastLineOf(old_file_, old_identity_->size) : LastLineOf(target_);
 }
 
 bool FileRewriter::TakeAsWritten(std::uint64_t bytes) {

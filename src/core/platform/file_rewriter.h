@@ -37,7 +37,8 @@ class FileRewriter {
   bool Open(std::string target);
   // The target as it was when opened; nullopt when there was none or it cannot be told.
   const std::optional<FileIdentity>& old_identity() const { return old_identity_; }
-  // The last line of the old content (as LastLineOf gives it), read while the target is open.
+  // The last line of the target as it was opened (as LastLineOf gives it): from the open old copy,
+  // or by its path when it could not be opened as one (a link, say, or no file at all).
   std::string LastLineOfOld() const;
   // Takes the first `bytes` of the old content as written, unread: the caller knows they are what
   // it would write. Only before anything is written, and only within the old content.
@@ -53,7 +54,8 @@ class FileRewriter {
 
   // The bytes of the new content so far, those taken as written included.
   std::uint64_t size() const { return size_; }
-  // How the last successful Commit changed the target, and the target as it then was.
+  // How the last successful Commit changed the target, and the target as it then was (until the
+  // next Open).
   Change change() const { return change_; }
   const std::optional<FileIdentity>& identity() const { return identity_; }
   const std::string& target() const { return target_; }

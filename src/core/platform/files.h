@@ -89,7 +89,7 @@ int RemoveStaleTemporaryFiles(const std::string& folder);
 bool CopyFileReplacing(const std::string& from, const std::string& to);
 // The last line of a file that holds more than blanks (its end read, not the whole file), without
 // its line end; empty when the file is missing, empty or holds only blank lines.
-// A run asks this of every datafile, so it costs four system calls.
+// The look ahead of a run asks this of every base copy, so it costs four system calls.
 std::string LastLineOf(const std::string& path);
 // The same of an open file of `size` bytes.
 std::string LastLineOf(int descriptor, std::uint64_t size);

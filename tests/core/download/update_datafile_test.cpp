@@ -150,6 +150,17 @@ TEST_F(UpdateDatafileTest, AFreshWholeFileWithoutOverlapIsTheDatafile) {
   }
 }
 
+// The datafile's last date is read through the link, so a shorter merge does not replace it.
+TEST_F(UpdateDatafileTest, ADatafileReachedThroughALinkStillNeverMovesBackwards) {
+  WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2, 3}));
+  UpdateRowsFor({3, 4});
+  const std::string elsewhere = dir / "elsewhere.csv";
+  WriteFile(elsewhere, Datafile({1, 2, 3, 4, 5, 6}));
+  std::filesystem::create_symlink(elsewhere, daily("$NYA.csv"));
+  EXPECT_EQ(Merge().kind, Kind::kFailed);
+  EXPECT_EQ(Destination(), Expected({1, 2, 3, 4, 5, 6}));
+}
+
 TEST_F(UpdateDatafileTest, AFailedFallbackFetchLeavesDestinationAndBaseAsTheyStood) {
   WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2}));
   WriteFile(daily("$NYA.csv"), Datafile({1}));
