@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "core/download/datafile_names.h"
@@ -25,6 +26,7 @@ enum class Pass {
   kNoOverlap,  // every base row written, none of them among the update rows
   kGarbled,    // the base copy is empty or holds a row of another shape: nothing to keep
   kFailed,
+  kIndexWrong,  // the merge index's entry does not describe the files: to be done without it
 };
 
 struct PassResult {
@@ -64,6 +66,12 @@ class LeftOutRows {
   int count_ = 0;
   std::string first_;
 };
+
+PassResult& WithoutIndex(PassResult& result) {
+  result.pass = Pass::kIndexWrong;
+  result.checked.reset();
+  return result;
+}
 
 // One pass over the base copy: the header, then the base rows up to and including the first one
 // that is also an update row, then the update rows newer than it. Dates only go forward: a row
@@ -110,6 +118,15 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
     fields = CountFieldCommas(line);
     return true;
   };
+  // Every update row must be of the known rows' shape and dated after them: an update row dated
+  // among them may be one of them, and then they are all read again.
+  if (known != nullptr &&
+      !std::all_of(update_rows.begin(), update_rows.end(), [&](std::string_view row) {
+        return HoldsControlCharacter(row) || (CountFieldCommas(row) == known->field_commas &&
+                                              RowDate(row) > std::string_view(known->last_date));
+      })) {
+    known = nullptr;
+  }
   if (known != nullptr) {
     fields = known->field_commas;
   } else if (!read_header()) {
@@ -140,20 +157,15 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
 
   std::string& last_date = result.last_date;
   int number = 1;
+  // Set until the first row after the known rows is written: anything unexpected there means the
+  // entry does not describe these files (it was damaged and sealed again, say).
+  bool at_seam = false;
   if (known != nullptr) {
-    // An update row dated among the known rows may be one of them: then all are read again.
-    const bool after_known = std::all_of(rows.begin(), rows.end(), [&](std::string_view row) {
-      return RowDate(row) > std::string_view(known->last_date);
-    });
-    if (!after_known || !destination.TakeAsWritten(known->datafile_bytes)) {
-      known = nullptr;
-      if (!read_header()) return result;
-    } else {
-      base.SkipTo(known->base_bytes);
-      session.merge_index->CountResumed();
-      number = known->base_lines;
-      last_date = known->last_date;
-    }
+    if (!destination.TakeAsWritten(known->datafile_bytes)) return WithoutIndex(result);
+    base.SkipTo(known->base_bytes);
+    number = known->base_lines;
+    last_date = known->last_date;
+    at_seam = true;
   }
   std::string match;  // the view into the reader's buffer would not outlive the next read
   std::string_view line;
@@ -163,14 +175,21 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
     if (!base.Next(line)) break;
     ++number;
     line = Trim(line);
-    if (line.empty()) continue;
+    // The row after the known rows is the one the last merge wrote there: it is never blank, out
+    // of order or garbled, and the datafile holds it at the known place.
+    if (line.empty()) {
+      if (at_seam) return WithoutIndex(result);
+      continue;
+    }
     const RowShape shape = ShapeOf(line);
     if (shape.field_commas != fields || !HasRowDate(line)) {
+      if (known != nullptr) return WithoutIndex(result);
       Log(session, "UpdateDatafile - " + session.run.BaseFileName + " line " +
                        std::to_string(number) + " is garbled");
       return result;
     }
     if (RowDate(line) <= std::string_view(last_date) || shape.control) {
+      if (at_seam) return WithoutIndex(result);
       left_out.Add(session.run.BaseFileName, number);
       continue;
     }
@@ -185,6 +204,9 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
                                     .datafile_bytes = written_before};
     }
     destination.WriteLine(line);
+    if (std::exchange(at_seam, false) && !destination.RepeatsOldContent()) {
+      return WithoutIndex(result);
+    }
     last_date.assign(RowDate(line));
     if (update_row) {
       match.assign(line);
@@ -221,6 +243,7 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
       left_out.Add("the update rows of " + session.run.WebSymbol);
     }
   }
+  if (known != nullptr) session.merge_index->CountResumed();
   result.pass = Pass::kMerged;
   return result;
 }
@@ -313,6 +336,15 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
     if (written.pass == Pass::kFailed) {
       destination.Discard();  // the reused writer must not keep a temporary file until the next one
       return outcome;
+    }
+    if (written.pass == Pass::kIndexWrong) {
+      // A damaged or forged entry: nothing of the pass is kept, and the merge is done again from
+      // the top, as without the index.
+      destination.Discard();
+      Log(session, "MergeIndex - the entry of " + destination.target() +
+                       " does not describe its files; they are read whole");
+      session.merge_index->Forget(destination.target());
+      continue;
     }
     if (written.pass == Pass::kMerged) {
       if (!commit(written)) return outcome;

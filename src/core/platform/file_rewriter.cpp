@@ -187,8 +187,9 @@ bool FileRewriter::Append() {
   const int file = ::open(target_.c_str(), O_WRONLY | O_CLOEXEC | O_NOFOLLOW);
   struct stat status {};
   if (file < 0 || ::fstat(file, &status) != 0 ||
-      static_cast<std::uint64_t>(status.st_size) != matched_) {
-    // A file that cannot be written to (or that changed under us) is still replaced whole.
+      static_cast<std::uint64_t>(status.st_size) != matched_ || status.st_nlink != 1) {
+    // A file that cannot be written to (or that changed under us) is still replaced whole, and so
+    // is one with other names: writing in place would change the file under those names too.
     if (file >= 0) ::close(file);
     StartReplacing();
     return Commit();

@@ -8,7 +8,8 @@
 // - New content equal to the old leaves the file untouched.
 // - New content that starts with the whole old content gets the rest appended with one write
 //   that stays within one page of the file, which the kernel copies whole or not at all even
-//   when the process is killed; a failed append is cut back to the old length.
+//   when the process is killed; a failed append is cut back to the old length. A file with other
+//   names (hard links) is not written in place.
 // - Anything else (a revised row, a shorter file, a longer tail) replaces the file through an
 //   AtomicFileWriter, so no reader ever sees it half changed.
 #include <cstdint>
@@ -52,6 +53,8 @@ class FileRewriter {
   bool Commit();
   void Discard();
 
+  // Whether all written so far repeats the old content, which goes on at least as far.
+  bool RepeatsOldContent() const { return mode_ == Mode::kComparing; }
   // The bytes of the new content so far, those taken as written included.
   std::uint64_t size() const { return size_; }
   // How the last successful Commit changed the target, and the target as it then was (until the

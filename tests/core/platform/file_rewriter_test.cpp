@@ -36,6 +36,7 @@ struct RewriteCase {
   std::vector<std::string> lines;  // after the known bytes
   Change change;
   std::size_t known = 0;  // bytes of the old content taken as written, unread
+  bool linked = false;    // the old file has a second name, which must keep the old content
 };
 
 TEST(FileRewriterTest, EndsWithTheNewContentTouchingOnlyWhatChanged) {
@@ -71,14 +72,23 @@ TEST(FileRewriterTest, EndsWithTheNewContentTouchingOnlyWhatChanged) {
        {"3,5"},
        Change::kReplaced,
        17},
+      {"one row more, the file known by a second name",
+       "Date,Close\r\n1,2\r\n",
+       {"Date,Close", "1,2", "3,4"},
+       Change::kReplaced,
+       0,
+       true},
   };
   TempDir dir;
   FileRewriter rewriter;  // one for all cases, as a run reuses it
   for (const RewriteCase& c : cases) {
     SCOPED_TRACE(c.name);
     const std::string path = dir / "datafile.csv";
+    const std::string second_name = dir / "second.csv";
     std::filesystem::remove(path);
+    std::filesystem::remove(second_name);
     if (c.old_content != nullptr) WriteFile(path, c.old_content);
+    if (c.linked) std::filesystem::create_hard_link(path, second_name);
     const ino_t before = InodeOf(path);
     ASSERT_TRUE(rewriter.Open(path));
     if (c.known > 0) {
@@ -93,7 +103,10 @@ TEST(FileRewriterTest, EndsWithTheNewContentTouchingOnlyWhatChanged) {
     if (c.change != Change::kReplaced) {
       EXPECT_EQ(InodeOf(path), before) << "written in place";
     }
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 1)
+    if (c.linked) {
+      EXPECT_EQ(ReadFile(second_name), c.old_content);
+    }
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), c.linked ? 2 : 1)
         << "no temporary file stays";
   }
 }
