@@ -26,6 +26,7 @@ bool HasRowDate(std::string_view row) {
 
 bool UpdateFileIndex::Load(const std::string& path) {
   rows_by_symbol_.clear();
+  rows_text_.clear();
   last_symbol_.clear();
   garbled_lines_ = first_garbled_line_ = 0;
   row_commas_ = std::string_view::npos;
@@ -45,7 +46,8 @@ bool UpdateFileIndex::Load(const std::string& path) {
       continue;
     }
     if (row_commas_ == std::string_view::npos) row_commas_ = CountChar(row, ',');
-    rows_by_symbol_[std::string(symbol)].push_back({number, std::string(row)});
+    rows_by_symbol_[std::string(symbol)].push_back({number, rows_text_.size(), row.size()});
+    rows_text_.append(row);
   }
   loaded_ = !lines.failed();
   return loaded_;
@@ -66,7 +68,8 @@ std::vector<std::string_view> UpdateFileIndex::RowsFor(std::string_view web_symb
   while (rows.size() < kUpdateSlots && (a < own.size() || b < shortened.size())) {
     const bool take_own =
         b >= shortened.size() || (a < own.size() && own[a].number < shortened[b].number);
-    rows.emplace_back(take_own ? own[a++].row : shortened[b++].row);
+    const Line& line = take_own ? own[a++] : shortened[b++];
+    rows.push_back(std::string_view(rows_text_).substr(line.offset, line.size));
   }
   return rows;
 }

@@ -31,10 +31,14 @@ class UpdateFileIndex {
   int first_garbled_line() const { return first_garbled_line_; }
 
  private:
+  // A row is kept as its place in rows_text_: one buffer for the whole file instead of one
+  // allocation per line.
   struct Line {
     int number;
-    std::string row;
+    std::size_t offset;
+    std::size_t size;
   };
+  std::string rows_text_;
   std::unordered_map<std::string, std::vector<Line>> rows_by_symbol_;
   std::string last_symbol_;
   int garbled_lines_ = 0;

@@ -46,7 +46,7 @@ bool FileRewriter::Open(std::string target) {
     StartReplacing();
     return mode_ == Mode::kReplacing;
   }
-  if (!old_buffer_) old_buffer_ = std::make_unique<char[]>(kOldBuffer);
+  if (!old_buffer_) old_buffer_ = std::make_unique_for_overwrite<char[]>(kOldBuffer);
   mode_ = Mode::kComparing;
   return true;
 }

@@ -180,7 +180,7 @@ bool AtomicFileWriter::Open(std::string target, FileAccess access) {
     std::fclose(std::exchange(file_, nullptr));
     temp_ = TempNameFor(target_);
   }
-  if (!buffer_) buffer_ = std::make_unique<char[]>(kWriteBuffer);
+  if (!buffer_) buffer_ = std::make_unique_for_overwrite<char[]>(kWriteBuffer);
   std::setvbuf(file_, buffer_.get(), _IOFBF, kWriteBuffer);
   return true;
 }

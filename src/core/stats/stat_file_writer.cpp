@@ -168,7 +168,7 @@ std::string StatisticFilePath(const Session& session, std::string_view listed_sy
 }
 
 // The block has room behind its end for a whole 16-character head.
-StatisticFile::StatisticFile() : block_(std::make_unique<char[]>(kBlockSize + 16)) {}
+StatisticFile::StatisticFile() : block_(std::make_unique_for_overwrite<char[]>(kBlockSize + 16)) {}
 
 bool StatisticFile::Open(const std::string& path) {
   used_ = 0;
