@@ -103,9 +103,11 @@ int Serve(const std::vector<std::string>& args, std::ostream& out, std::ostream&
   server.new_task_queue = [] { return new httplib::ThreadPool(kWorkers); };
   // Only SO_REUSEADDR: the library's default also sets SO_REUSEPORT, with which a second server
   // on a port already in use would start without an error.
-  server.set_socket_options([](socket_t socket) {
+  socket_t listening = INVALID_SOCKET;
+  server.set_socket_options([&listening](socket_t socket) {
     int yes = 1;
     ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    listening = socket;
   });
   // Headers and body go out in separate writes; without this each answer waits on a delayed ACK.
   server.set_tcp_nodelay(true);
@@ -117,6 +119,10 @@ int Serve(const std::vector<std::string>& args, std::ostream& out, std::ostream&
   });
 
   const int bound = Bind(server, host, port);
+  // The library listens with a backlog of five: a client opening eight connections at once (a
+  // pool of fetches) had some of them dropped and tried again by its system a second later. A
+  // second listen() on the bound socket raises the backlog.
+  if (listening != INVALID_SOCKET) ::listen(listening, SOMAXCONN);
   if (!port_file.empty() && !WriteWholeFile(port_file, std::to_string(bound) + "\n")) {
     throw RunError("cannot write the port file " + port_file);
   }
