@@ -210,7 +210,7 @@ RunSummary DownLoadButton_Click(Session& session) {
   for (int period = 1; period <= 4; ++period) {
     const std::string_view ticked = TickedPeriod(ui, period);
     if (ticked.empty()) continue;
-    early_fetches.Start(UpdateFileName(ticked), UpdateFileName(ticked));
+    early_fetches.Start(UpdateFileName(ticked));
     last_period = period;
   }
   for (int period = 1; period <= 4; ++period) {
@@ -219,8 +219,8 @@ RunSummary DownLoadButton_Click(Session& session) {
     if (period == last_period) {
       // The closing steps' files, fetched while the last period is walked. The run never starts
       // with the log-in placeholders, so the master file is always fetched.
-      early_fetches.Start(SystemMessageFileName(session), SystemMessageFileName(session));
-      early_fetches.Start(session.app.MasterFileName, session.app.MasterFileName);
+      early_fetches.Start(SystemMessageFileName(session));
+      early_fetches.Start(session.app.MasterFileName);
     }
     RunPeriod(session, run_total, summary);
     summary.service_silent = run.service_silent;

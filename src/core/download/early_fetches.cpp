@@ -23,12 +23,12 @@ EarlyFetches::~EarlyFetches() {
   // The pool stops what is still under way and removes every body not taken.
 }
 
-void EarlyFetches::Start(std::string_view remote_path, std::string_view local_name) {
+void EarlyFetches::Start(std::string_view name) {
   const int connections = std::min(FetchAhead::ConnectionsWanted(), kMostConnections);
   if (connections <= 1) return;
   if (!pool_) pool_ = session_.http.OpenPool(connections);
   if (!pool_) return;  // a client that fetches one file at a time
-  Pending pending{ServiceRequest(session_, remote_path), BaseFilePath(session_, local_name), 0};
+  Pending pending{ServiceRequest(session_, name), BaseFilePath(session_, name), 0};
   pending.ticket = pool_->Add(pending.request, pending.local_path);
   pending_.push_back(std::move(pending));
 }

@@ -33,9 +33,10 @@ class EarlyFetches {
   EarlyFetches(const EarlyFetches&) = delete;
   EarlyFetches& operator=(const EarlyFetches&) = delete;
 
-  // Starts fetching what RetrieveDataFile(remote_path, local_name) will fetch. Does nothing when
-  // files are fetched one at a time (CORVANET_CONNECTIONS=1).
-  void Start(std::string_view remote_path, std::string_view local_name);
+  // Starts fetching what RetrieveDataFile(name, name) will fetch (every file a run fetches early
+  // has one name on the service and on disk). Does nothing when files are fetched one at a time
+  // (CORVANET_CONNECTIONS=1).
+  void Start(std::string_view name);
 
   // The answer fetched early for exactly this request, its body brought into place now; nullopt
   // when none was, or when it was a failure that may have passed (then the caller fetches).

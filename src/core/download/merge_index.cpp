@@ -119,8 +119,8 @@ const MergedPrefix* MergeIndex::Match(const std::string& datafile_path,
   const auto found = entries_.find(datafile_path);
   if (found == entries_.end()) return nullptr;
   const MergedPrefix& entry = found->second;
-  if (base != entry.base || datafile != entry.datafile || entry.base_bytes > entry.base.size ||
-      entry.datafile_bytes > entry.datafile.size) {
+  // The datafile's offset is checked where it is taken (FileRewriter::TakeAsWritten).
+  if (base != entry.base || datafile != entry.datafile || entry.base_bytes > entry.base.size) {
     return nullptr;
   }
   return &entry;

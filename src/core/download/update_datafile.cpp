@@ -99,7 +99,7 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
     return result;
   }
   result.pass = Pass::kGarbled;
-  const std::optional<FileIdentity> base_identity = base.Identify();
+  const std::optional<FileIdentity> base_identity = base.identity();
   // What the last merge of this datafile checked, while both files are as it left them.
   const MergedPrefix* known =
       session.merge_index == nullptr

@@ -1,6 +1,5 @@
 #include "core/platform/line_reader.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace corvanet {
@@ -18,7 +17,6 @@ bool LineReader::Open(const std::string& path) {
   buffer_.resize(kChunk);
   begin_ = end_ = 0;
   file_offset_ = 0;
-  length_.reset();
   eof_ = failed_ = too_long_ = false;
   return true;
 }
@@ -29,12 +27,6 @@ void LineReader::SkipTo(std::uint64_t offset) {
   eof_ = !is_open();
 }
 
-std::optional<FileIdentity> LineReader::Identify() {
-  std::optional<FileIdentity> identity = IdentityOf(file_);
-  if (identity) length_ = identity->size;
-  return identity;
-}
-
 void LineReader::Close() {
   CloseFile(file_);
   file_ = -1;
@@ -43,7 +35,7 @@ void LineReader::Close() {
 }
 
 bool LineReader::Fill() {
-  if (eof_ || file_ < 0 || (length_ && file_offset_ >= *length_)) return false;
+  if (eof_ || file_ < 0) return false;
   // Keep the unread tail, then read behind it; grow when one line fills the whole buffer.
   if (begin_ > 0) {
     std::memmove(buffer_.data(), buffer_.data() + begin_, end_ - begin_);
@@ -57,10 +49,7 @@ bool LineReader::Fill() {
     }
     buffer_.resize(buffer_.size() * 2);
   }
-  std::size_t wanted = buffer_.size() - end_;
-  if (length_)
-    wanted = static_cast<std::size_t>(std::min<std::uint64_t>(wanted, *length_ - file_offset_));
-  const long got = ReadAt(file_, buffer_.data() + end_, wanted, file_offset_);
+  const long got = ReadAt(file_, buffer_.data() + end_, buffer_.size() - end_, file_offset_);
   if (got <= 0) {
     eof_ = true;
     failed_ = got < 0;

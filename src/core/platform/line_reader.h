@@ -33,9 +33,8 @@ class LineReader {
   std::uint64_t offset() const { return file_offset_ - (end_ - begin_); }
   // Goes on reading from `offset`, which must be where a line starts.
   void SkipTo(std::uint64_t offset);
-  // The open file's identity; nullopt when it cannot be told. The file is then read as it was at
-  // this moment: its end is where its length was, and finding it costs no further read.
-  std::optional<FileIdentity> Identify();
+  // The open file's identity; nullopt when it cannot be told.
+  std::optional<FileIdentity> identity() const { return IdentityOf(file_); }
   bool failed() const { return failed_; }
   bool line_too_long() const { return too_long_; }
   void Close();
@@ -45,10 +44,9 @@ class LineReader {
 
   int file_ = -1;
   std::string buffer_;
-  std::size_t begin_ = 0;                // start of unread data in buffer_
-  std::size_t end_ = 0;                  // end of valid data in buffer_
-  std::uint64_t file_offset_ = 0;        // where in the file buffer_[end_] comes from
-  std::optional<std::uint64_t> length_;  // the file's, once Identify has told it
+  std::size_t begin_ = 0;          // start of unread data in buffer_
+  std::size_t end_ = 0;            // end of valid data in buffer_
+  std::uint64_t file_offset_ = 0;  // where in the file buffer_[end_] comes from
   bool eof_ = false;
   bool failed_ = false;
   bool too_long_ = false;
