@@ -10,6 +10,7 @@
 #include "cli/commands.h"
 #include "cli/progress_line.h"
 #include "core/app/startup.h"
+#include "core/download/early_fetches.h"
 #include "core/platform/clock.h"
 #include "core/platform/headless_shell.h"
 #include "core/platform/http.h"
@@ -48,6 +49,11 @@ int StartAndRun(const CommandLine& line, std::ostream& out, std::ostream& err,
   startup.start_directory = environment.start_directory;
   startup.change_directory = environment.change_directory;
   startup.may_run_unattended = line.command.empty();
+  if (line.command == "run") startup.list_to_run = line.list;
+  // Held from start-up on by a start that may run a list, so the list's update files are fetched
+  // beside the master file start-up fetches.
+  std::optional<EarlyFetches> early_fetches;
+  if (startup.may_run_unattended || startup.list_to_run != 0) early_fetches.emplace(session);
   if (!Form_Load(session, startup)) {
     err << "corvanet-cli: start-up failed: could not create the installation in "
         << session.app.ProgramDirectory << '\n';

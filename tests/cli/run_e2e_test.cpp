@@ -136,6 +136,26 @@ TEST_F(RunTest, SystemMessagesAreShownAsTheOptionsAsk) {
   EXPECT_TRUE(Contains(run.out, "Update for Download List 2 completed on "));
 }
 
+// A start that runs a list asks for the list's update files while start-up waits for the master
+// file, and the walk takes them instead of asking again; the periods the list leaves out are not
+// asked for.
+TEST_F(RunTest, TheUpdateFilesOfTheListToRunAreFetchedBesideTheStartUpMasterFile) {
+  MakeList(3, "eSignal", "D,W", {"$NYA"});
+  const std::size_t before = service.log().size();
+  service.SetFaults({"*/Masterfile2.csv delay 400 times 1"});
+  const CliResult run = RunList(3);
+  ASSERT_EQ(run.code, 0) << run.out << run.err;
+  const std::string log = service.log().substr(before);
+  const std::size_t master_file = log.find("Masterfile2.csv");
+  ASSERT_NE(master_file, std::string::npos) << log;
+  for (const char* update_file : {"Update-Daily.csv", "Update-Weekly.csv"}) {
+    EXPECT_LT(log.find(update_file), master_file) << update_file << " answered first:\n" << log;
+    EXPECT_EQ(log.find(update_file, log.find(update_file) + 1), std::string::npos) << update_file;
+  }
+  EXPECT_EQ(log.find("Update-Monthly.csv"), std::string::npos) << log;
+  EXPECT_TRUE(Contains(run.out, "Datafiles fetched whole: 2")) << run.out;
+}
+
 TEST_F(RunTest, RunListNumStartsOneUnattendedRun) {
   MakeList(4, "eSignal", "D", {"$INDU"});
   WriteFile(start() + "RunListNum.txt", "4\r\n");

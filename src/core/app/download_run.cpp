@@ -1,6 +1,7 @@
 #include "core/app/download_run.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 
 #include "core/app/run_folders.h"
@@ -205,7 +206,12 @@ RunSummary DownLoadButton_Click(Session& session) {
   run.retry_after_seconds = 0;
   PriceFilesOfTheWalk price_files(session);
   MergeIndex merge_index(session);
-  EarlyFetches early_fetches(session);
+  // A start that runs a list keeps its early fetches from start-up on (the update files may already
+  // be under way); a click has its own.
+  std::optional<EarlyFetches> own_early_fetches;
+  EarlyFetches& early_fetches = session.early_fetches != nullptr
+                                    ? *session.early_fetches
+                                    : own_early_fetches.emplace(session);
   int last_period = 0;
   for (int period = 1; period <= 4; ++period) {
     const std::string_view ticked = TickedPeriod(ui, period);

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "core/download/early_fetches.h"
 #include "core/download/refresh_masterfile.h"
 #include "core/lists/masterfile.h"
 #include "core/platform/field_reader.h"
@@ -317,6 +318,7 @@ void LoadConfiguration_Click(Session& session) {
   session.ui.DownLoadButton.caption = "When a Download List Is Loaded, Click Here To Download";
   session.ui.DownLoadButton.bold = true;
   SelectMasterfile(session);
+  StartUpdateFilesOfList(session, session.app.RunListNum);
   // A master file fetched for the first time must show at once, not at the next list click.
   if (RefreshMasterfile(session)) LoadMasterfile(session);
   SetTabs(session);

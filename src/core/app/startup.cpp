@@ -82,7 +82,7 @@ bool Form_Load(Session& session, const StartupOptions& options) {
   // scheduled run without a word.
   app.RunListNum = options.may_run_unattended
                        ? ReadAndResetRunListNum(app.StartDirectory + "RunListNum.txt")
-                       : 0;
+                       : options.list_to_run;
   ui.PathToDataFiles = app.BaseDirectory + Folder("CSVFiles");
   // Written before ProgramDirectory is known, so it goes to the start directory and shows the
   // design state; kept in this order on purpose.

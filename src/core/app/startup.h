@@ -15,6 +15,10 @@ struct StartupOptions {
   // Whether this start can carry out an unattended run; only then is RunListNum.txt read and
   // reset. A command-line start given a command of its own leaves the file for the next start.
   bool may_run_unattended = true;
+  // The list a start that may not run unattended goes on to run (the command line's `run N`), or
+  // 0. Either way the list to run is known before the master file is fetched, so its update files
+  // can be fetched beside it (see StartUpdateFilesOfList).
+  int list_to_run = 0;
 };
 
 // The installation root where no --base-dir is given: env CORVANET_BASE_DIR, else $HOME/Tessaly/

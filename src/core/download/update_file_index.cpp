@@ -10,6 +10,7 @@ namespace corvanet {
 namespace {
 constexpr std::size_t kSymbolWidth = 15;
 constexpr std::size_t kRowStart = 16;  // after the symbol and one separator character
+constexpr std::uint64_t kMostReserved = 64 * 1024 * 1024;
 
 bool Belongs(std::string_view line_symbol, std::string_view web_symbol) {
   // A one-character symbol has no shortened form: blank symbols belong to nobody.
@@ -33,6 +34,13 @@ bool UpdateFileIndex::Load(const std::string& path) {
   loaded_ = false;
   LineReader lines;
   if (!lines.Open(path)) return false;
+  // The rows are most of the file: one allocation for them, instead of a copy at every doubling
+  // into memory the system must first hand over page by page. Bounded, as the file comes from the
+  // service.
+  if (const auto identity = lines.identity()) {
+    rows_text_.reserve(
+        static_cast<std::size_t>(std::min<std::uint64_t>(identity->size, kMostReserved)));
+  }
   std::string_view line;
   int number = 0;
   while (lines.Next(line)) {

@@ -174,6 +174,27 @@ std::string DownloadListPath(const Session& session, int list_number) {
   return session.ui.PathToLists + "Download" + std::to_string(list_number) + ".csv";
 }
 
+std::array<bool, 4> SavedListPeriods(const Session& session, int list_number) {
+  std::array<bool, 4> ticked{};
+  if (IsFullList(list_number)) {
+    for (std::size_t period = 0; period < ticked.size(); ++period) {
+      ticked[period] = list_number == 7 || period == 0;
+    }
+    return ticked;
+  }
+  FieldReader reader;
+  if (!reader.Open(DownloadListPath(session, list_number))) return ticked;
+  std::string first;
+  std::string second;
+  if (!reader.ReadRecord(first, second)) return ticked;  // the vendor line
+  // Read as RestoreHeader reads them: the second field's number, whatever the first says.
+  for (bool& period : ticked) {
+    if (!reader.ReadRecord(first, second)) break;
+    period = LeadingNumber(second) != 0;
+  }
+  return ticked;
+}
+
 void DownloadList_Click(Session& session, int list_number) {
   LogEntry(session, "DownloadList" + std::to_string(list_number) + "_Click");
   if (list_number < 1 || list_number > 7) {

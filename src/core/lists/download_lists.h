@@ -1,5 +1,6 @@
 #pragma once
 // The seven download lists: selecting, restoring and saving their files.
+#include <array>
 #include <span>
 #include <string>
 #include <string_view>
@@ -27,6 +28,11 @@ int CurrentListNumber(const Session& session);
 std::string DownLoadType(const Session& session);
 // PathToLists + "Download" + n + ".csv".
 std::string DownloadListPath(const Session& session, int list_number);
+
+// Which of the four periods (daily, weekly, monthly, quarterly) list `list_number` (1-7) ticks as
+// its saved file has them, read without a word: lists 6 and 7 fix their own, a list with no file or
+// a shorter header ticks none of the missing ones.
+std::array<bool, 4> SavedListPeriods(const Session& session, int list_number);
 
 // DownloadList1_Click ... DownloadList7_Click.
 void DownloadList_Click(Session& session, int list_number);
