@@ -3,8 +3,9 @@
 # run after one new bar, for each size given, against the demo service answering each request
 # DELAY_MS late. Prints the time per datafile and the peak memory (which should not grow) of each,
 # then a straight line fitted through each kind of run's times: its cost per datafile, the fixed
-# cost every run pays whatever its size (start-up, the three round trips to the service a run
-# makes before and after its datafiles), and how far any size lies off the line.
+# cost every run pays whatever its size (starting the program, the round trips to the service
+# before its first datafile and after its last, the steps before and after the walk), and how far
+# any size lies off the line.
 #
 #   bench/scaling_bench.sh [YEARS] [DELAY_MS] [SIZES...]   (default 10, 20, 100 300 1000; BUILD=build)
 set -euo pipefail
