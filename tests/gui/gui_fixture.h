@@ -1,11 +1,11 @@
 #pragma once
 // A window over a session in a fresh installation. Message boxes are recorded and answered from a
-// queue instead of waiting for a person. Fetches fail at once, as if no service were reachable,
-// unless the test asks for the real client (GuiServiceTest points it at the demo service).
+// queue instead of waiting for a person; documents and the file dialog open nothing. Fetches fail
+// at once, as if no service were reachable, unless the test asks for the real client
+// (GuiServiceTest points it at the demo service).
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QThread>
 #include <deque>
 #include <memory>
 #include <vector>
@@ -30,8 +30,6 @@ class UnreachableHttp final : public HttpClient {
 
 struct RecordedMessage {
   gui::MessageRequest request;
-  bool on_window_thread = false;
-  bool run_in_progress = false;
 };
 
 class GuiTest : public testing::Test {
@@ -39,15 +37,10 @@ class GuiTest : public testing::Test {
   enum class Network { kUnreachable, kLoopback };
 
   explicit GuiTest(Network network = Network::kUnreachable)
-      : shell_(gui::DesktopActions{[this](const gui::MessageRequest& r) { return Answer(r); },
-                                   [this](const std::string& target) {
-                                     opened.push_back(target);
-                                     return true;
-                                   },
-                                   [this](const std::string& folder, const std::string&) {
-                                     return chosen_file.empty() ? std::string()
-                                                                : folder + chosen_file;
-                                   }}),
+      : shell_(gui::DesktopActions{
+            [this](const gui::MessageRequest& r) { return Answer(r); },
+            [](const std::string&) { return true; },
+            [](const std::string&, const std::string&) { return std::string(); }}),
         session_(shell_, network == Network::kLoopback ? static_cast<HttpClient&>(curl_) : http_,
                  clock_) {
     StartupOptions options;
@@ -77,8 +70,6 @@ class GuiTest : public testing::Test {
   }
 
   std::vector<RecordedMessage> messages;
-  std::vector<std::string> opened;
-  std::string chosen_file;  // what the file dialog answers, in the folder it is shown in
   std::deque<corvanet::Answer> answers;  // consumed by questions; Ok boxes take none
 
   TempDir dir_;
@@ -91,8 +82,7 @@ class GuiTest : public testing::Test {
 
  private:
   corvanet::Answer Answer(const gui::MessageRequest& request) {
-    messages.push_back({request, QThread::currentThread() == qApp->thread(),
-                        window_ != nullptr && window_->running()});
+    messages.push_back({request});
     if (request.buttons == Buttons::kOk) return corvanet::Answer::kOk;
     if (answers.empty()) return corvanet::Answer::kNo;
     const corvanet::Answer answer = answers.front();

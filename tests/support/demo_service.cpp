@@ -114,12 +114,6 @@ void DemoService::SetFaults(const std::vector<std::string>& rules) {
   }
 }
 
-void DemoService::Restart(const std::vector<std::string>& rules) {
-  Stop();
-  SetFaults(rules);
-  Start();
-}
-
 void DemoService::Start() {
   if (running()) return;
   // The same port again if it was used before, so a client's settings stay valid; another one
@@ -161,7 +155,7 @@ bool DemoService::StartOn(int port) {
 void DemoService::Stop() {
   if (!running()) return;
   ::kill(pid_, SIGTERM);
-  last_exit_status_ = WaitForExit(pid_, std::chrono::seconds(10));
+  WaitForExit(pid_, std::chrono::seconds(10));
   pid_ = -1;
 }
 

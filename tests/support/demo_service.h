@@ -49,8 +49,6 @@ class DemoService {
   DemoService(const DemoService&) = delete;
   DemoService& operator=(const DemoService&) = delete;
 
-  // The generated tree's root (ends with '/'); data sets are under root() + "ovalith/".
-  const std::string& root() const { return root_; }
   // A data set's folder on disk: "data", "DataAll" or "DataUS".
   std::string data_set_folder(std::string_view data_set = "data") const;
   // "127.0.0.1:43121": what the client's IP address setting holds.
@@ -63,15 +61,11 @@ class DemoService {
 
   // Replaces the fault rules; the running server reads them before its next request.
   void SetFaults(const std::vector<std::string>& rules);
-  // Stops and starts the server with these rules, on the same port when it is still free.
-  void Restart(const std::vector<std::string>& rules = {});
   void Start();
   // Stops the server; afterwards connections to the port are refused.
   void Stop();
   bool running() const { return pid_ > 0; }
   pid_t pid() const { return pid_; }
-  // Exit status of the last stopped server (0 for a clean stop), -1 when it was killed.
-  int last_exit_status() const { return last_exit_status_; }
   // Runs `advance --bars N`; throws when it fails.
   void Advance(int bars = 1);
   // The server's request log so far.
@@ -90,7 +84,6 @@ class DemoService {
   std::string log_file_;
   int port_ = 0;
   pid_t pid_ = -1;
-  int last_exit_status_ = -1;
 };
 
 }  // namespace corvanet::test

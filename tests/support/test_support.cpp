@@ -80,8 +80,4 @@ std::string BinaryPath(std::string_view name) {
   return std::string(CORVANET_BIN_DIR) + "/" + std::string(name);
 }
 
-std::string SourcePath(std::string_view relative) {
-  return std::string(CORVANET_SOURCE_DIR) + "/" + std::string(relative);
-}
-
 }  // namespace corvanet::test

@@ -38,8 +38,7 @@ inline bool Contains(std::string_view text, std::string_view part) {
 bool WaitFor(const std::function<bool()>& condition,
              std::chrono::milliseconds deadline = std::chrono::seconds(10));
 
-// Absolute paths of the built programs.
+// Absolute path of a built program.
 std::string BinaryPath(std::string_view name);
-std::string SourcePath(std::string_view relative);
 
 }  // namespace corvanet::test

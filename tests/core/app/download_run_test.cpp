@@ -9,21 +9,9 @@
 namespace corvanet::test {
 namespace {
 
-// Keeps every caption the download button showed, as a window would have painted them.
-class CaptionRecorder final : public StateObserver {
- public:
-  void StateChanged(const WindowState& state) override {
-    if (captions.empty() || captions.back() != state.DownLoadButton.caption) {
-      captions.push_back(state.DownLoadButton.caption);
-    }
-  }
-  std::vector<std::string> captions;
-};
-
 class DownloadRunTest : public ::testing::Test, public DownloadFixture {
  protected:
   void SetUp() override {
-    session.observer = &recorder;
     session.ui.DownloadCompleteMessageYes = false;
     session.ui.DownloadCompleteMessageNo = true;
     WriteLines(dir / "Masterfile2.csv",
@@ -61,8 +49,6 @@ class DownloadRunTest : public ::testing::Test, public DownloadFixture {
     WriteLines(session.ui.PathToLists + "Download" + std::to_string(n) + ".csv", lines);
     DownloadList_Click(session, n);
   }
-
-  CaptionRecorder recorder;
 };
 
 // An update file that cannot be had, or that is no update file, is named as the cause once, and

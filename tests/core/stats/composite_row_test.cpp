@@ -34,13 +34,6 @@ ReadResult ReadAll(const std::string& path) {
   return result;
 }
 
-// A sample of names across the row, typed independently of the reader's own table.
-const std::pair<const char*, int> kNamedColumns[] = {
-    {"OpenPx", 4},    {"UpTrends", 11},       {"Advances", 16},  {"PercentAbove200ma", 24},
-    {"Equal4ma", 43}, {"QNewLows1stDay", 49}, {"EqWtClose", 53}, {"TradeVolume", 54},
-    {"FV2", 55},      {"FV15", 68},
-};
-
 TEST(CompositeRow, ReadsQuotesBlanksLineEndsAndLooseValues) {
   TempDir dir;
   const std::string quoted = CompositeLine("D", 20121101)

@@ -79,16 +79,6 @@ TEST_F(SingleStatFilesTest, UntickedListGivesNoFilesButTheCompletionTexts) {
   EXPECT_TRUE(Exists(data("UpTrends/Daily/$NYA-UpTrends.csv")));
 }
 
-class CaptionRecorder : public StateObserver {
- public:
-  void StateChanged(const WindowState& state) override {
-    if (captions.empty() || captions.back() != state.DownLoadButton.caption) {
-      captions.push_back(state.DownLoadButton.caption);
-    }
-  }
-  Lines captions;
-};
-
 // A bad datafile ends the work for that composite and period only: its old files stay whole,
 // the log names the failure, and the next composite is written.
 TEST_F(SingleStatFilesTest, BadInputKeepsTheOldFilesAndGoesOn) {
