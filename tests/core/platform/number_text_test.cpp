@@ -1,50 +1,20 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <atomic>
-#include <cmath>
-#include <cstdlib>
 #include <limits>
-#include <new>
 
 #include "core/platform/text.h"
-
-// Counts every allocation of this executable, so a test can prove that formatting a number
-// allocates nothing: the number rule runs once per value of every datafile written. A sanitizer
-// build keeps its own allocator, and the count is not taken there.
-#if defined(__SANITIZE_ADDRESS__)
-#define CORVANET_COUNTS_ALLOCATIONS 0
-#else
-#define CORVANET_COUNTS_ALLOCATIONS 1
-#endif
-namespace {
-std::atomic<long> g_allocations{0};
-}  // namespace
-
-#if CORVANET_COUNTS_ALLOCATIONS
-void* operator new(std::size_t size) {
-  g_allocations.fetch_add(1, std::memory_order_relaxed);
-  if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;
-  throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
-#endif
 
 namespace corvanet {
 namespace {
 
-struct NumberCase {
-  double value;
-  const char* text;
-};
-
-TEST(NumberTextTest, SignBlankDigitsAndPoint) {
-  const NumberCase cases[] = {
+// Sign or blank, digits and point; fifteen significant digits rounded once (the form follows the
+// rounded value, which can carry into a new power of ten); the exponent form for huge and tiny
+// magnitudes.
+TEST(NumberTextTest, SignBlankFifteenDigitsAndExponentForm) {
+  const struct {
+    double value;
+    const char* text;
+  } cases[] = {
       {0, " 0"},
       {-0.0, " 0"},  // a negative zero is still zero: no minus sign
       {.5, " .5"},
@@ -56,23 +26,13 @@ TEST(NumberTextTest, SignBlankDigitsAndPoint) {
       {0.1 + 0.2, " .3"},
       {0.0001, " .0001"},
       {-0.00012, "-.00012"},
-  };
-  for (const auto& c : cases) EXPECT_EQ(NumberText(c.value), c.text) << c.value;
-}
-
-TEST(NumberTextTest, FifteenSignificantDigitsRoundedOnce) {
-  EXPECT_EQ(NumberText(1.0 / 3), " .333333333333333");
-  EXPECT_EQ(NumberText(2.0 / 3), " .666666666666667");
-  EXPECT_EQ(NumberText(-2.0 / 3), "-.666666666666667");
-  EXPECT_EQ(NumberText(999999999999999), " 999999999999999");
-  EXPECT_EQ(NumberText(12345.678901234567), " 12345.6789012346");
-  // Rounding to 15 digits can carry into a new power of ten; the form follows the rounded value.
-  EXPECT_EQ(NumberText(999999999999999.9), " 1E+15");
-  EXPECT_EQ(NumberText(0.00009999999999999999), " .0001");
-}
-
-TEST(NumberTextTest, ExponentFormForHugeAndTinyMagnitudes) {
-  const NumberCase cases[] = {
+      {1.0 / 3, " .333333333333333"},
+      {2.0 / 3, " .666666666666667"},
+      {-2.0 / 3, "-.666666666666667"},
+      {999999999999999, " 999999999999999"},
+      {12345.678901234567, " 12345.6789012346"},
+      {999999999999999.9, " 1E+15"},
+      {0.00009999999999999999, " .0001"},
       {1E15, " 1E+15"},
       {-1E15, "-1E+15"},
       {1E-05, " 1E-05"},
@@ -116,8 +76,4 @@ TEST(ParseTextTest, WholeTextMustBeTheNumber) {
 }
 
 }  // namespace
-}  // namespace corvanet
-
-namespace corvanet {
-namespace {}  // namespace
 }  // namespace corvanet
