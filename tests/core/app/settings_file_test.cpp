@@ -1,19 +1,18 @@
 #include <gtest/gtest.h>
-#include <sys/stat.h>
+#include <unistd.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "core/app/settings.h"
+#include "core/state/log.h"
 #include "support/test_session.h"
 
 namespace corvanet::test {
 namespace {
 
 using W = WindowState;
-
-const std::string kRetryMessage =
-    "Please enter a whole numerical value.\rRetry number will now be reset to the default value.";
 
 // Gives every control of the table a value other than its design state, straight into the window
 // state (no handlers), as a user's long session would leave it.
@@ -34,10 +33,12 @@ void GiveEveryControlAValue(Session& s) {
   s.ui.Stat2File3 = "v-Stat2File3";
 }
 
-// A session in design state over the same installation.
-Session FreshSession(TestSession& t) {
+// A session in design state over the same installation; with `log`, skipped lines can be seen in
+// the log.
+Session FreshSession(TestSession& t, bool log = true) {
   Session fresh(t.shell, t.http, t.clock);
   fresh.app = t.session.app;
+  fresh.ui.GenerateLogFile = log ? 1 : 0;
   return fresh;
 }
 
@@ -60,7 +61,7 @@ TEST(SettingsFileTest, SavedSettingsReadBackIntoEveryControl) {
   SaveToINI_Click(t.session);
   EXPECT_TRUE(t.shell.boxes.empty());
 
-  Session fresh = FreshSession(t);
+  Session fresh = FreshSession(t, false);
   LoadINI(fresh);
   EXPECT_EQ(DifferingKeys(t.session, fresh), std::vector<std::string>{});
   EXPECT_EQ(fresh.ui.Stat2File3, "Select One");  // never stored
@@ -84,11 +85,130 @@ TEST(SettingsFileTest, PathsReadBackAsSavedInsideTheInstallationOrNot) {
   EXPECT_EQ(lines[3], "PathToLists,\"My, Lists/\"");
   EXPECT_EQ(lines[5], "PathToMSPxFiles,/short/");
 
-  Session fresh = FreshSession(t);
+  Session fresh = FreshSession(t, false);
   LoadINI(fresh);
   EXPECT_EQ(fresh.ui.PathToDataFiles, elsewhere);
   EXPECT_EQ(fresh.ui.PathToMSPxFiles, "/short/");
   EXPECT_EQ(fresh.ui.PathToLists, s.ui.PathToLists);
+}
+
+TEST(SettingsBadInputTest, UnusableLinesAreSkippedAndTheRestRead) {
+  TestSession t;
+  std::string content;
+  content += "this line has no comma\r\n";
+  content += std::string("\x00\x01\xff\xfe,\x80garbage", 13) + "\r\n";
+  content += "UserName,first\r\n";
+  content += "Password," + std::string(300 * 1024, 'p') + "\r\n";  // a very long line
+  content += "Unknown,1\r\n";
+  content += "UpTrends,2\r\n";    // not a check value
+  content += "Advances,yes\r\n";  // nor this
+  content += "Declines, 1\r\n";
+  content += "SystemMessagesNo,perhaps\r\n";
+  content += "IPAddress\r\n";  // a key without a value
+  content += "\r\n";
+  content += "UserName,second\r\n";                    // a repeated key: the later line wins
+  content += std::string(100 * 1024, 'k') + ",1\r\n";  // a very long unknown key
+  content += "RetryNumber,4";                          // no line end at the very end
+  WriteFile(SettingsFile(t), content);
+
+  Session fresh = FreshSession(t);
+  fresh.ui.IPAddress = "old.host";
+  LoadINI(fresh);
+  EXPECT_EQ(fresh.ui.UserName, "second");
+  EXPECT_EQ(fresh.ui.Password, std::string(300 * 1024, 'p'));
+  EXPECT_EQ(fresh.ui.UpTrends, 0);
+  EXPECT_EQ(fresh.ui.Advances, 0);
+  EXPECT_EQ(fresh.ui.Declines, 1);
+  EXPECT_TRUE(fresh.ui.SystemMessagesYes);
+  EXPECT_FALSE(fresh.ui.SystemMessagesNo);
+  EXPECT_EQ(fresh.ui.IPAddress, "");
+  EXPECT_EQ(fresh.ui.RetryNumber, "4");
+  EXPECT_TRUE(t.shell.boxes.empty());
+
+  const std::string log = ReadFile(LogFilePath(fresh));
+  EXPECT_NE(log.find("LoadINI - line 1 - unknown key this line has no comma skipped"),
+            std::string::npos);
+  EXPECT_NE(log.find("LoadINI - line 5 - unknown key Unknown skipped"), std::string::npos);
+  EXPECT_NE(log.find("LoadINI - line 6 - UpTrends has a value of the wrong form, skipped"),
+            std::string::npos);
+  EXPECT_NE(log.find("LoadINI - line 10 - IPAddress has no value, skipped"), std::string::npos);
+  // Bytes from the file reach the log only as printable text, and never at length.
+  EXPECT_EQ(log.find('\xff'), std::string::npos);
+  EXPECT_NE(log.find(std::string(40, 'k')), std::string::npos);
+  EXPECT_EQ(log.find(std::string(41, 'k')), std::string::npos);
+}
+
+// Every text a user can save reads back exactly as typed; one the file cannot hold is refused
+// with a message and the old file stays.
+TEST(SettingsBadInputTest, TextsReadBackExactlyAsSaved) {
+  TestSession t;
+  for (const char* text :
+       {"a,b", "\"quoted\"", " spaced ", "x\"y,z", "\"a\",b", " q\" ", "\tt", ",", "p@ss:w/rd"}) {
+    SCOPED_TRACE(text);
+    t.session.ui.Password = text;
+    t.session.ui.UserName = std::string("u") + text;
+    t.session.ui.IPAddress = text;
+    SaveToINI_Click(t.session);
+    Session again = FreshSession(t);
+    LoadINI(again);
+    EXPECT_EQ(again.ui.Password, text);
+    EXPECT_EQ(again.ui.UserName, std::string("u") + text);
+    EXPECT_EQ(again.ui.IPAddress, text);
+  }
+  const std::string saved = ReadFile(t.base("Rondex/Rondex.ini"));
+  for (const char* text : {"line\rbreak", "two\nlines"}) {
+    SCOPED_TRACE(text);
+    t.session.ui.Password = text;
+    t.shell.boxes.clear();
+    SaveToINI_Click(t.session);
+    ASSERT_EQ(t.shell.boxes.size(), 1U);
+    EXPECT_NE(t.shell.boxes[0].text.find("Password cannot be saved as typed"), std::string::npos);
+    EXPECT_EQ(ReadFile(t.base("Rondex/Rondex.ini")), saved);
+  }
+}
+
+TEST(SettingsBadInputTest, TheTailOfAPasswordWithACommaNeverReachesTheLog) {
+  TestSession t;
+  WriteLines(SettingsFile(t), {"Password,open,Sesame-42", "Bogus,1"});
+  Session fresh = FreshSession(t);
+  LoadINI(fresh);
+  EXPECT_EQ(fresh.ui.Password, "open");
+  const std::string log = ReadFile(LogFilePath(fresh));
+  EXPECT_EQ(log.find("Sesame-42"), std::string::npos) << log;
+  EXPECT_NE(log.find("LoadINI - line 1 - text after a comma in the value of Password skipped"),
+            std::string::npos);
+  EXPECT_NE(log.find("LoadINI - line 2 - unknown key Bogus skipped"), std::string::npos);
+}
+
+TEST(SettingsBadInputTest, UnreadableFileLeavesTheControlsAsTheyWere) {
+  TestSession t;
+  // A folder where the file should be: no user can read it as a file, root included.
+  std::filesystem::create_directory(SettingsFile(t));
+  Session fresh = FreshSession(t);
+  fresh.ui.UserName = "kept";
+  LoadINI(fresh);
+  EXPECT_EQ(fresh.ui.UserName, "kept");
+  EXPECT_TRUE(t.shell.boxes.empty());
+
+  // Saving over it fails, says so once, and leaves no temporary file behind.
+  SaveToINI_Click(t.session);
+  EXPECT_EQ(t.shell.boxes.size(), 1U);
+  EXPECT_TRUE(std::filesystem::is_directory(SettingsFile(t)));
+  for (const auto& entry : std::filesystem::directory_iterator(t.session.app.ProgramDirectory)) {
+    EXPECT_EQ(entry.path().filename().string().find(".tmp"), std::string::npos) << entry.path();
+  }
+}
+
+TEST(SettingsBadInputTest, FileWithoutReadPermission) {
+  if (::geteuid() == 0) GTEST_SKIP() << "root reads files whatever their mode";
+  TestSession t;
+  WriteLines(SettingsFile(t), {"UserName,hidden"});
+  std::filesystem::permissions(SettingsFile(t), std::filesystem::perms::none);
+  Session fresh = FreshSession(t);
+  fresh.ui.UserName = "kept";
+  LoadINI(fresh);
+  EXPECT_EQ(fresh.ui.UserName, "kept");
+  EXPECT_NE(ReadFile(LogFilePath(fresh)).find("LoadINI - cannot read"), std::string::npos);
 }
 
 }  // namespace
