@@ -5,7 +5,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <initializer_list>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -48,10 +47,9 @@ class CliTest : public ::testing::Test {
     return {code, out.str(), err.str()};
   }
   // The same with "--base-dir" and the test's installation in front.
-  CliResult RunIn(std::initializer_list<std::string> args) const {
-    std::vector<std::string> all = {"--base-dir", base_arg()};
-    all.insert(all.end(), args);
-    return Run(all);
+  CliResult RunIn(std::vector<std::string> args) const {
+    args.insert(args.begin(), {"--base-dir", base_arg()});
+    return Run(args);
   }
 
   // Starts the built program from the start folder with HOME in the temporary folder; `args` and

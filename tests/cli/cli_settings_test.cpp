@@ -77,9 +77,7 @@ TEST_F(CliSettingsTest, ABadValueChangesNothing) {
       {"settings", "UserName=zzz", "Password=two\nlines"},  // the file could not give it back
   };
   for (const auto& args : bad) {
-    std::vector<std::string> all = {"--base-dir", base_arg()};
-    all.insert(all.end(), args.begin(), args.end());
-    const CliResult result = Run(all);
+    const CliResult result = RunIn(args);
     EXPECT_EQ(result.code, 2) << args.back();
     EXPECT_NE(result.err.find("corvanet-cli settings: "), std::string::npos) << args.back();
     EXPECT_EQ(result.out, "");

@@ -39,9 +39,7 @@ TEST_F(CliStartupTest, ARunThatNeverStartsExitsFour) {
   };
   for (const Case& c : cases) {
     if (!c.run_list_num.empty()) WriteFile(start() + "RunListNum.txt", c.run_list_num);
-    std::vector<std::string> args = {"--base-dir", base_arg()};
-    args.insert(args.end(), c.args.begin(), c.args.end());
-    const CliResult result = Run(args);
+    const CliResult result = RunIn(c.args);
     EXPECT_EQ(result.code, cli::kExitRefused) << result.out;
     EXPECT_NE(result.out.find("Run not started.\n"), std::string::npos) << result.out;
   }

@@ -29,10 +29,10 @@ class ConversionTest : public RunTest {
   explicit ConversionTest(DemoServiceOptions options = {}) : RunTest(std::move(options)) {}
 
   void Tick(const std::vector<std::string>& pairs) {
-    std::vector<std::string> args{"--base-dir", base_arg(), "settings",
-                                  "ImplementSpecialFunctions=1", "MakeMetaStockPxFiles=1"};
+    std::vector<std::string> args{"settings", "ImplementSpecialFunctions=1",
+                                  "MakeMetaStockPxFiles=1"};
     args.insert(args.end(), pairs.begin(), pairs.end());
-    ASSERT_EQ(Run(args).code, 0);
+    ASSERT_EQ(RunIn(args).code, 0);
   }
   std::string MetaStock(const std::string& relative) const {
     return base() + "MetaStock/" + relative;

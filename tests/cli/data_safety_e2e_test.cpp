@@ -19,7 +19,6 @@ std::string Date(const std::string& row) {
 
 class DataSafetyTest : public ListTwoRunTest {
  protected:
-  std::string Log() const { return ReadFile(base() + "Rondex/LogFile.txt"); }
   std::string NyaFile() const { return ServiceFile("NYSEDaily-CompositeStats.csv"); }
 };
 

@@ -159,7 +159,7 @@ TEST_F(RunTest, TheUpdateFilesOfTheListToRunAreFetchedBesideTheStartUpMasterFile
 TEST_F(RunTest, RunListNumStartsOneUnattendedRun) {
   MakeList(4, "eSignal", "D", {"$INDU"});
   WriteFile(start() + "RunListNum.txt", "4\r\n");
-  const CliResult run = Run({"--base-dir", base_arg()});
+  const CliResult run = RunIn({});
   EXPECT_EQ(run.code, 0) << run.out;
   EXPECT_TRUE(Contains(run.out, "Datafiles fetched whole: 1"));
   EXPECT_EQ(ReadFile(start() + "RunListNum.txt"), "0\r\n");

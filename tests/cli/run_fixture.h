@@ -28,13 +28,12 @@ class RunTest : public CliTest {
   // Saves user list `n` with a vendor, periods ("D,W") and the master items holding each text.
   void MakeList(int n, const std::string& vendor, const std::string& periods,
                 const std::vector<std::string>& adds) {
-    std::vector<std::string> args{"--base-dir", base_arg(), "list",    std::to_string(n),
-                                  "vendor",     vendor,     "periods", periods};
+    std::vector<std::string> args{"list", std::to_string(n), "vendor", vendor, "periods", periods};
     for (const std::string& text : adds) {
       args.push_back("add");
       args.push_back(text);
     }
-    ASSERT_EQ(Run(args).code, 0);
+    ASSERT_EQ(RunIn(args).code, 0);
   }
   CliResult RunList(int n) { return RunIn({"run", std::to_string(n)}); }
 
@@ -56,6 +55,7 @@ class RunTest : public CliTest {
     return files;
   }
   int Requests(const std::string& path_part) const { return service.Requests(path_part); }
+  std::string Log() const { return ReadFile(base() + "Rondex/LogFile.txt"); }
 
   DemoService service;
 };
@@ -92,7 +92,6 @@ class DailyListRunTest : public RunTest {
     }
     return {};
   }
-  std::string Log() const { return ReadFile(base() + "Rondex/LogFile.txt"); }
 
   std::vector<std::pair<std::string, std::string>> before_;
 };

@@ -37,9 +37,9 @@ class StatsRunTest : public RunTest {
     MakeList(2, "eSignal", "D,Q", {"$NYA", "$SOX"});
   }
   void Settings(const Lines& pairs) {
-    std::vector<std::string> args{"--base-dir", base_arg(), "settings"};
+    Lines args{"settings"};
     args.insert(args.end(), pairs.begin(), pairs.end());
-    ASSERT_EQ(Run(args).code, 0);
+    ASSERT_EQ(RunIn(args).code, 0);
   }
   Lines DatafileRows(const std::string& relative) {
     Lines rows = ReadLines(data(relative));
