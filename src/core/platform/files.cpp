@@ -6,7 +6,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <mutex>
 #include <random>
+#include <shared_mutex>
 #include <system_error>
 #include <utility>
 
@@ -79,7 +81,12 @@ bool IsTempSuffix(std::string_view suffix) {
 // A writer holds a lock on its temporary file for as long as it writes it, so a sweep can tell a
 // file that a living writer owns (locked) from one a dead process left (the kernel dropped its
 // lock). A sweep may take a new file in the moment between its creation and its lock; the writer
-// sees that its name no longer leads to its file and starts again under a new name.
+// sees that its name no longer leads to its file and starts again under a new name. Within this
+// process that moment is closed altogether (fetches started before a run's sweep write while it
+// looks): writers create and lock under a shared hold of this mutex, and the sweep judges each
+// file under an exclusive one.
+std::shared_mutex g_creating_temporary_file;
+
 bool HoldWriterLock(std::FILE* file, const std::string& path) {
 #ifndef _WIN32
   const int fd = ::fileno(file);
@@ -97,6 +104,7 @@ bool HoldWriterLock(std::FILE* file, const std::string& path) {
 
 // True when no living process holds the file's writer lock.
 bool IsAbandoned(const fs::path& path) {
+  const std::unique_lock no_writer_between_creation_and_lock(g_creating_temporary_file);
 #ifndef _WIN32
   const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
   if (fd < 0) return false;
@@ -170,6 +178,7 @@ bool AtomicFileWriter::Open(std::string target, FileAccess access) {
   failed_ = false;
   // Exclusive: never reuse a file someone else left under the temporary name.
   for (int attempt = 0;; ++attempt) {
+    const std::shared_lock creating(g_creating_temporary_file);
     file_ = OpenForWriting(temp_, access, true);
     if (file_ == nullptr) {
       error_ = std::strerror(errno);
@@ -206,6 +215,16 @@ bool AtomicFileWriter::Commit() {
     error_ = std::strerror(errno);
     failed_ = true;
   }
+#ifndef _WIN32
+  // The writer's lock lasts while any descriptor of the file is open: a second one keeps it across
+  // the rename, so no sweep takes the finished file between its closing and its renaming.
+  struct LockHolder {
+    int descriptor;
+    ~LockHolder() {
+      if (descriptor >= 0) ::close(descriptor);
+    }
+  } const lock_holder{::dup(::fileno(file_))};
+#endif
   if (std::fclose(std::exchange(file_, nullptr)) != 0 && !failed_) {
     error_ = std::strerror(errno);
     failed_ = true;

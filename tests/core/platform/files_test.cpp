@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <atomic>
 #include <filesystem>
 #include <set>
 #include <string>
+#include <thread>
 
 #include "support/test_support.h"
 
@@ -81,6 +83,28 @@ TEST(AtomicFileWriterTest, FailureLeavesTheOldFileAndNoTemporaryFile) {
   EXPECT_FALSE(blocked.Commit());
   EXPECT_TRUE(fs::is_directory(dir / "folder.ini"));
   EXPECT_EQ(Entries(dir.path()), (std::set<std::string>{"t.ini", "folder.ini"}));
+}
+
+// A run sweeps leftovers while fetches it started earlier are writing: a file between its creation
+// and its lock, or between its closing and its renaming, must never pass for a dead run's.
+TEST(AtomicFileWriterTest, ASweepNeverTakesAFileThisProcessIsWriting) {
+  TempDir dir;
+  std::atomic<bool> writing{true};
+  int removed = 0;
+  std::thread sweeper([&] {
+    while (writing) removed += RemoveStaleTemporaryFiles(dir.path());
+  });
+  int failed = 0;
+  for (int i = 0; i < 3000; ++i) {
+    AtomicFileWriter writer(dir / "t.csv");
+    writer.WriteLine(std::to_string(i));
+    if (!writer.Commit()) ++failed;
+  }
+  writing = false;
+  sweeper.join();
+  EXPECT_EQ(failed, 0);
+  EXPECT_EQ(removed, 0);
+  EXPECT_EQ(ReadFile(dir / "t.csv"), "2999\r\n");
 }
 
 // The last line is read from the file's end, first from a short tail: a line or a run of blank
