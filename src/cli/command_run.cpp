@@ -21,8 +21,8 @@ int RunAutomated(CommandContext& context) {
   return PrintRun(context, AutomatedRuns(context.session));
 }
 
-int RunCommand(CommandContext& context, const CommandLine& line) {
-  context.session.app.RunListNum = line.list;
+// Start-up has taken the list number already (StartupOptions::list_to_run).
+int RunCommand(CommandContext& context, const CommandLine& /*line*/) {
   return RunAutomated(context);
 }
 

@@ -8,12 +8,11 @@
 // A body fetched early is only taken by RetrieveDataFile when it asks for the same file with the
 // same credentials, at the moment it would have fetched it, so the log lines and fetch counts land
 // where they would without fetching early. An early failure that may have passed since (a network
-// error, a cut body, 429 or 5xx) is not taken: the step fetches
-// then and there, as it would have, instead of inheriting a failure from earlier in the run. A
-// time-out is taken: it has already cost its wait, a service silent then is counted as silent as
-// soon as it would be without fetching early, and the retry rounds try an update file again. A
-// refusal (401, 404) or a body is what the step would have met. A body nobody asks for is dropped
-// unseen.
+// error, a cut body, 429 or 5xx) is not taken: the step fetches then and there, as it would have,
+// instead of inheriting a failure from earlier in the run. A time-out is taken: it has already cost
+// its wait, a service silent then is counted as silent as soon as it would be without fetching
+// early, and the retry rounds try an update file again. A refusal (401, 404) or a body is what the
+// step would have met. A body nobody asks for is dropped unseen.
 //
 // The early pool adds at most four connections to the walk's pool (CORVANET_CONNECTIONS).
 #include <memory>

@@ -37,12 +37,17 @@ bool IsFullList(int list_number) {
   return list_number == 6 || list_number == 7;
 }
 
-// A full list fixes its own periods: daily only, or all four. Its saved file says the same, but a
-// list never saved has no file, and its run must not take the boxes of the list shown before.
+// A full list fixes its own periods: daily only (the first), or all four.
+bool FullListTicks(int list_number, std::size_t period_index) {
+  return list_number == 7 || period_index == 0;
+}
+
+// A full list's saved file says the same as FullListTicks, but a list never saved has no file, and
+// its run must not take the boxes of the list shown before.
 void FixFullListPeriods(WindowState& ui, int list_number) {
   if (!IsFullList(list_number)) return;
-  for (const PeriodBox& period : kPeriodBoxes) {
-    ui.*period.box = list_number == 7 || period.box == &WindowState::DailyInterval ? 1 : 0;
+  for (std::size_t period = 0; period < kPeriodBoxes.size(); ++period) {
+    ui.*kPeriodBoxes[period].box = FullListTicks(list_number, period) ? 1 : 0;
   }
 }
 
@@ -178,7 +183,7 @@ std::array<bool, 4> SavedListPeriods(const Session& session, int list_number) {
   std::array<bool, 4> ticked{};
   if (IsFullList(list_number)) {
     for (std::size_t period = 0; period < ticked.size(); ++period) {
-      ticked[period] = list_number == 7 || period == 0;
+      ticked[period] = FullListTicks(list_number, period);
     }
     return ticked;
   }
