@@ -212,6 +212,7 @@ RunSummary DownLoadButton_Click(Session& session) {
   EarlyFetches& early_fetches = session.early_fetches != nullptr
                                     ? *session.early_fetches
                                     : own_early_fetches.emplace(session);
+  UpdateFileIndex update_rows;
   int last_period = 0;
   for (int period = 1; period <= 4; ++period) {
     const std::string_view ticked = TickedPeriod(ui, period);
@@ -228,7 +229,7 @@ RunSummary DownLoadButton_Click(Session& session) {
       early_fetches.Start(SystemMessageFileName(session));
       early_fetches.Start(session.app.MasterFileName);
     }
-    RunPeriod(session, run_total, summary);
+    RunPeriod(session, run_total, summary, update_rows);
     summary.service_silent = run.service_silent;
     if (summary.stopped || summary.service_silent) break;
   }

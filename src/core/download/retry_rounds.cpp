@@ -192,6 +192,7 @@ void RetryTransientFailures(Session& session, RunSummary& summary) {
     tried.insert(tried.end(), datafiles.begin(), datafiles.end());
     for (const UnfetchedUpdateFile& file : update_files) tried.push_back({"", "", file.period});
     run.DatafileCounter = 0;
+    UpdateFileIndex update_rows;
     for (int period = 1; period <= 4 && !run.service_silent; ++period) {
       DetermineInterval(session, period);
       if (run.DataPeriod.empty()) continue;
@@ -199,7 +200,7 @@ void RetryTransientFailures(Session& session, RunSummary& summary) {
           update_files.begin(), update_files.end(),
           [&](const UnfetchedUpdateFile& file) { return file.period == run.DataPeriod; });
       if (whole_period) {
-        RunPeriod(session, files, summary);
+        RunPeriod(session, files, summary, update_rows);
       } else {
         RetryDatafiles(session, datafiles, files, summary);
       }

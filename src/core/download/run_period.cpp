@@ -45,21 +45,21 @@ bool LoadUpdateFile(Session& session, UpdateFileIndex& update_rows, std::string&
   return false;
 }
 
-void RunPeriod(Session& session, int run_total, RunSummary& summary, const std::string& list_path) {
+void RunPeriod(Session& session, int run_total, RunSummary& summary, UpdateFileIndex& update_rows) {
   ProgressBar& bar = session.ui.ProgressBar1;
   bar.minimum = 0;
   bar.maximum = run_total;
   bar.visible = true;
   bar.value = 0;
   FieldReader list;
-  if (list_path.empty() ? !OpenDownloadList(session, list) : !list.Open(list_path)) {
+  if (!OpenDownloadList(session, list)) {
     summary.period_problems.push_back("the list of " + session.run.DataPeriod +
                                       " datafiles could not be opened");
     return;
   }
   const std::string update_name = UpdateFileName(session.run.DataPeriod);
   const FetchResult fetched = RetrieveDataFile(session, update_name, update_name);
-  UpdateFileIndex update_rows;
+  update_rows.Clear();
   std::string cause;
   if (!fetched.ok()) {
     // Merging the previous update file again would add nothing new, and every other fetch of the

@@ -11,10 +11,10 @@ namespace corvanet {
 // "Update-" + period + ".csv", the period's update file: its remote path and its local name.
 std::string UpdateFileName(std::string_view period);
 
-// The walk of the period set by DetermineInterval over `list_path` (the download list when empty),
-// updating every datafile it names. What failed lands in `summary`.
-void RunPeriod(Session& session, int run_total, RunSummary& summary,
-               const std::string& list_path = {});
+// The walk of the period set by DetermineInterval over the download list, updating every datafile
+// it names. What failed lands in `summary`. `update_rows` takes the period's update file; a run
+// passes the same one for each period, so the memory that holds one file's rows holds the next's.
+void RunPeriod(Session& session, int run_total, RunSummary& summary, UpdateFileIndex& update_rows);
 
 // Loads the period's update file from the Base folder, where its fetch left it; false (with
 // `cause`) when it holds no update rows. Garbled lines are logged and left out.

@@ -25,21 +25,26 @@ bool HasRowDate(std::string_view row) {
          std::all_of(date.begin(), date.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
-bool UpdateFileIndex::Load(const std::string& path) {
+void UpdateFileIndex::Clear() {
   rows_by_symbol_.clear();
   rows_text_.clear();
   last_symbol_.clear();
   garbled_lines_ = first_garbled_line_ = 0;
   row_commas_ = std::string_view::npos;
   loaded_ = false;
+}
+
+bool UpdateFileIndex::Load(const std::string& path) {
+  Clear();
   LineReader lines;
   if (!lines.Open(path)) return false;
   // The rows are most of the file: one allocation for them, instead of a copy at every doubling
-  // into memory the system must first hand over page by page. Bounded, as the file comes from the
-  // service.
-  if (const auto identity = lines.identity()) {
-    rows_text_.reserve(
-        static_cast<std::size_t>(std::min<std::uint64_t>(identity->size, kMostReserved)));
+  // into memory the system must first hand over page by page. An eighth more, so that the next
+  // period's file, of about the same size, fits in the same memory. Bounded, as the file comes
+  // from the service.
+  if (const auto identity = lines.identity(); identity && identity->size > rows_text_.capacity()) {
+    rows_text_.reserve(static_cast<std::size_t>(
+        std::min<std::uint64_t>(identity->size + identity->size / 8, kMostReserved)));
   }
   std::string_view line;
   int number = 0;

@@ -16,6 +16,8 @@ class UpdateFileIndex {
   // False when the file cannot be read. Lines too short to hold a row, or whose row has no
   // YYYYMMDD date in characters 3-10, are garbled: they are counted and left out.
   bool Load(const std::string& path);
+  // Forgets the rows (loaded() is false), keeping the memory that held them for the next Load.
+  void Clear();
   bool loaded() const { return loaded_; }
 
   // The rows of `web_symbol`: the lines whose symbol is `web_symbol` or `web_symbol` without its

@@ -1,6 +1,7 @@
 #include "core/platform/line_reader.h"
 
 #include <cstring>
+#include <utility>
 
 namespace corvanet {
 
@@ -14,7 +15,10 @@ bool LineReader::Open(const std::string& path) {
   Close();
   file_ = OpenForReading(path);
   if (file_ < 0) return false;
-  buffer_.resize(kChunk);
+  if (!buffer_) {
+    buffer_ = std::make_unique_for_overwrite<char[]>(kChunk);
+    capacity_ = kChunk;
+  }
   begin_ = end_ = 0;
   file_offset_ = 0;
   eof_ = failed_ = too_long_ = false;
@@ -38,18 +42,21 @@ bool LineReader::Fill() {
   if (eof_ || file_ < 0) return false;
   // Keep the unread tail, then read behind it; grow when one line fills the whole buffer.
   if (begin_ > 0) {
-    std::memmove(buffer_.data(), buffer_.data() + begin_, end_ - begin_);
+    std::memmove(buffer_.get(), buffer_.get() + begin_, end_ - begin_);
     end_ -= begin_;
     begin_ = 0;
   }
-  if (end_ == buffer_.size()) {
+  if (end_ == capacity_) {
     if (end_ > kMaxLineLength) {
       eof_ = failed_ = too_long_ = true;
       return false;
     }
-    buffer_.resize(buffer_.size() * 2);
+    auto larger = std::make_unique_for_overwrite<char[]>(capacity_ * 2);
+    std::memcpy(larger.get(), buffer_.get(), end_);
+    buffer_ = std::move(larger);
+    capacity_ *= 2;
   }
-  const long got = ReadAt(file_, buffer_.data() + end_, buffer_.size() - end_, file_offset_);
+  const long got = ReadAt(file_, buffer_.get() + end_, capacity_ - end_, file_offset_);
   if (got <= 0) {
     eof_ = true;
     failed_ = got < 0;
@@ -68,13 +75,15 @@ bool LineReader::AtEnd() {
 bool LineReader::Next(std::string_view& line) {
   std::size_t scanned = begin_;
   for (;;) {
-    const void* found = std::memchr(buffer_.data() + scanned, '\n', end_ - scanned);
+    // Nothing to scan before the first read (and no buffer at all before the first Open).
+    const void* found =
+        scanned < end_ ? std::memchr(buffer_.get() + scanned, '\n', end_ - scanned) : nullptr;
     if (found != nullptr) {
       const auto newline =
-          static_cast<std::size_t>(static_cast<const char*>(found) - buffer_.data());
+          static_cast<std::size_t>(static_cast<const char*>(found) - buffer_.get());
       std::size_t stop = newline;
       if (stop > begin_ && buffer_[stop - 1] == '\r') --stop;
-      line = std::string_view(buffer_.data() + begin_, stop - begin_);
+      line = std::string_view(buffer_.get() + begin_, stop - begin_);
       begin_ = newline + 1;
       return true;
     }
@@ -85,7 +94,7 @@ bool LineReader::Next(std::string_view& line) {
       // Last line without an ending.
       std::size_t stop = end_;
       if (stop > begin_ && buffer_[stop - 1] == '\r') --stop;
-      line = std::string_view(buffer_.data() + begin_, stop - begin_);
+      line = std::string_view(buffer_.get() + begin_, stop - begin_);
       begin_ = end_;
       return true;
     }

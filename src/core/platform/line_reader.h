@@ -5,6 +5,7 @@
 // read error (failed() and line_too_long()): no file the program reads has such lines, and one
 // from outside must not cost unbounded memory.
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -43,7 +44,9 @@ class LineReader {
   bool Fill();
 
   int file_ = -1;
-  std::string buffer_;
+  // Not zeroed when allocated: a reader of a small file touches only the pages its bytes fill.
+  std::unique_ptr<char[]> buffer_;
+  std::size_t capacity_ = 0;
   std::size_t begin_ = 0;          // start of unread data in buffer_
   std::size_t end_ = 0;            // end of valid data in buffer_
   std::uint64_t file_offset_ = 0;  // where in the file buffer_[end_] comes from
