@@ -37,6 +37,7 @@ bool FileRewriter::Open(std::string target) {
   identity_.reset();
   matched_ = size_ = 0;
   old_begin_ = old_end_ = 0;
+  read_size_ = 0;
 #ifndef _WIN32
   old_file_ = ::open(target_.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
 #endif
@@ -52,7 +53,15 @@ bool FileRewriter::Open(std::string target) {
 }
 
 std::string FileRewriter::LastLineOfOld() const {
-  return old_identity_ ? LastLineOf(old_file_, old_identity_->size) : LastLineOf(target_);
+  if (!old_identity_) return LastLineOf(target_);
+  // A merge compares the new content with the old to its end, so the last read nearly always
+  // holds the last line already.
+  std::string line;
+  if (read_size_ > 0 && read_offset_ + read_size_ == old_identity_->size &&
+      LastLineIn({old_buffer_.get(), read_size_}, read_offset_ == 0, line)) {
+    return line;
+  }
+  return LastLineOf(old_file_, old_identity_->size);
 }
 
 bool FileRewriter::TakeAsWritten(std::uint64_t bytes) {
@@ -121,6 +130,8 @@ bool FileRewriter::ReadMoreOfTheOld() {
   }
   old_begin_ = 0;
   old_end_ = static_cast<std::size_t>(got);
+  read_offset_ = matched_;
+  read_size_ = old_end_;
   return got > 0;
 #else
   return false;
@@ -138,6 +149,7 @@ bool FileRewriter::TailFitsInOnePage() const {
 // From here on the content goes to a temporary file: first the part of the old content already
 // repeated, then whatever was waiting to be appended.
 void FileRewriter::StartReplacing() {
+  read_size_ = 0;  // the copy below reads through the buffer
   if (!replacement_.Open(target_)) {
     Fail(target_ + ": " + replacement_.error());
     return;

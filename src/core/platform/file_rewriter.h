@@ -92,6 +92,10 @@ class FileRewriter {
   std::unique_ptr<char[]> old_buffer_;
   std::size_t old_begin_ = 0;
   std::size_t old_end_ = 0;
+  // What the last read of the old content brought into old_buffer_, compared or not, and from
+  // where: when it reaches the old content's end, its last line is found there without a read.
+  std::uint64_t read_offset_ = 0;
+  std::size_t read_size_ = 0;
   std::string tail_;  // the new bytes past the old content, while appending
   AtomicFileWriter replacement_;
   DeferredRelease old_copies_;

@@ -397,10 +397,6 @@ bool CopyFileReplacing(const std::string& from, const std::string& to) {
   return writer.Commit();
 }
 
-namespace {
-
-// The last line of `tail` that holds more than blanks. False when that line may go on before the
-// tail's start (or no such line is in it) and the tail does not start the file.
 bool LastLineIn(std::string_view tail, bool starts_file, std::string& line) {
   std::size_t end = tail.size();
   while (end > 0) {
@@ -421,8 +417,6 @@ bool LastLineIn(std::string_view tail, bool starts_file, std::string& line) {
   line.clear();
   return starts_file;
 }
-
-}  // namespace
 
 // A row is a few hundred bytes: a short tail nearly always holds the last one whole, and the long
 // one is read only when it does not. A longer last line comes back as its tail, which still ends
