@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "core/download/merge_index.h"
 #include "core/download/retrieve.h"
 #include "core/lists/symbols.h"
 #include "core/platform/files.h"
@@ -121,11 +122,23 @@ bool FetchAhead::NeedsWholeFile(const std::string& web_symbol, const std::string
   if (claimed_earlier) return false;
   const std::vector<std::string_view> rows = update_rows_.RowsFor(web_symbol);
   if (rows.empty()) return true;
-  const std::string last = LastLineOf(local_path);
-  if (!HasRowDate(last)) return true;
+  const std::string last_date = BaseLastDate(local_path);
+  if (last_date.empty()) return true;
   std::string_view first_update = RowDate(rows.front());
   for (const std::string_view row : rows) first_update = std::min(first_update, RowDate(row));
-  return RowDate(last) < first_update;
+  return last_date < first_update;
+}
+
+// The date of the base copy's last row (empty when it has none): from the merge index while the
+// copy is the one the last merge read, which takes a look at the file instead of a read of its end.
+std::string FetchAhead::BaseLastDate(const std::string& local_path) const {
+  if (session_.merge_index != nullptr) {
+    const std::optional<FileIdentity> copy = IdentityOf(local_path);
+    const std::string* date = copy ? session_.merge_index->BaseLastDate(*copy) : nullptr;
+    if (date != nullptr) return *date;
+  }
+  const std::string last = LastLineOf(local_path);
+  return HasRowDate(last) ? std::string(RowDate(last)) : std::string();
 }
 
 FetchResult FetchAhead::Fetch(const FetchRequest& request, const std::string& local_path) {

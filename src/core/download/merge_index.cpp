@@ -15,10 +15,13 @@ namespace corvanet {
 
 namespace {
 
-constexpr std::string_view kFirstLine = "Corvanet merge index 1";
+constexpr std::string_view kFirstLine = "Corvanet merge index 2";
+// An index written before the base copies' last dates were kept: its entries hold all else.
+constexpr std::string_view kFormerFirstLine = "Corvanet merge index 1";
 
-// One line per datafile: a checksum of the rest of the line, the numbers, the last date, then the
-// datafile's path, which may hold commas of its own and so comes last.
+// One line per datafile: a checksum of the rest of the line, the numbers, the last date, the base
+// copy's last date (empty when unknown), then the datafile's path, which may hold commas of its
+// own and so comes last.
 constexpr std::size_t kChecksumDigits = 16;
 
 // FNV-1a: a damaged or hand-edited line must not pass for an entry.
@@ -41,7 +44,13 @@ bool TakeNumber(std::string_view& text, Number& value) {
   return true;
 }
 
-bool ParseLine(std::string_view line, std::string& path, MergedPrefix& prefix) {
+bool IsDate(std::string_view text) {
+  return text.size() == 8 &&
+         std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+bool ParseLine(std::string_view line, bool with_base_last_date, std::string& path,
+               MergedPrefix& prefix) {
   std::uint64_t checksum = 0;
   const char* digits_end = line.data() + std::min(line.size(), kChecksumDigits);
   const auto [end, error] = std::from_chars(line.data(), digits_end, checksum, 16);
@@ -61,13 +70,19 @@ bool ParseLine(std::string_view line, std::string& path, MergedPrefix& prefix) {
                        TakeNumber(line, datafile.device) && TakeNumber(line, datafile.inode) &&
                        TakeNumber(line, datafile.size) && TakeNumber(line, datafile.modified_ns) &&
                        TakeNumber(line, datafile.changed_ns);
-  if (!numbers || line.size() < 10 || line[8] != ',') return false;
-  const std::string_view date = line.substr(0, 8);
-  if (!std::all_of(date.begin(), date.end(), [](char c) { return c >= '0' && c <= '9'; })) {
-    return false;
+  if (!numbers || line.size() < 10 || line[8] != ',' || !IsDate(line.substr(0, 8))) return false;
+  prefix.last_date.assign(line.substr(0, 8));
+  line.remove_prefix(9);
+  prefix.base_last_date.clear();
+  if (with_base_last_date) {
+    const std::size_t comma = line.find(',');
+    if (comma == std::string_view::npos || (comma != 0 && !IsDate(line.substr(0, comma)))) {
+      return false;
+    }
+    prefix.base_last_date.assign(line.substr(0, comma));
+    line.remove_prefix(comma + 1);
   }
-  prefix.last_date.assign(date);
-  path.assign(line.substr(9));
+  path.assign(line);
   return prefix.base_lines >= 2;
 }
 
@@ -87,7 +102,9 @@ MergeIndex::MergeIndex(Session& session)
   LineReader reader;
   if (!reader.Open(path_)) return;
   std::string_view line;
-  if (!reader.Next(line) || line != kFirstLine) {
+  const bool read = reader.Next(line);
+  const bool with_base_last_date = read && line == kFirstLine;
+  if (!with_base_last_date && !(read && line == kFormerFirstLine)) {
     Log(session, "MergeIndex - " + path_ + " is not a merge index; every datafile is read whole");
     changed_ = true;
     return;
@@ -98,14 +115,15 @@ MergeIndex::MergeIndex(Session& session)
   MergedPrefix prefix;
   while (reader.Next(line)) {
     ++number;
-    if (ParseLine(line, path, prefix)) {
+    if (ParseLine(line, with_base_last_date, path, prefix)) {
+      KeepBaseLastDate(prefix);
       entries_.insert_or_assign(path, prefix);
     } else if (garbled++ == 0) {
       Log(session, "MergeIndex - " + path_ + " line " + std::to_string(number) +
                        " is garbled; its datafile is read whole");
     }
   }
-  changed_ = garbled > 0 || reader.failed();
+  changed_ = garbled > 0 || reader.failed() || !with_base_last_date;
 }
 
 MergeIndex::~MergeIndex() {
@@ -126,7 +144,18 @@ const MergedPrefix* MergeIndex::Match(const std::string& datafile_path,
   return &entry;
 }
 
+const std::string* MergeIndex::BaseLastDate(const FileIdentity& base) const {
+  const auto found = base_last_dates_.find(base);
+  return found == base_last_dates_.end() ? nullptr : &found->second;
+}
+
+void MergeIndex::KeepBaseLastDate(const MergedPrefix& prefix) {
+  if (!prefix.base_last_date.empty())
+    base_last_dates_.insert_or_assign(prefix.base, prefix.base_last_date);
+}
+
 void MergeIndex::Put(const std::string& datafile_path, MergedPrefix prefix) {
+  KeepBaseLastDate(prefix);
   const auto [entry, added] = entries_.try_emplace(datafile_path, prefix);
   if (!added && entry->second == prefix) return;
   entry->second = std::move(prefix);
@@ -166,6 +195,8 @@ bool MergeIndex::Save() {
       AppendNumber(line, identity->changed_ns);
     }
     line += prefix.last_date;
+    line += ',';
+    line += prefix.base_last_date;
     line += ',';
     line += path;
     char checksum[kChecksumDigits + 1];

@@ -32,6 +32,7 @@ struct MergedPrefix {
   std::size_t field_commas = 0;      // the header's
   FileIdentity datafile;             // the datafile, as the merge left it
   std::uint64_t datafile_bytes = 0;  // what those lines are in it
+  std::string base_last_date;        // of the base copy's last row; empty when it has none
 
   bool operator==(const MergedPrefix&) const = default;
 };
@@ -52,6 +53,9 @@ class MergeIndex {
   const MergedPrefix* Match(const std::string& datafile_path,
                             const std::optional<FileIdentity>& base,
                             const std::optional<FileIdentity>& datafile);
+  // The date of the last row of the base copy that is `base`, as a merge read it; nullptr when no
+  // entry knows that copy. The look ahead of a run asks this instead of reading every copy's end.
+  const std::string* BaseLastDate(const FileIdentity& base) const;
   // Counts a merge that started where its entry said, for the log.
   void CountResumed() { ++resumed_; }
   int resumed() const { return resumed_; }
@@ -65,7 +69,18 @@ class MergeIndex {
  private:
   Session& session_;
   std::string path_;
+  struct IdentityHash {
+    std::size_t operator()(const FileIdentity& file) const {
+      return std::hash<std::uint64_t>()(file.inode ^ (file.size << 20) ^
+                                        static_cast<std::uint64_t>(file.modified_ns));
+    }
+  };
+  void KeepBaseLastDate(const MergedPrefix& prefix);
+
   std::unordered_map<std::string, MergedPrefix> entries_;
+  // An entry's base copy and the date of its last row. A copy's last row never changes while it
+  // stays the same file, so what an entry forgotten since said of it still holds.
+  std::unordered_map<FileIdentity, std::string, IdentityHash> base_last_dates_;
   bool changed_ = false;
   int asked_ = 0;  // Match calls
   int resumed_ = 0;

@@ -67,6 +67,22 @@ class LeftOutRows {
   std::string first_;
 };
 
+// The date of the base copy's last row, read on from the first update row to the copy's end as it
+// was opened (a few rows at most): the next run's look ahead finds it in the merge index instead of
+// reading the end of every copy. Empty when that row holds no date or the rest cannot be read.
+std::string LastDateOfTheRest(LineReader& base, std::uint64_t size, std::string_view match) {
+  std::string date(RowDate(match));
+  std::string_view line;
+  while (base.offset() < size && base.Next(line)) {
+    // The last line that holds more than blanks, as when the end is read on its own.
+    while (!line.empty() && (line.back() == ' ' || line.back() == '\t' || line.back() == '\r')) {
+      line.remove_suffix(1);
+    }
+    if (!line.empty()) date = HasRowDate(line) ? RowDate(line) : std::string_view();
+  }
+  return base.failed() ? std::string() : date;
+}
+
 PassResult& WithoutIndex(PassResult& result) {
   result.pass = Pass::kIndexWrong;
   result.checked.reset();
@@ -201,7 +217,8 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
                                     .last_date = last_date,
                                     .field_commas = fields,
                                     .datafile = {},
-                                    .datafile_bytes = written_before};
+                                    .datafile_bytes = written_before,
+                                    .base_last_date = {}};
     }
     destination.WriteLine(line);
     if (std::exchange(at_seam, false) && !destination.RepeatsOldContent()) {
@@ -244,6 +261,9 @@ PassResult MergeOnce(Session& session, const std::vector<std::string_view>& upda
     }
   }
   if (known != nullptr) session.merge_index->CountResumed();
+  if (result.checked) {
+    result.checked->base_last_date = LastDateOfTheRest(base, base_identity->size, match);
+  }
   result.pass = Pass::kMerged;
   return result;
 }

@@ -11,6 +11,7 @@
 
 #include "core/download/download_fixture.h"
 #include "core/download/update_datafile.h"
+#include "core/platform/file_access.h"
 
 namespace corvanet::test {
 namespace {
@@ -174,6 +175,56 @@ TEST_F(MergeIndexTest, AMergeEndsAsWithoutTheIndexWhateverChangedSinceTheLastOne
   EXPECT_EQ(service.total_requests(), 2) << "the case without overlap, with and without the index";
   EXPECT_NE(Log().find("MergeIndex - " + index_file + " is not a merge index"), std::string::npos);
   EXPECT_NE(Log().find("MergeIndex - " + index_file + " line 2 is garbled"), std::string::npos);
+}
+
+// The look ahead of the next run takes a base copy's last date from the index instead of reading
+// the copy's end: the merge records it, and only for the copy it read.
+TEST_F(MergeIndexTest, KeepsTheDateOfTheBaseCopysLastRowForTheNextRunsLookAhead) {
+  const std::string index_file = base(MergeIndex::kFileName);
+  const std::string base_copy = base("NYSEDaily-CompositeStats.csv");
+  const struct {
+    const char* what;
+    std::string base;
+    std::string last_date;  // empty: none kept
+  } cases[] = {
+      {"rows after the first update row", Datafile({1, 2, 3, 4, 5, 6}),
+       std::string(RowDate(Row(6)))},
+      {"blank lines at the end", Datafile({1, 2, 3, 4, 5}) + "\r\n  \r\n",
+       std::string(RowDate(Row(5)))},
+      {"the first update row is the last", Datafile({1, 2, 3, 4}), std::string(RowDate(Row(4)))},
+      {"a last line without a date", Datafile({1, 2, 3, 4, 5}) + "end of file\r\n", ""},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    std::filesystem::remove(daily("$NYA.csv"));
+    std::filesystem::remove(index_file);
+    WriteFile(base_copy, c.base);
+    UpdateRows(Rows({4, 5, 6, 7, 8}));
+    Merge(true);
+    const MergeIndex index(session);
+    const std::string* date = index.BaseLastDate(*IdentityOf(base_copy));
+    EXPECT_EQ(date != nullptr ? *date : "", c.last_date);
+  }
+
+  // An index written before the dates were kept is still used, and written anew with them.
+  std::vector<std::string> lines = ReadLines(index_file);
+  ASSERT_EQ(lines.size(), 2U);
+  WriteFile(base_copy, Datafile({1, 2, 3, 4, 5, 6}));
+  Merge(true);
+  lines = ReadLines(index_file);
+  std::string rest = lines[1].substr(17);
+  const std::size_t path = rest.rfind(",/");
+  rest.erase(rest.rfind(',', path - 1), path - rest.rfind(',', path - 1));  // the base's last date
+  std::uint64_t hash = 14695981039346656037ULL;
+  for (const char c : rest) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211ULL;
+  char seal[17];
+  std::snprintf(seal, sizeof seal, "%016llx", static_cast<unsigned long long>(hash));
+  WriteLines(index_file, {"Corvanet merge index 1", seal + ("," + rest)});
+  const std::size_t log_size = Log().size();
+  EXPECT_EQ(Merge(true).resumed, 1);
+  EXPECT_EQ(Log().find("MergeIndex - " + index_file, log_size), std::string::npos) << Log();
+  EXPECT_EQ(ReadLines(index_file).front(), "Corvanet merge index 2");
+  EXPECT_EQ(*MergeIndex(session).BaseLastDate(*IdentityOf(base_copy)), RowDate(Row(6)));
 }
 
 }  // namespace
