@@ -224,7 +224,9 @@ TEST_F(MergeIndexTest, KeepsTheDateOfTheBaseCopysLastRowForTheNextRunsLookAhead)
   EXPECT_EQ(Merge(true).resumed, 1);
   EXPECT_EQ(Log().find("MergeIndex - " + index_file, log_size), std::string::npos) << Log();
   EXPECT_EQ(ReadLines(index_file).front(), "Corvanet merge index 2");
-  EXPECT_EQ(*MergeIndex(session).BaseLastDate(*IdentityOf(base_copy)), RowDate(Row(6)));
+  const MergeIndex rewritten(session);
+  const std::string* date = rewritten.BaseLastDate(*IdentityOf(base_copy));
+  EXPECT_EQ(date != nullptr ? *date : "", RowDate(Row(6)));
 }
 
 }  // namespace

@@ -39,9 +39,30 @@ struct RewriteCase {
   bool linked = false;    // the old file has a second name, which must keep the old content
 };
 
+// The last line of a text that holds more than blanks, found the plain way.
+std::string LastLineIn(const std::string& text) {
+  std::string last;
+  std::size_t begin = 0;
+  while (begin < text.size()) {
+    std::size_t end = text.find('\n', begin);
+    if (end == std::string::npos) end = text.size();
+    const std::string line = text.substr(begin, end - begin);
+    if (line.find_first_not_of(" \t\r") != std::string::npos) {
+      last = line.substr(0, line.find_last_not_of(" \t\r") + 1);
+    }
+    begin = end + 1;
+  }
+  return last;
+}
+
 TEST(FileRewriterTest, EndsWithTheNewContentTouchingOnlyWhatChanged) {
   const std::string row(300, '7');
   const std::string long_tail(5000, '8');  // more than one page of the file
+  // Many times the rewriter's read-ahead: its last line is never among the first bytes read.
+  std::vector<std::string> many_rows{"Date,Close"};
+  for (int i = 1; i <= 1000; ++i) many_rows.push_back(std::to_string(i) + "," + row);
+  const std::string many = Lines(many_rows);
+  const std::size_t before_last_row = many.size() - many_rows.back().size() - 2;
   const RewriteCase cases[] = {
       {"same content", "Date,Close\r\n1,2\r\n", {"Date,Close", "1,2"}, Change::kNone},
       {"one row more",
@@ -78,6 +99,13 @@ TEST(FileRewriterTest, EndsWithTheNewContentTouchingOnlyWhatChanged) {
        Change::kReplaced,
        0,
        true},
+      {"many rows, cut short", many.c_str(),
+       std::vector<std::string>(many_rows.begin(), many_rows.begin() + 10), Change::kReplaced},
+      {"many rows, known but the last, which is revised",
+       many.c_str(),
+       {"1000,8"},
+       Change::kReplaced,
+       before_last_row},
   };
   TempDir dir;
   FileRewriter rewriter;  // one for all cases, as a run reuses it
@@ -95,6 +123,8 @@ TEST(FileRewriterTest, EndsWithTheNewContentTouchingOnlyWhatChanged) {
       ASSERT_TRUE(rewriter.TakeAsWritten(c.known));
     }
     for (const std::string& line : c.lines) rewriter.WriteLine(line);
+    // What the datafile ended on before, for the check that it never moves backwards.
+    EXPECT_EQ(rewriter.LastLineOfOld(), LastLineIn(c.old_content != nullptr ? c.old_content : ""));
     ASSERT_TRUE(rewriter.Commit()) << rewriter.error();
     EXPECT_EQ(rewriter.change(), c.change);
     const std::string known = c.known > 0 ? std::string(c.old_content, c.known) : "";
