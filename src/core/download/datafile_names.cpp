@@ -40,10 +40,31 @@ bool SetDatafileNames(Session& session) {
   return false;
 }
 
+namespace {
+
+std::string DestinationPathOf(const WindowState& ui, std::string_view period,
+                              const std::string& destination_name) {
+  if (ui.VendorOther) return ui.PathToDataFiles + destination_name;
+  return ui.PathToDataFiles + Folder(period) + destination_name;
+}
+
+}  // namespace
+
 std::string DestinationPath(const Session& session) {
-  const RunState& run = session.run;
-  if (session.ui.VendorOther) return session.ui.PathToDataFiles + run.DestinationFileName;
-  return session.ui.PathToDataFiles + Folder(run.DataPeriod) + run.DestinationFileName;
+  return DestinationPathOf(session.ui, session.run.DataPeriod, session.run.DestinationFileName);
+}
+
+std::string DestinationPathAhead(const Session& session, std::string_view period,
+                                 std::string_view listed_symbol) {
+  const WindowState& ui = session.ui;
+  if (ui.VendorOther) {
+    return DestinationPathOf(
+        ui, period, ServiceForm(listed_symbol) + std::string(period) + "-CompositeStats.csv");
+  }
+  std::string symbol(listed_symbol);
+  if (ui.VendorReuters) symbol = ReutersForm(symbol);
+  if (ui.VendorYahoo) symbol = YahooForm(symbol);
+  return DestinationPathOf(ui, period, symbol + ".csv");
 }
 
 }  // namespace corvanet

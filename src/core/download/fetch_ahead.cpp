@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "core/download/datafile_names.h"
 #include "core/download/merge_index.h"
 #include "core/download/retrieve.h"
 #include "core/lists/symbols.h"
@@ -105,7 +106,7 @@ void FetchAhead::Plan(Record& record) {
   };
   const bool claimed_earlier =
       same_base(current_) || std::any_of(ahead_.begin(), ahead_.end(), same_base);
-  if (!NeedsWholeFile(web_symbol, local_path, claimed_earlier)) return;
+  if (!NeedsWholeFile(record.symbol, web_symbol, local_path, claimed_earlier)) return;
   record.request = ServiceRequest(session_, remote_name);
   record.local_path = std::move(local_path);
   record.ticket = pool_->Add(record.request, record.local_path);
@@ -116,26 +117,28 @@ void FetchAhead::Plan(Record& record) {
 // base copy that is missing or empty, or one whose rows end before the period's first update row
 // for the symbol (so no row can overlap), or one the update file holds no rows for. A wrong guess
 // costs a transfer, never a difference on disk: the walk only takes what it asks for.
-bool FetchAhead::NeedsWholeFile(const std::string& web_symbol, const std::string& local_path,
-                                bool claimed_earlier) const {
+bool FetchAhead::NeedsWholeFile(std::string_view listed_symbol, const std::string& web_symbol,
+                                const std::string& local_path, bool claimed_earlier) const {
   if (session_.ui.ForceFullDownload != 0) return true;
   if (claimed_earlier) return false;
   const std::vector<std::string_view> rows = update_rows_.RowsFor(web_symbol);
   if (rows.empty()) return true;
-  const std::string last_date = BaseLastDate(local_path);
+  const std::string last_date = BaseLastDate(
+      local_path, DestinationPathAhead(session_, session_.run.DataPeriod, listed_symbol));
   if (last_date.empty()) return true;
   std::string_view first_update = RowDate(rows.front());
   for (const std::string_view row : rows) first_update = std::min(first_update, RowDate(row));
   return last_date < first_update;
 }
 
-// The date of the base copy's last row (empty when it has none): from the merge index while the
-// copy is the one the last merge read, which takes a look at the file instead of a read of its end.
-std::string FetchAhead::BaseLastDate(const std::string& local_path) const {
+// The date of the base copy's last row (empty when it has none): from the merge index when its
+// entry for the datafile knows it (the copy is only ever replaced by a fetch, which drops the
+// entry), else from the copy's end.
+std::string FetchAhead::BaseLastDate(const std::string& local_path,
+                                     const std::string& destination_path) const {
   if (session_.merge_index != nullptr) {
-    const std::optional<FileIdentity> copy = IdentityOf(local_path);
-    const std::string* date = copy ? session_.merge_index->BaseLastDate(*copy) : nullptr;
-    if (date != nullptr) return *date;
+    if (const std::string* date = session_.merge_index->BaseLastDate(destination_path))
+      return *date;
   }
   const std::string last = LastLineOf(local_path);
   return HasRowDate(last) ? std::string(RowDate(last)) : std::string();

@@ -55,9 +55,10 @@ class FetchAhead {
 
   void Fill();
   void Plan(Record& record);
-  bool NeedsWholeFile(const std::string& web_symbol, const std::string& local_path,
-                      bool claimed_earlier) const;
-  std::string BaseLastDate(const std::string& local_path) const;
+  bool NeedsWholeFile(std::string_view listed_symbol, const std::string& web_symbol,
+                      const std::string& local_path, bool claimed_earlier) const;
+  std::string BaseLastDate(const std::string& local_path,
+                           const std::string& destination_path) const;
   void Drop(Record& record);
 
   Session& session_;

@@ -116,7 +116,6 @@ MergeIndex::MergeIndex(Session& session)
   while (reader.Next(line)) {
     ++number;
     if (ParseLine(line, with_base_last_date, path, prefix)) {
-      KeepBaseLastDate(prefix);
       entries_.insert_or_assign(path, prefix);
     } else if (garbled++ == 0) {
       Log(session, "MergeIndex - " + path_ + " line " + std::to_string(number) +
@@ -144,18 +143,13 @@ const MergedPrefix* MergeIndex::Match(const std::string& datafile_path,
   return &entry;
 }
 
-const std::string* MergeIndex::BaseLastDate(const FileIdentity& base) const {
-  const auto found = base_last_dates_.find(base);
-  return found == base_last_dates_.end() ? nullptr : &found->second;
-}
-
-void MergeIndex::KeepBaseLastDate(const MergedPrefix& prefix) {
-  if (!prefix.base_last_date.empty())
-    base_last_dates_.insert_or_assign(prefix.base, prefix.base_last_date);
+const std::string* MergeIndex::BaseLastDate(const std::string& datafile_path) const {
+  const auto found = entries_.find(datafile_path);
+  if (found == entries_.end() || found->second.base_last_date.empty()) return nullptr;
+  return &found->second.base_last_date;
 }
 
 void MergeIndex::Put(const std::string& datafile_path, MergedPrefix prefix) {
-  KeepBaseLastDate(prefix);
   const auto [entry, added] = entries_.try_emplace(datafile_path, prefix);
   if (!added && entry->second == prefix) return;
   entry->second = std::move(prefix);

@@ -53,9 +53,10 @@ class MergeIndex {
   const MergedPrefix* Match(const std::string& datafile_path,
                             const std::optional<FileIdentity>& base,
                             const std::optional<FileIdentity>& datafile);
-  // The date of the last row of the base copy that is `base`, as a merge read it; nullptr when no
-  // entry knows that copy. The look ahead of a run asks this instead of reading every copy's end.
-  const std::string* BaseLastDate(const FileIdentity& base) const;
+  // The date of the last row of the base copy the entry of the datafile at `datafile_path` was
+  // made from, as its merge read it; nullptr when there is no entry or it does not know. The look
+  // ahead of a run takes this for its guess instead of reading every copy's end.
+  const std::string* BaseLastDate(const std::string& datafile_path) const;
   // Counts a merge that started where its entry said, for the log.
   void CountResumed() { ++resumed_; }
   int resumed() const { return resumed_; }
@@ -69,18 +70,7 @@ class MergeIndex {
  private:
   Session& session_;
   std::string path_;
-  struct IdentityHash {
-    std::size_t operator()(const FileIdentity& file) const {
-      return std::hash<std::uint64_t>()(file.inode ^ (file.size << 20) ^
-                                        static_cast<std::uint64_t>(file.modified_ns));
-    }
-  };
-  void KeepBaseLastDate(const MergedPrefix& prefix);
-
   std::unordered_map<std::string, MergedPrefix> entries_;
-  // An entry's base copy and the date of its last row. A copy's last row never changes while it
-  // stays the same file, so what an entry forgotten since said of it still holds.
-  std::unordered_map<FileIdentity, std::string, IdentityHash> base_last_dates_;
   bool changed_ = false;
   int asked_ = 0;  // Match calls
   int resumed_ = 0;

@@ -11,7 +11,6 @@
 
 #include "core/download/download_fixture.h"
 #include "core/download/update_datafile.h"
-#include "core/platform/file_access.h"
 
 namespace corvanet::test {
 namespace {
@@ -202,7 +201,7 @@ TEST_F(MergeIndexTest, KeepsTheDateOfTheBaseCopysLastRowForTheNextRunsLookAhead)
     UpdateRows(Rows({4, 5, 6, 7, 8}));
     Merge(true);
     const MergeIndex index(session);
-    const std::string* date = index.BaseLastDate(*IdentityOf(base_copy));
+    const std::string* date = index.BaseLastDate(daily("$NYA.csv"));
     EXPECT_EQ(date != nullptr ? *date : "", c.last_date);
   }
 
@@ -225,7 +224,7 @@ TEST_F(MergeIndexTest, KeepsTheDateOfTheBaseCopysLastRowForTheNextRunsLookAhead)
   EXPECT_EQ(Log().find("MergeIndex - " + index_file, log_size), std::string::npos) << Log();
   EXPECT_EQ(ReadLines(index_file).front(), "Corvanet merge index 2");
   const MergeIndex rewritten(session);
-  const std::string* date = rewritten.BaseLastDate(*IdentityOf(base_copy));
+  const std::string* date = rewritten.BaseLastDate(daily("$NYA.csv"));
   EXPECT_EQ(date != nullptr ? *date : "", RowDate(Row(6)));
 }
 
