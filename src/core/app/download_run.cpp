@@ -213,22 +213,17 @@ RunSummary DownLoadButton_Click(Session& session) {
                                     ? *session.early_fetches
                                     : own_early_fetches.emplace(session);
   UpdateFileIndex update_rows;
-  int last_period = 0;
   for (int period = 1; period <= 4; ++period) {
     const std::string_view ticked = TickedPeriod(ui, period);
-    if (ticked.empty()) continue;
-    early_fetches.Start(UpdateFileName(ticked));
-    last_period = period;
+    if (!ticked.empty()) early_fetches.Start(UpdateFileName(ticked));
   }
+  // The closing steps' files too: a run that only merges walks its periods in less than a round
+  // trip. The run never starts with the log-in placeholders, so the master file is always fetched.
+  early_fetches.Start(SystemMessageFileName(session));
+  early_fetches.Start(session.app.MasterFileName);
   for (int period = 1; period <= 4; ++period) {
     DetermineInterval(session, period);
     if (run.DataPeriod.empty()) continue;
-    if (period == last_period) {
-      // The closing steps' files, fetched while the last period is walked. The run never starts
-      // with the log-in placeholders, so the master file is always fetched.
-      early_fetches.Start(SystemMessageFileName(session));
-      early_fetches.Start(session.app.MasterFileName);
-    }
     RunPeriod(session, run_total, summary, update_rows);
     summary.service_silent = run.service_silent;
     if (summary.stopped || summary.service_silent) break;

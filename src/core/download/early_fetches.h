@@ -1,9 +1,9 @@
 #pragma once
-// Files a run will ask for at known steps, fetched side by side ahead of those steps: the update
-// files of the ticked periods as the period loop starts (or, when the program is started to run a
-// list, while start-up fetches the master file), the system message file and the master file as
-// the closing steps start. Each such fetch otherwise waits out a whole round trip of its own with
-// nothing else going on, and on a run that only merges those waits are most of its time.
+// Files a run will ask for at known steps, fetched side by side ahead of those steps as the period
+// loop starts: the update files of the ticked periods (or, when the program is started to run a
+// list, already while start-up fetches the master file), then the system message file and the
+// master file of the closing steps. Each such fetch otherwise waits out a whole round trip of its
+// own with nothing else going on, and on a run that only merges those waits are most of its time.
 //
 // A body fetched early is only taken by RetrieveDataFile when it asks for the same file with the
 // same credentials, at the moment it would have fetched it, so the log lines and fetch counts land
