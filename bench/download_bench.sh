@@ -30,10 +30,13 @@ start_service "$composites" "$years" "$delay"
 cd "$work"
 
 # Runs a command and appends "seconds peak-KiB" to the file $1: the time to the millisecond (a run
-# after one bar takes a tenth of a second), the memory from /usr/bin/time.
+# after one bar takes a tenth of a second), the memory from /usr/bin/time. Each command starts with
+# everything written before it on disk: the writeback of the hundreds of MiB the one before wrote
+# (or the blocks it freed) would otherwise fall on whichever command came next.
 timed() {
   local into=$1
   shift
+  sync
   local start=$EPOCHREALTIME
   /usr/bin/time -f "%M" -o "$work/t" "$@" >"$work/out" 2>&1
   local end=$EPOCHREALTIME

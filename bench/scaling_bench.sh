@@ -26,6 +26,7 @@ source "$(cd "$(dirname "$0")" && pwd)/demo_service.sh"
 timed() {
   local into=$1
   shift
+  sync  # what the run before wrote is on disk, not written back during this one
   local start=$EPOCHREALTIME
   /usr/bin/time -f "%M" -o "$work/kb" "$@"
   local end=$EPOCHREALTIME
