@@ -31,8 +31,9 @@ cd "$work"
 
 # Runs a command and appends "seconds peak-KiB" to the file $1: the time to the millisecond (a run
 # after one bar takes a tenth of a second), the memory from /usr/bin/time. Each command starts with
-# everything written before it on disk: the writeback of the hundreds of MiB the one before wrote
-# (or the blocks it freed) would otherwise fall on whichever command came next.
+# everything written before it on disk, and nothing is deleted between the commands of a section
+# (the file system frees and discards deleted blocks as it goes): otherwise the writeback of the
+# hundreds of MiB one command wrote, or freed, falls on whichever command comes next.
 timed() {
   local into=$1
   shift
@@ -61,16 +62,15 @@ for pass in 1 2 3; do
         "$port" "$name" "$name"
     done >"$work/urls"
   fi
-  rm -rf "$work/first$pass"  # a new installation for each pass: every base copy missing
+  # A new installation for each pass: every base copy missing.
   mkdir "$work/curlz$pass"
   (cd "$work/curlz$pass" && timed "$work/curlz.times" curl -s -Z --parallel-max 8 -u bench:bench \
     -K "$work/urls")
-  rm -rf "$work/curlz$pass"
 done
 mkdir "$work/curl1"
 : >"$work/curl.times"
 (cd "$work/curl1" && timed "$work/curl.times" curl -s -u bench:bench -K "$work/urls")
-rm -rf "$work/curl1"
+rm -rf "$work/first"? "$work/curlz"? "$work/curl1"
 urls=$(grep -c '^url' "$work/urls")
 read -r first_s first_kb < <(best "$work/first.times")
 read -r curlz_s _ < <(best "$work/curlz.times")
@@ -98,11 +98,10 @@ for pass in 1 2 3; do
   mkdir "$work/copy$pass"
   timed "$work/cp.times" cp -r "$data/Daily" "$data/Weekly" "$data/Monthly" "$data/Quarterly" \
     "$work/copy$pass/"
-  rm -rf "$work/copy$pass"
-  mkdir "$work/floor"
-  timed "$work/floor.times" "$bin/atomic_replace_floor" "$data/Base" "$work/floor"
-  rm -rf "$work/floor"
+  mkdir "$work/floor$pass"
+  timed "$work/floor.times" "$bin/atomic_replace_floor" "$data/Base" "$work/floor$pass"
 done
+rm -rf "$work/copy"? "$work/floor"?
 read -r merge_s merge_kb < <(best "$work/merge.times")
 read -r cp_s _ < <(best "$work/cp.times")
 read -r floor_s _ < <(best "$work/floor.times")
@@ -139,10 +138,10 @@ for pass in 1 2 3; do
 done
 files=$(find "$work/statcopy1" -type f | wc -l)
 written_mib=$(du -sm "$work/statcopy1" | cut -f1)
-rm -rf "$work/statcopy"* "$work/install/out2" "$work/install/out3"
 : >"$work/pandas.times"
 timed "$work/pandas.times" "$python" "$here/stat_split_pandas.py" "$work/install" \
   "$work/pandas" --statistics-only
+rm -rf "$work/statcopy"* "$work/install/out2" "$work/install/out3" "$work/pandas"
 read -r stats_s stats_kb < <(best "$work/stats.times")
 read -r statcp_s _ < <(best "$work/statcp.times")
 read -r pandas_s pandas_kb < <(best "$work/pandas.times")
