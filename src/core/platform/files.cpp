@@ -1,6 +1,7 @@
 #include "core/platform/files.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
@@ -16,6 +17,7 @@
 
 #ifndef _WIN32
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -33,13 +35,27 @@ constexpr std::size_t kWriteBuffer = 64 * 1024;
 
 constexpr std::string_view kTempMarker = ".tmp-";
 
-long ProcessId() {
 #ifndef _WIN32
-  return static_cast<long>(::getpid());
-#else
-  return static_cast<long>(::_getpid());
-#endif
+// Asked for the name of every temporary file (a statistics pass writes tens of thousands), so it
+// is asked of the system once, and once more in a child process after a fork.
+std::atomic<long> g_process_id{0};
+
+long ProcessId() {
+  long id = g_process_id.load(std::memory_order_relaxed);
+  if (id == 0) {
+    static const int forgotten_in_children =
+        ::pthread_atfork(nullptr, nullptr, [] { g_process_id.store(0); });
+    (void)forgotten_in_children;
+    id = static_cast<long>(::getpid());
+    g_process_id.store(id, std::memory_order_relaxed);
+  }
+  return id;
 }
+#else
+long ProcessId() {
+  return static_cast<long>(::_getpid());
+}
+#endif
 
 // A random part makes every name new even when a process id comes back (a container started
 // afresh reuses them), so a file left by a dead process can never block a later write.
@@ -123,6 +139,12 @@ bool IsAbandoned(const fs::path& path) {
 // Opens a file for writing, created with the owner-only mode from the start when asked, so no other
 // user can open it in the moment before its mode is narrowed.
 std::FILE* OpenForWriting(const std::string& path, FileAccess access, bool exclusive) {
+#if defined(__GLIBC__)
+  // A new file of the normal mode needs no descriptor of its own: fdopen would ask the system for
+  // the descriptor's flags, once for each of the tens of thousands of files a statistics pass
+  // writes.
+  if (exclusive && access == FileAccess::kNormal) return std::fopen(path.c_str(), "wbxe");
+#endif
 #ifndef _WIN32
   const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | (exclusive ? O_EXCL : O_APPEND);
   const mode_t mode = access == FileAccess::kOwnerOnly ? 0600 : 0666;
