@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <filesystem>
@@ -51,6 +53,27 @@ TEST(AtomicFileWriterTest, CommitReplacesTheWholeFile) {
 
   EXPECT_TRUE(WriteWholeFile(dir / "new.txt", "x"));
   EXPECT_EQ(ReadFile(dir / "new.txt"), "x");
+}
+
+// A child process names its temporary files by its own process id, never its parent's: the two
+// would otherwise draw the same names from the same random state, and one of them fail to write.
+TEST(AtomicFileWriterTest, AForkedChildNamesItsTemporaryFilesAsItself) {
+  TempDir dir;
+  AtomicFileWriter parent(dir / "parent.txt");  // the process id is known before the fork
+  ASSERT_TRUE(parent.is_open());
+  const pid_t child = ::fork();
+  if (child == 0) {
+    AtomicFileWriter writer(dir / "child.txt");
+    const std::string own = ".tmp-" + std::to_string(::getpid()) + "-";
+    bool named_as_itself = false;
+    for (const std::string& entry : Entries(dir.path())) {
+      if (entry.rfind("child.txt" + own, 0) == 0) named_as_itself = true;
+    }
+    ::_exit(writer.is_open() && named_as_itself ? 0 : 1);
+  }
+  int status = 0;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
 }
 
 TEST(AtomicFileWriterTest, FailureLeavesTheOldFileAndNoTemporaryFile) {
