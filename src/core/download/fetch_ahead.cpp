@@ -137,8 +137,9 @@ bool FetchAhead::NeedsWholeFile(std::string_view listed_symbol, const std::strin
 std::string FetchAhead::BaseLastDate(const std::string& local_path,
                                      const std::string& destination_path) const {
   if (session_.merge_index != nullptr) {
-    if (const std::string* date = session_.merge_index->BaseLastDate(destination_path))
+    if (const std::string* date = session_.merge_index->BaseLastDate(destination_path)) {
       return *date;
+    }
   }
   const std::string last = LastLineOf(local_path);
   return HasRowDate(last) ? std::string(RowDate(last)) : std::string();
