@@ -123,8 +123,7 @@ bool FetchAhead::NeedsWholeFile(std::string_view listed_symbol, const std::strin
   if (claimed_earlier) return false;
   const std::vector<std::string_view> rows = update_rows_.RowsFor(web_symbol);
   if (rows.empty()) return true;
-  const std::string last_date = BaseLastDate(
-      local_path, DestinationPathAhead(session_, session_.run.DataPeriod, listed_symbol));
+  const std::string last_date = BaseLastDate(listed_symbol, local_path);
   if (last_date.empty()) return true;
   std::string_view first_update = RowDate(rows.front());
   for (const std::string_view row : rows) first_update = std::min(first_update, RowDate(row));
@@ -134,10 +133,12 @@ bool FetchAhead::NeedsWholeFile(std::string_view listed_symbol, const std::strin
 // The date of the base copy's last row (empty when it has none): from the merge index when its
 // entry for the datafile knows it (the copy is only ever replaced by a fetch, which drops the
 // entry), else from the copy's end.
-std::string FetchAhead::BaseLastDate(const std::string& local_path,
-                                     const std::string& destination_path) const {
+std::string FetchAhead::BaseLastDate(std::string_view listed_symbol,
+                                     const std::string& local_path) const {
   if (session_.merge_index != nullptr) {
-    if (const std::string* date = session_.merge_index->BaseLastDate(destination_path)) {
+    const std::string datafile =
+        DestinationPathAhead(session_, session_.run.DataPeriod, listed_symbol);
+    if (const std::string* date = session_.merge_index->BaseLastDate(datafile)) {
       return *date;
     }
   }

@@ -57,8 +57,7 @@ class FetchAhead {
   void Plan(Record& record);
   bool NeedsWholeFile(std::string_view listed_symbol, const std::string& web_symbol,
                       const std::string& local_path, bool claimed_earlier) const;
-  std::string BaseLastDate(const std::string& local_path,
-                           const std::string& destination_path) const;
+  std::string BaseLastDate(std::string_view listed_symbol, const std::string& local_path) const;
   void Drop(Record& record);
 
   Session& session_;

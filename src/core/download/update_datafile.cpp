@@ -75,9 +75,7 @@ std::string LastDateOfTheRest(LineReader& base, std::uint64_t size, std::string_
   std::string_view line;
   while (base.offset() < size && base.Next(line)) {
     // The last line that holds more than blanks, as when the end is read on its own.
-    while (!line.empty() && (line.back() == ' ' || line.back() == '\t' || line.back() == '\r')) {
-      line.remove_suffix(1);
-    }
+    line = TrimLineEnd(line);
     if (!line.empty()) date = HasRowDate(line) ? RowDate(line) : std::string_view();
   }
   return base.failed() ? std::string() : date;

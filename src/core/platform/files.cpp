@@ -419,16 +419,19 @@ bool CopyFileReplacing(const std::string& from, const std::string& to) {
   return writer.Commit();
 }
 
+std::string_view TrimLineEnd(std::string_view line) {
+  while (!line.empty() && (line.back() == '\r' || line.back() == ' ' || line.back() == '\t')) {
+    line.remove_suffix(1);
+  }
+  return line;
+}
+
 bool LastLineIn(std::string_view tail, bool starts_file, std::string& line) {
   std::size_t end = tail.size();
   while (end > 0) {
     const std::size_t newline = tail.rfind('\n', end - 1);
     const std::size_t begin = newline == std::string_view::npos ? 0 : newline + 1;
-    std::string_view found = tail.substr(begin, end - begin);
-    while (!found.empty() &&
-           (found.back() == '\r' || found.back() == ' ' || found.back() == '\t')) {
-      found.remove_suffix(1);
-    }
+    const std::string_view found = TrimLineEnd(tail.substr(begin, end - begin));
     if (!found.empty()) {
       line.assign(found);
       return newline != std::string_view::npos || starts_file;

@@ -96,6 +96,9 @@ std::string LastLineOf(int descriptor, std::uint64_t size);
 // The same of `tail`, a file's last bytes, when it holds that line whole: false when the line may
 // go on before the tail's start (or no line is in it) and the tail does not start the file.
 bool LastLineIn(std::string_view tail, bool starts_file, std::string& line);
+// A line without the blanks, tabs and carriage returns at its end: empty when it holds nothing
+// more.
+std::string_view TrimLineEnd(std::string_view line);
 // The whole content of a (small) file; nullopt when it cannot be read.
 std::optional<std::string> ReadWholeFile(const std::string& path);
 std::string CurrentDirectory();

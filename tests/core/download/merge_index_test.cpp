@@ -15,6 +15,15 @@
 namespace corvanet::test {
 namespace {
 
+// An index line of `rest` sealed with its checksum, as only the index itself or a forger writes it.
+std::string Sealed(const std::string& rest) {
+  std::uint64_t hash = 14695981039346656037ULL;
+  for (const char c : rest) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211ULL;
+  char seal[17];
+  std::snprintf(seal, sizeof seal, "%016llx", static_cast<unsigned long long>(hash));
+  return seal + ("," + rest);
+}
+
 class MergeIndexTest : public ::testing::Test, public DownloadFixture {
  public:
   static constexpr const char* kRemote = "/ovalith/data/NYSEDaily-CompositeStats.csv";
@@ -75,11 +84,7 @@ TEST_F(MergeIndexTest, AMergeEndsAsWithoutTheIndexWhateverChangedSinceTheLastOne
       fields[field] = value;
       std::string rest;
       for (std::size_t i = 1; i < fields.size(); ++i) rest += (i > 1 ? "," : "") + fields[i];
-      std::uint64_t hash = 14695981039346656037ULL;
-      for (const char c : rest) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211ULL;
-      char seal[17];
-      std::snprintf(seal, sizeof seal, "%016llx", static_cast<unsigned long long>(hash));
-      lines[1] = seal + ("," + rest);
+      lines[1] = Sealed(rest);
       WriteLines(index_file, lines);
     };
   };
@@ -214,11 +219,7 @@ TEST_F(MergeIndexTest, KeepsTheDateOfTheBaseCopysLastRowForTheNextRunsLookAhead)
   std::string rest = lines[1].substr(17);
   const std::size_t path = rest.rfind(",/");
   rest.erase(rest.rfind(',', path - 1), path - rest.rfind(',', path - 1));  // the base's last date
-  std::uint64_t hash = 14695981039346656037ULL;
-  for (const char c : rest) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211ULL;
-  char seal[17];
-  std::snprintf(seal, sizeof seal, "%016llx", static_cast<unsigned long long>(hash));
-  WriteLines(index_file, {"Corvanet merge index 1", seal + ("," + rest)});
+  WriteLines(index_file, {"Corvanet merge index 1", Sealed(rest)});
   const std::size_t log_size = Log().size();
   EXPECT_EQ(Merge(true).resumed, 1);
   EXPECT_EQ(Log().find("MergeIndex - " + index_file, log_size), std::string::npos) << Log();

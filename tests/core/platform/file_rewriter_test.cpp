@@ -40,7 +40,7 @@ struct RewriteCase {
 };
 
 // The last line of a text that holds more than blanks, found the plain way.
-std::string LastLineIn(const std::string& text) {
+std::string PlainLastLine(const std::string& text) {
   std::string last;
   std::size_t begin = 0;
   while (begin < text.size()) {
@@ -124,7 +124,8 @@ TEST(FileRewriterTest, EndsWithTheNewContentTouchingOnlyWhatChanged) {
     }
     for (const std::string& line : c.lines) rewriter.WriteLine(line);
     // What the datafile ended on before, for the check that it never moves backwards.
-    EXPECT_EQ(rewriter.LastLineOfOld(), LastLineIn(c.old_content != nullptr ? c.old_content : ""));
+    EXPECT_EQ(rewriter.LastLineOfOld(),
+              PlainLastLine(c.old_content != nullptr ? c.old_content : ""));
     ASSERT_TRUE(rewriter.Commit()) << rewriter.error();
     EXPECT_EQ(rewriter.change(), c.change);
     const std::string known = c.known > 0 ? std::string(c.old_content, c.known) : "";
