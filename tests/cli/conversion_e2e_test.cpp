@@ -168,6 +168,23 @@ TEST_F(ConversionTest, AMissingCompletionHelperEndsTheWaitWithAFailure) {
       << run.out;
 }
 
+// A batch still ending after its completion mark holds the run lock it inherited: the run waits for
+// it, so the next run straight after is not refused as busy.
+TEST_F(ConversionTest, ABatchLingeringAfterItsMarkIsWaitedFor) {
+  Tick({"OHLCVV=1"});
+  MakeList(3, "eSignal", "D", {"$NYA"});
+  TempDir helpers;
+  fs::create_symlink(BinaryPath("PxFiles"), helpers / "PxFiles");
+  WriteFile(helpers / "Complete.exe", "#!/bin/sh\necho 1 > Complete.txt\nsleep 1\n");
+  fs::permissions(helpers / "Complete.exe", fs::perms::owner_exec, fs::perm_options::add);
+  ::setenv("CORVANET_HELPER_DIR", helpers.path().c_str(), 1);
+  const CliResult first = RunList(3);
+  const CliResult second = RunList(3);
+  ::unsetenv("CORVANET_HELPER_DIR");
+  EXPECT_EQ(first.code, 0) << first.out;
+  EXPECT_EQ(second.code, 0) << second.out;
+}
+
 // A full list whose run failed somewhere keeps its MetaStock folders: nothing is emptied.
 TEST_F(ConversionTest, AFailedFullListRunEmptiesNoMetaStockFolder) {
   Tick({"OHLCVV=1"});

@@ -32,6 +32,9 @@ const std::array<ConverterKind, 5> kConverterKinds = {{
 constexpr std::string_view kConverterCall = "PxFiles -f ";
 constexpr std::string_view kCompletionCall = "Call Complete.exe";
 constexpr auto kPollInterval = std::chrono::milliseconds(250);
+// How long a batch may take to end once its completion mark is set, and how often to look.
+constexpr auto kBatchEndLimit = std::chrono::seconds(10);
+constexpr auto kBatchEndPoll = std::chrono::milliseconds(5);
 constexpr std::size_t kStampLength = 20;  // "2026-11-23 08:30:00 " before each converter log line
 
 std::string FlagFile(const Session& session) {
@@ -92,6 +95,20 @@ bool IsMetaStockFile(std::string_view name) {
   }
   const std::string_view extension = name.substr(dot);
   return EqualsIgnoreCase(extension, ".DAT") || EqualsIgnoreCase(extension, ".MWD");
+}
+
+// Complete.exe is the batch's last line, so the batch ends a moment after the mark is set. Until
+// it has, it holds the run lock (see StartHiddenBatch): a run that ended first would leave the
+// next run refused as busy, and the next batch would start beside this one.
+void AwaitBatchEnd(Session& session, BatchProcess& batch) {
+  const auto limit = std::chrono::steady_clock::now() + kBatchEndLimit;
+  while (batch.Running()) {
+    if (std::chrono::steady_clock::now() > limit) {
+      Log(session, "WaitForConversion - the batch had not ended 10 s after its completion mark");
+      return;
+    }
+    std::this_thread::sleep_for(kBatchEndPoll);
+  }
 }
 
 }  // namespace
@@ -169,6 +186,7 @@ bool WaitForConversion(Session& session, BatchProcess& batch, std::string& probl
     Pause(session, 0.25);
     std::this_thread::sleep_for(kPollInterval);
   }
+  if (problem.empty()) AwaitBatchEnd(session, batch);
   WriteFlagZero(session);
   if (!problem.empty()) Log(session, "WaitForConversion - " + problem);
   return problem.empty();
