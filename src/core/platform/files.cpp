@@ -7,13 +7,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <mutex>
 #include <random>
-#include <shared_mutex>
 #include <system_error>
 #include <utility>
 
 #include "core/platform/file_access.h"
+#include "core/platform/run_lock.h"
 
 #ifndef _WIN32
 #include <fcntl.h>
@@ -35,48 +34,63 @@ constexpr std::size_t kWriteBuffer = 64 * 1024;
 
 constexpr std::string_view kTempMarker = ".tmp-";
 
+// Each process marks the names of its temporary files with its id and a random tag of its own, so
+// that it can tell the files it is writing itself: a container started afresh gives the same id
+// again, but never the same tag.
+struct ProcessMark {
+  long id = 0;
+  std::uint32_t tag = 0;
+};
+
+std::uint32_t RandomBits() {
+  thread_local std::mt19937 generator{std::random_device{}()};
+  return static_cast<std::uint32_t>(generator());
+}
+
 #ifndef _WIN32
 // Asked for the name of every temporary file (a statistics pass writes tens of thousands), so it
-// is asked of the system once, and once more in a child process after a fork.
-std::atomic<long> g_process_id{0};
+// is worked out once, and once more in a child process after a fork. The id and the tag share one
+// word, so that threads asking first at the same moment all take the mark that won.
+std::atomic<std::uint64_t> g_mark{0};
 
-long ProcessId() {
-  long id = g_process_id.load(std::memory_order_relaxed);
-  if (id == 0) {
+ProcessMark Mark() {
+  std::uint64_t mark = g_mark.load(std::memory_order_acquire);
+  if (mark == 0) {
     static const int forgotten_in_children =
-        ::pthread_atfork(nullptr, nullptr, [] { g_process_id.store(0); });
+        ::pthread_atfork(nullptr, nullptr, [] { g_mark.store(0); });
     (void)forgotten_in_children;
-    id = static_cast<long>(::getpid());
-    g_process_id.store(id, std::memory_order_relaxed);
+    const std::uint64_t fresh =
+        (static_cast<std::uint64_t>(static_cast<std::uint32_t>(::getpid())) << 32) | RandomBits();
+    if (g_mark.compare_exchange_strong(mark, fresh, std::memory_order_acq_rel)) mark = fresh;
   }
-  return id;
+  return {static_cast<long>(mark >> 32), static_cast<std::uint32_t>(mark)};
 }
 #else
-long ProcessId() {
-  return static_cast<long>(::_getpid());
+ProcessMark Mark() {
+  static const ProcessMark mark{static_cast<long>(::_getpid()), RandomBits()};
+  return mark;
 }
 #endif
 
-// A random part makes every name new even when a process id comes back (a container started
-// afresh reuses them), so a file left by a dead process can never block a later write.
-std::string RandomHex() {
-  thread_local std::mt19937_64 generator{[] {
-    std::random_device device;
-    return (static_cast<std::uint64_t>(device()) << 32) ^ device() ^
-           static_cast<std::uint64_t>(ProcessId());
-  }()};
+void AppendHex(std::string& text, std::uint32_t bits) {
   static constexpr char kDigits[] = "0123456789abcdef";
-  std::uint64_t bits = generator();
-  std::string hex(16, '0');
-  for (char& c : hex) {
-    c = kDigits[bits & 0xf];
-    bits >>= 4;
-  }
-  return hex;
+  for (int shift = 28; shift >= 0; shift -= 4) text += kDigits[(bits >> shift) & 0xf];
 }
 
+// "-<process id>-<tag>", what every temporary name of this process carries after the marker.
+std::string OwnPrefix() {
+  const ProcessMark mark = Mark();
+  std::string prefix = std::to_string(mark.id) + "-";
+  AppendHex(prefix, mark.tag);
+  return prefix;
+}
+
+// "<target>.tmp-<process id>-<tag><random>": the random part makes every name new, so a file left
+// by a dead process never blocks a later write.
 std::string TempNameFor(const std::string& target) {
-  return target + std::string(kTempMarker) + std::to_string(ProcessId()) + "-" + RandomHex();
+  std::string name = target + std::string(kTempMarker) + OwnPrefix();
+  AppendHex(name, RandomBits());
+  return name;
 }
 
 bool AllOf(std::string_view text, bool (*allowed)(char)) {
@@ -94,15 +108,14 @@ bool IsTempSuffix(std::string_view suffix) {
                [](char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'); });
 }
 
-// A writer holds a lock on its temporary file for as long as it writes it, so a sweep can tell a
-// file that a living writer owns (locked) from one a dead process left (the kernel dropped its
-// lock). A sweep may take a new file in the moment between its creation and its lock; the writer
-// sees that its name no longer leads to its file and starts again under a new name. Within this
-// process that moment is closed altogether (fetches started before a run's sweep write while it
-// looks): writers create and lock under a shared hold of this mutex, and the sweep judges each
-// file under an exclusive one.
-std::shared_mutex g_creating_temporary_file;
-
+// A writer holds a lock on its temporary file for as long as it writes it, so that a sweep in
+// another process can tell a file a living writer owns (locked) from one a dead process left (the
+// kernel dropped its lock). A sweep may take a new file in the moment between its creation and its
+// lock; the writer sees that its name no longer leads to its file and starts again under a new
+// name. A sweep never judges the files of its own process (fetches started before a run's sweep
+// write while it looks), and every sweep is made by a run holding the installation's run lock: so a
+// writer in a process that holds that lock needs no lock of its own, and a statistics pass, which
+// writes tens of thousands of files, saves the five system calls of taking and keeping one.
 bool HoldWriterLock(std::FILE* file, const std::string& path) {
 #ifndef _WIN32
   const int fd = ::fileno(file);
@@ -118,9 +131,16 @@ bool HoldWriterLock(std::FILE* file, const std::string& path) {
 #endif
 }
 
+// True for the temporary files this process names: the ones it is writing, and any it failed to
+// remove, which the next run sweeps.
+bool IsOwnTemporaryFileName(std::string_view name) {
+  const std::size_t marker = name.rfind(kTempMarker);
+  return marker != std::string_view::npos &&
+         name.substr(marker + kTempMarker.size()).starts_with(OwnPrefix());
+}
+
 // True when no living process holds the file's writer lock.
 bool IsAbandoned(const fs::path& path) {
-  const std::unique_lock no_writer_between_creation_and_lock(g_creating_temporary_file);
 #ifndef _WIN32
   const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
   if (fd < 0) return false;
@@ -173,7 +193,8 @@ AtomicFileWriter::AtomicFileWriter(AtomicFileWriter&& other) noexcept
       target_(std::move(other.target_)),
       temp_(std::move(other.temp_)),
       error_(std::move(other.error_)),
-      failed_(other.failed_) {}
+      failed_(other.failed_),
+      locked_(other.locked_) {}
 
 AtomicFileWriter& AtomicFileWriter::operator=(AtomicFileWriter&& other) noexcept {
   if (this != &other) {
@@ -184,6 +205,7 @@ AtomicFileWriter& AtomicFileWriter::operator=(AtomicFileWriter&& other) noexcept
     temp_ = std::move(other.temp_);
     error_ = std::move(other.error_);
     failed_ = other.failed_;
+    locked_ = other.locked_;
   }
   return *this;
 }
@@ -198,16 +220,16 @@ bool AtomicFileWriter::Open(std::string target, FileAccess access) {
   temp_ = TempNameFor(target_);
   error_.clear();
   failed_ = false;
+  locked_ = RunLock::HeldDescriptor() < 0;
   // Exclusive: never reuse a file someone else left under the temporary name.
   for (int attempt = 0;; ++attempt) {
-    const std::shared_lock creating(g_creating_temporary_file);
     file_ = OpenForWriting(temp_, access, true);
     if (file_ == nullptr) {
       error_ = std::strerror(errno);
       failed_ = true;
       return false;
     }
-    if (HoldWriterLock(file_, temp_) || attempt == 3) break;
+    if (!locked_ || HoldWriterLock(file_, temp_) || attempt == 3) break;
     std::fclose(std::exchange(file_, nullptr));
     temp_ = TempNameFor(target_);
   }
@@ -245,7 +267,7 @@ bool AtomicFileWriter::Commit() {
     ~LockHolder() {
       if (descriptor >= 0) ::close(descriptor);
     }
-  } const lock_holder{::dup(::fileno(file_))};
+  } const lock_holder{locked_ ? ::dup(::fileno(file_)) : -1};
 #endif
   if (std::fclose(std::exchange(file_, nullptr)) != 0 && !failed_) {
     error_ = std::strerror(errno);
@@ -388,7 +410,8 @@ int RemoveStaleTemporaryFiles(const std::string& folder) {
   for (const auto& entry : fs::directory_iterator(folder, ec)) {
     // Only the exact names TempNameFor gives: a datafile whose symbol happens to hold ".tmp-"
     // is somebody's data.
-    if (!IsTemporaryFileName(entry.path().filename().string())) continue;
+    const std::string name = entry.path().filename().string();
+    if (!IsTemporaryFileName(name) || IsOwnTemporaryFileName(name)) continue;
     std::error_code type_ec;
     if (!entry.is_regular_file(type_ec) || entry.is_symlink(type_ec)) continue;
     if (IsAbandoned(entry.path())) ++removed;

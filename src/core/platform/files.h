@@ -51,6 +51,7 @@ class AtomicFileWriter {
   std::string temp_;
   std::string error_;
   bool failed_ = false;
+  bool locked_ = false;  // whether the temporary file carries the writer lock (see files.cpp)
 };
 
 // Writes a whole file at once (atomic replace).
@@ -83,7 +84,8 @@ bool RemoveFile(const std::string& path);
 bool IsTemporaryFileName(std::string_view name);
 // Removes the temporary files a dead process left in `folder`: those with the names
 // AtomicFileWriter gives, that no living writer holds (a writer locks its file until it commits or
-// discards it). Returns how many were removed.
+// discards it, unless its process holds the run lock) and that this process did not name. To be
+// called only while holding the run lock. Returns how many were removed.
 int RemoveStaleTemporaryFiles(const std::string& folder);
 // Copies `from` onto `to` through a temporary file, replacing `to` only when the copy is complete.
 bool CopyFileReplacing(const std::string& from, const std::string& to);

@@ -5,6 +5,7 @@
 
 #ifndef _WIN32
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/file.h>
 #include <unistd.h>
 #endif
@@ -57,6 +58,10 @@ bool RunLock::Acquire(const std::string& folder, const std::string& started) {
     // The lock holds all the same; only the note for a second run is missing.
   }
   fd_ = fd;
+  // A child forked from a run shares the lock, but it is not the run: it does not write as one.
+  static const int not_in_children =
+      ::pthread_atfork(nullptr, nullptr, [] { held_descriptor.store(-1); });
+  (void)not_in_children;
   held_descriptor.store(fd);
   return true;
 }

@@ -22,7 +22,8 @@ class RunLock {
   const std::string& holder() const { return holder_; }
   // The descriptor of the lock this process holds, -1 when none. A converter batch started by a
   // run inherits it, so a run killed while its batch converts still counts as running until the
-  // batch ends: the next run cannot clear the folders the batch is writing.
+  // batch ends: the next run cannot clear the folders the batch is writing. While it is held, no
+  // other process sweeps temporary files, so the file writers of this one take no locks.
   static int HeldDescriptor();
 
  private:

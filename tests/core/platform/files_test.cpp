@@ -11,6 +11,7 @@
 #include <string>
 #include <thread>
 
+#include "core/platform/run_lock.h"
 #include "support/test_support.h"
 
 namespace corvanet::test {
@@ -109,25 +110,54 @@ TEST(AtomicFileWriterTest, FailureLeavesTheOldFileAndNoTemporaryFile) {
 }
 
 // A run sweeps leftovers while fetches it started earlier are writing: a file between its creation
-// and its lock, or between its closing and its renaming, must never pass for a dead run's.
+// and its lock, or between its closing and its renaming, must never pass for a dead run's. Under
+// the run lock the writers take no locks of their own, and the sweep must know their names.
 TEST(AtomicFileWriterTest, ASweepNeverTakesAFileThisProcessIsWriting) {
-  TempDir dir;
-  std::atomic<bool> writing{true};
-  int removed = 0;
-  std::thread sweeper([&] {
-    while (writing) removed += RemoveStaleTemporaryFiles(dir.path());
-  });
-  int failed = 0;
-  for (int i = 0; i < 3000; ++i) {
-    AtomicFileWriter writer(dir / "t.csv");
-    writer.WriteLine(std::to_string(i));
-    if (!writer.Commit()) ++failed;
+  for (const bool run_lock_held : {false, true}) {
+    SCOPED_TRACE(run_lock_held ? "under the run lock" : "without the run lock");
+    TempDir dir;
+    RunLock run;
+    if (run_lock_held) ASSERT_TRUE(run.Acquire(dir.path(), "02:00:00"));
+    std::atomic<bool> writing{true};
+    int removed = 0;
+    std::thread sweeper([&] {
+      while (writing) removed += RemoveStaleTemporaryFiles(dir.path());
+    });
+    int failed = 0;
+    for (int i = 0; i < 3000; ++i) {
+      AtomicFileWriter writer(dir / "t.csv");
+      writer.WriteLine(std::to_string(i));
+      if (!writer.Commit()) ++failed;
+    }
+    writing = false;
+    sweeper.join();
+    EXPECT_EQ(failed, 0);
+    EXPECT_EQ(removed, 0);
+    EXPECT_EQ(ReadFile(dir / "t.csv"), "2999\r\n");
   }
-  writing = false;
-  sweeper.join();
-  EXPECT_EQ(failed, 0);
-  EXPECT_EQ(removed, 0);
-  EXPECT_EQ(ReadFile(dir / "t.csv"), "2999\r\n");
+}
+
+// Another process's sweep takes what a dead writer left, never what a living one is writing.
+TEST(AtomicFileWriterTest, ASweepInAnotherProcessTakesOnlyAbandonedFiles) {
+  TempDir dir;
+  {
+    AtomicFileWriter dead(dir / "dead.csv");
+    dead.WriteLine("half");
+    const std::set<std::string> names = Entries(dir.path());
+    ASSERT_EQ(names.size(), 1U);
+    // As a killed writer leaves it: closed, under its name, with its lock gone.
+    fs::copy_file(dir / *names.begin(), dir / ("left" + names.begin()->substr(4)));
+  }
+  AtomicFileWriter living(dir / "living.csv");
+  living.WriteLine("whole");
+  const pid_t child = ::fork();
+  if (child == 0) ::_exit(RemoveStaleTemporaryFiles(dir.path()));
+  int status = 0;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 1);
+  EXPECT_TRUE(living.Commit());
+  EXPECT_EQ(Entries(dir.path()), (std::set<std::string>{"living.csv"}));
 }
 
 // The last line is read from the file's end, first from a short tail: a line or a run of blank
