@@ -117,7 +117,9 @@ TEST(AtomicFileWriterTest, ASweepNeverTakesAFileThisProcessIsWriting) {
     SCOPED_TRACE(run_lock_held ? "under the run lock" : "without the run lock");
     TempDir dir;
     RunLock run;
-    if (run_lock_held) ASSERT_TRUE(run.Acquire(dir.path(), "02:00:00"));
+    if (run_lock_held) {
+      ASSERT_TRUE(run.Acquire(dir.path(), "02:00:00"));
+    }
     std::atomic<bool> writing{true};
     int removed = 0;
     std::thread sweeper([&] {
