@@ -149,24 +149,15 @@ bool FileRewriter::TailFitsInOnePage() const {
 // From here on the content goes to a temporary file: first the part of the old content already
 // repeated, then whatever was waiting to be appended.
 void FileRewriter::StartReplacing() {
-  read_size_ = 0;  // the copy below reads through the buffer
   if (!replacement_.Open(target_)) {
     Fail(target_ + ": " + replacement_.error());
     return;
   }
-#ifndef _WIN32
-  for (std::uint64_t copied = 0; copied < matched_;) {
-    const std::size_t wanted =
-        static_cast<std::size_t>(std::min<std::uint64_t>(kOldBuffer, matched_ - copied));
-    const long got = ReadAt(old_file_, old_buffer_.get(), wanted, copied);
-    if (got <= 0) {
-      Fail(target_ + " cannot be read: " + (got < 0 ? std::strerror(errno) : "it got shorter"));
-      return;
-    }
-    replacement_.Write({old_buffer_.get(), static_cast<std::size_t>(got)});
-    copied += static_cast<std::uint64_t>(got);
+  replacement_.CopyFrom(old_file_, 0, matched_);
+  if (!replacement_.error().empty()) {
+    Fail(target_ + " cannot be copied: " + replacement_.error());
+    return;
   }
-#endif
   replacement_.Write(tail_);
   tail_.clear();
   old_begin_ = old_end_ = 0;

@@ -1,58 +1,14 @@
 #pragma once
-// File operations. Whole-file writes go to a temporary file in the target's folder that is renamed
-// over the target only when everything was written, so a failure (or a killed process) leaves the
-// old file. Lines the program writes end in CR LF.
+// File operations. Whole-file writes go through AtomicFileWriter (atomic_file_writer.h), so a
+// failure (or a killed process) leaves the old file.
 #include <cstdint>
-#include <cstdio>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "core/platform/atomic_file_writer.h"
+
 namespace corvanet {
-
-inline constexpr std::string_view kLineEnd = "\r\n";
-
-enum class FileAccess { kNormal, kOwnerOnly };
-
-class AtomicFileWriter {
- public:
-  AtomicFileWriter() = default;
-  explicit AtomicFileWriter(std::string target, FileAccess access = FileAccess::kNormal) {
-    Open(std::move(target), access);
-  }
-  AtomicFileWriter(const AtomicFileWriter&) = delete;
-  AtomicFileWriter& operator=(const AtomicFileWriter&) = delete;
-  AtomicFileWriter(AtomicFileWriter&& other) noexcept;
-  AtomicFileWriter& operator=(AtomicFileWriter&& other) noexcept;
-  // Without Commit the temporary file is removed and the target left as it was.
-  ~AtomicFileWriter();
-
-  // Creates the temporary file; false when the folder is missing or not writable.
-  bool Open(std::string target, FileAccess access = FileAccess::kNormal);
-  bool is_open() const { return file_ != nullptr; }
-  void Write(std::string_view text);
-  void WriteLine(std::string_view text) {
-    Write(text);
-    Write(kLineEnd);
-  }
-  // Flushes, closes and renames over the target. False (target untouched) on any write error.
-  bool Commit();
-  void Discard();
-  const std::string& target() const { return target_; }
-  // The error text of the first failure, for log lines.
-  const std::string& error() const { return error_; }
-
- private:
-  std::FILE* file_ = nullptr;
-  // Kept from one Open to the next, so a writer reused for many files allocates it once.
-  std::unique_ptr<char[]> buffer_;
-  std::string target_;
-  std::string temp_;
-  std::string error_;
-  bool failed_ = false;
-  bool locked_ = false;  // whether the temporary file carries the writer lock (see files.cpp)
-};
 
 // Writes a whole file at once (atomic replace).
 bool WriteWholeFile(const std::string& path, std::string_view content,
@@ -80,13 +36,6 @@ bool DeleteFilesIn(const std::string& folder, bool (*wanted)(std::string_view na
 // Empty when deleting there is allowed.
 std::string ProtectedFolderReason(const std::string& folder, const std::string& base_directory);
 bool RemoveFile(const std::string& path);
-// True for the names AtomicFileWriter gives its temporary files.
-bool IsTemporaryFileName(std::string_view name);
-// Removes the temporary files a dead process left in `folder`: those with the names
-// AtomicFileWriter gives, that no living writer holds (a writer locks its file until it commits or
-// discards it, unless its process holds the run lock) and that this process did not name. To be
-// called only while holding the run lock. Returns how many were removed.
-int RemoveStaleTemporaryFiles(const std::string& folder);
 // Copies `from` onto `to` through a temporary file, replacing `to` only when the copy is complete.
 bool CopyFileReplacing(const std::string& from, const std::string& to);
 // The last line of a file that holds more than blanks (its end read, not the whole file), without
