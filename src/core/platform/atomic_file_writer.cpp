@@ -155,29 +155,27 @@ bool IsAbandoned(const fs::path& path) {
 #endif
 }
 
-// Creates a temporary file, with the owner-only mode from the start when asked, so no other user
-// can open it in the moment before its mode is narrowed. Exclusive: never a file someone else left
-// under the name.
-std::FILE* CreateExclusively(const std::string& path, FileAccess access) {
+}  // namespace
+
+std::FILE* OpenForWriting(const std::string& path, FileAccess access, bool exclusive) {
 #if defined(__GLIBC__)
-  // A file of the normal mode needs no descriptor of its own: fdopen would ask the system for the
-  // descriptor's flags, once for each of the tens of thousands of files a statistics pass writes.
-  if (access == FileAccess::kNormal) return std::fopen(path.c_str(), "wbxe");
+  // A new file of the normal mode needs no descriptor of its own: fdopen would ask the system for
+  // the descriptor's flags, once for each of the tens of thousands of files a statistics pass
+  // writes.
+  if (exclusive && access == FileAccess::kNormal) return std::fopen(path.c_str(), "wbxe");
 #endif
 #ifndef _WIN32
-  const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_EXCL,
-                        access == FileAccess::kOwnerOnly ? 0600 : 0666);
+  const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | (exclusive ? O_EXCL : O_APPEND);
+  const int fd = ::open(path.c_str(), flags, access == FileAccess::kOwnerOnly ? 0600 : 0666);
   if (fd < 0) return nullptr;
-  std::FILE* file = ::fdopen(fd, "wb");
+  std::FILE* file = ::fdopen(fd, exclusive ? "wb" : "ab");
   if (file == nullptr) ::close(fd);
   return file;
 #else
   (void)access;
-  return std::fopen(path.c_str(), "wbx");
+  return std::fopen(path.c_str(), exclusive ? "wbx" : "ab");
 #endif
 }
-
-}  // namespace
 
 AtomicFileWriter::AtomicFileWriter(AtomicFileWriter&& other) noexcept
     : file_(std::exchange(other.file_, nullptr)),
@@ -214,7 +212,7 @@ bool AtomicFileWriter::Open(std::string target, FileAccess access) {
   failed_ = false;
   locked_ = RunLock::HeldDescriptor() < 0;
   for (int attempt = 0;; ++attempt) {
-    file_ = CreateExclusively(temp_, access);
+    file_ = OpenForWriting(temp_, access, true);  // never a file someone left under the name
     if (file_ == nullptr) {
       Fail(std::strerror(errno));
       return false;

@@ -14,6 +14,11 @@ inline constexpr std::string_view kLineEnd = "\r\n";
 
 enum class FileAccess { kNormal, kOwnerOnly };
 
+// Opens a file for writing, created with the owner-only mode from the start when asked, so no other
+// user can open it in the moment before its mode is narrowed. `exclusive`: only a new file, never
+// one already under the name; otherwise one to append to. Null on failure (errno tells why).
+std::FILE* OpenForWriting(const std::string& path, FileAccess access, bool exclusive);
+
 class AtomicFileWriter {
  public:
   AtomicFileWriter() = default;

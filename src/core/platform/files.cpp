@@ -11,33 +11,11 @@
 
 #include "core/platform/file_access.h"
 
-#ifndef _WIN32
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-#endif
-
 namespace corvanet {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-// Opens a file to append to, created with the owner-only mode from the start when asked, so no
-// other user can open it in the moment before its mode is narrowed.
-std::FILE* OpenForAppending(const std::string& path, FileAccess access) {
-#ifndef _WIN32
-  const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_APPEND,
-                        access == FileAccess::kOwnerOnly ? 0600 : 0666);
-  if (fd < 0) return nullptr;
-  std::FILE* file = ::fdopen(fd, "ab");
-  if (file == nullptr) ::close(fd);
-  return file;
-#else
-  (void)access;
-  return std::fopen(path.c_str(), "ab");
-#endif
-}
 
 void RestrictToOwner(const std::string& path) {
   std::error_code ec;
@@ -55,7 +33,7 @@ bool WriteWholeFile(const std::string& path, std::string_view content, FileAcces
 
 bool AppendLine(const std::string& path, std::string_view line, FileAccess access) {
   const bool existed = FileExists(path);
-  std::FILE* file = OpenForAppending(path, access);
+  std::FILE* file = OpenForWriting(path, access, false);
   if (file == nullptr) return false;
   // A new file is owner-only from its creation; one left wider (by hand, or by a copy) is
   // narrowed before it takes another line.
