@@ -1,8 +1,11 @@
 #include "core/app/run_folders.h"
 
+#include <cassert>
+
 #include "core/download/datafile_names.h"
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
+#include "core/platform/run_lock.h"
 #include "core/pricefiles/price_files.h"
 #include "core/stats/single_stat_files.h"
 #include "core/stats/statistic_catalogue.h"
@@ -85,6 +88,8 @@ std::vector<std::string> MakeRunFolders(Session& session) {
 }
 
 int SweepTemporaryFiles(Session& session) {
+  // Writers of a process holding the run lock leave their files unlocked: only a run sweeps.
+  assert(RunLock::HeldDescriptor() >= 0);
   int removed = 0;
   for (const std::string& folder : WrittenFolders(session)) {
     removed += RemoveStaleTemporaryFiles(folder.empty() ? std::string(".") : folder);

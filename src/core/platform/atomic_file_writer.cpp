@@ -246,22 +246,17 @@ void AtomicFileWriter::CopyFrom(int descriptor, std::uint64_t offset, std::uint6
   }
 #ifdef __linux__
   // Page cache to page cache, in as few calls as the system allows. Where it cannot (another kind
-  // of file system, an older kernel), and at a source's early end, the loop below goes on.
+  // of file system, an older kernel, any error) and at a source's early end, the loop below goes
+  // on from where the copy stopped, and tells what failed if reading and writing fail too.
   auto from = static_cast<loff_t>(offset);
   while (length > 0) {
     const ssize_t copied = ::copy_file_range(descriptor, &from, ::fileno(file_), nullptr,
                                              static_cast<std::size_t>(length), 0);
     if (copied > 0) {
       length -= static_cast<std::uint64_t>(copied);
-      continue;
-    }
-    if (copied < 0 && errno == EINTR) continue;
-    if (copied == 0 || errno == EXDEV || errno == EINVAL || errno == ENOSYS ||
-        errno == EOPNOTSUPP) {
+    } else if (copied == 0 || errno != EINTR) {
       break;
     }
-    Fail(std::strerror(errno));
-    return;
   }
   offset = static_cast<std::uint64_t>(from);
   // The stream takes over from the descriptor: it must be positioned before it writes again.

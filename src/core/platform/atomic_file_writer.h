@@ -61,7 +61,7 @@ class AtomicFileWriter {
   void Fail(std::string error);
 
   bool failed_ = false;
-  bool locked_ = false;  // whether the temporary file carries the writer lock (see files.cpp)
+  bool locked_ = false;  // whether the writer takes the lock on its temporary file (see the .cpp)
 };
 
 // True for the names AtomicFileWriter gives its temporary files.

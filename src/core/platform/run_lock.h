@@ -23,7 +23,8 @@ class RunLock {
   // The descriptor of the lock this process holds, -1 when none. A converter batch started by a
   // run inherits it, so a run killed while its batch converts still counts as running until the
   // batch ends: the next run cannot clear the folders the batch is writing. While it is held, no
-  // other process sweeps temporary files, so the file writers of this one take no locks.
+  // other run of this installation sweeps temporary files, so the file writers this process opens
+  // take no locks; a writer opened under it must be committed or discarded before it is released.
   static int HeldDescriptor();
 
  private:

@@ -104,7 +104,8 @@ void AwaitBatchEnd(Session& session, BatchProcess& batch) {
   const auto limit = std::chrono::steady_clock::now() + kBatchEndLimit;
   while (batch.Running()) {
     if (std::chrono::steady_clock::now() > limit) {
-      Log(session, "WaitForConversion - the batch had not ended 10 s after its completion mark");
+      Log(session, "WaitForConversion - the batch had not ended " +
+                       std::to_string(kBatchEndLimit.count()) + " s after its completion mark");
       return;
     }
     std::this_thread::sleep_for(kBatchEndPoll);

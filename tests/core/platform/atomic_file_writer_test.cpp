@@ -1,6 +1,8 @@
 #include "core/platform/atomic_file_writer.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -47,8 +49,9 @@ TEST(AtomicFileWriterTest, CommitReplacesTheWholeFile) {
 }
 
 // A part of another file copied between what the writer writes itself: by the system where it can,
-// through the process where it cannot (a file system of another kind, such as /dev/shm). A source
-// shorter than asked fails the writer and leaves the target as it was.
+// through the process where it cannot (a file system of another kind, such as /dev/shm, on kernels
+// that refuse copies between those). A source shorter than asked fails the writer and leaves the
+// target as it was.
 TEST(AtomicFileWriterTest, CopyFromTakesThePartAskedForOrFails) {
   TempDir dir;
   std::string content;
@@ -83,19 +86,26 @@ TEST(AtomicFileWriterTest, CopyFromTakesThePartAskedForOrFails) {
 
 // A child process names its temporary files by its own process id, never its parent's: the two
 // would otherwise draw the same names from the same random state, and one of them fail to write.
-TEST(AtomicFileWriterTest, AForkedChildNamesItsTemporaryFilesAsItself) {
+// Nor does it write as the run its parent holds the lock for: its files are locked as any others.
+TEST(AtomicFileWriterTest, AForkedChildWritesAsItself) {
   TempDir dir;
+  RunLock run;
+  ASSERT_TRUE(run.Acquire(dir.path(), "02:00:00"));
   AtomicFileWriter parent(dir / "parent.txt");  // the process id is known before the fork
   ASSERT_TRUE(parent.is_open());
   const pid_t child = ::fork();
   if (child == 0) {
     AtomicFileWriter writer(dir / "child.txt");
-    const std::string own = ".tmp-" + std::to_string(::getpid()) + "-";
+    const std::string own = "child.txt.tmp-" + std::to_string(::getpid()) + "-";
     bool named_as_itself = false;
+    bool locked = false;
     for (const std::string& entry : Entries(dir.path())) {
-      if (entry.rfind("child.txt" + own, 0) == 0) named_as_itself = true;
+      if (entry.rfind(own, 0) != 0) continue;
+      named_as_itself = true;
+      const int other = ::open((dir / entry).c_str(), O_RDONLY);
+      locked = other >= 0 && ::flock(other, LOCK_EX | LOCK_NB) != 0;
     }
-    ::_exit(writer.is_open() && named_as_itself ? 0 : 1);
+    ::_exit(writer.is_open() && named_as_itself && locked ? 0 : 1);
   }
   int status = 0;
   ASSERT_EQ(::waitpid(child, &status, 0), child);
