@@ -144,34 +144,29 @@ TEST(AtomicFileWriterTest, FailureLeavesTheOldFileAndNoTemporaryFile) {
   EXPECT_EQ(Entries(dir.path()), (std::set<std::string>{"t.ini", "folder.ini"}));
 }
 
-// A run sweeps leftovers while fetches it started earlier are writing: a file between its creation
-// and its lock, or between its closing and its renaming, must never pass for a dead run's. Under
-// the run lock the writers take no locks of their own, and the sweep must know their names.
+// A run sweeps leftovers while fetches it started earlier are writing. Under the run lock those
+// writers take no locks of their own: only their names keep the sweep from taking their files, at
+// any moment from their creation to their renaming.
 TEST(AtomicFileWriterTest, ASweepNeverTakesAFileThisProcessIsWriting) {
-  for (const bool run_lock_held : {false, true}) {
-    SCOPED_TRACE(run_lock_held ? "under the run lock" : "without the run lock");
-    TempDir dir;
-    RunLock run;
-    if (run_lock_held) {
-      ASSERT_TRUE(run.Acquire(dir.path(), "02:00:00"));
-    }
-    std::atomic<bool> writing{true};
-    int removed = 0;
-    std::thread sweeper([&] {
-      while (writing) removed += RemoveStaleTemporaryFiles(dir.path());
-    });
-    int failed = 0;
-    for (int i = 0; i < 3000; ++i) {
-      AtomicFileWriter writer(dir / "t.csv");
-      writer.WriteLine(std::to_string(i));
-      if (!writer.Commit()) ++failed;
-    }
-    writing = false;
-    sweeper.join();
-    EXPECT_EQ(failed, 0);
-    EXPECT_EQ(removed, 0);
-    EXPECT_EQ(ReadFile(dir / "t.csv"), "2999\r\n");
+  TempDir dir;
+  RunLock run;
+  ASSERT_TRUE(run.Acquire(dir.path(), "02:00:00"));
+  std::atomic<bool> writing{true};
+  int removed = 0;
+  std::thread sweeper([&] {
+    while (writing) removed += RemoveStaleTemporaryFiles(dir.path());
+  });
+  int failed = 0;
+  for (int i = 0; i < 3000; ++i) {
+    AtomicFileWriter writer(dir / "t.csv");
+    writer.WriteLine(std::to_string(i));
+    if (!writer.Commit()) ++failed;
   }
+  writing = false;
+  sweeper.join();
+  EXPECT_EQ(failed, 0);
+  EXPECT_EQ(removed, 0);
+  EXPECT_EQ(ReadFile(dir / "t.csv"), "2999\r\n");
 }
 
 // Another process's sweep takes what a dead writer left, never what a living one is writing.
