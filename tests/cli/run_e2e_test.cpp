@@ -156,6 +156,42 @@ TEST_F(RunTest, TheUpdateFilesOfTheListToRunAreFetchedBesideTheStartUpMasterFile
   EXPECT_TRUE(Contains(run.out, "Datafiles fetched whole: 2")) << run.out;
 }
 
+// A run its checks refuse asks the data service for nothing: not even the update files a start
+// fetches early for the list it goes on to run, which would reach the service with wrong or empty
+// credentials.
+TEST_F(RunTest, ARefusedRunRequestsNothing) {
+  MakeList(3, "eSignal", "D,W", {"$NYA"});
+  const std::string ini_path = base() + "Rondex/Rondex.ini";
+  const std::string list_path = base() + "Lists/Download3.csv";
+  const std::string ini = ReadFile(ini_path);
+  const std::string list = ReadFile(list_path);
+  // The settings file as a user may have left it: the command itself refuses an empty password.
+  const auto with_line = [&ini](const std::string& key, const std::string& value) {
+    const std::size_t at = ini.find("\n" + key + ",") + 1;
+    return ini.substr(0, at) + key + "," + value + ini.substr(ini.find('\r', at));
+  };
+  struct Case {
+    const char* why;
+    std::string settings;
+    std::string list;
+  };
+  const Case cases[] = {
+      {"empty password", with_line("Password", ""), list},
+      {"placeholder user name", with_line("UserName", "Enter username here"), list},
+      {"placeholder password", with_line("Password", "Enter password here"), list},
+      {"no vendor ticked", ini, "Vendor,None" + list.substr(list.find("\r\n"))},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.why);
+    WriteFile(ini_path, c.settings);
+    WriteFile(list_path, c.list);
+    const int before = Requests("Update-");
+    const CliResult run = RunList(3);
+    EXPECT_EQ(run.code, 4) << run.out;
+    EXPECT_EQ(Requests("Update-"), before) << service.log();
+  }
+}
+
 TEST_F(RunTest, RunListNumStartsOneUnattendedRun) {
   MakeList(4, "eSignal", "D", {"$INDU"});
   WriteFile(start() + "RunListNum.txt", "4\r\n");

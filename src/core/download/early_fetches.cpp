@@ -62,6 +62,10 @@ std::vector<EarlyFetches::Pending>::iterator EarlyFetches::Find(const FetchReque
 
 void StartUpdateFilesOfList(Session& session, int list_number) {
   if (session.early_fetches == nullptr || list_number < 1 || list_number > 7) return;
+  // Nothing goes to the service before the run's own checks could pass: a log-in left empty or at
+  // its placeholder, or a list without a vendor, is refused, and its requests would only count
+  // as failed log-ins there.
+  if (!LogInEntered(session.ui) || !SavedListNamesVendor(session, list_number)) return;
   // A first run makes the folder only as it starts.
   if (!DirectoryExists(BaseFolder(session))) return;
   const std::array<bool, 4> ticked = SavedListPeriods(session, list_number);

@@ -60,10 +60,11 @@ class EarlyFetches {
 };
 
 // Starts the update files of the periods list `list_number` will run, as its saved file ticks them,
-// when the session has early fetches hooked in and the Base folder is there to take them; nothing
-// otherwise. A start that goes on to run a list calls this as it fetches the master file, so the
-// update files arrive side by side with it instead of a round trip later. Should the run tick
-// other periods, what it does not ask for is dropped unseen.
+// when the session has early fetches hooked in, the Base folder is there to take them, the log-in
+// is filled in and the list names a vendor (the checks a run makes before it asks for anything);
+// nothing otherwise. A start that goes on to run a list calls this as it fetches the master file,
+// so the update files arrive side by side with it instead of a round trip later. Should the run
+// tick other periods, what it does not ask for is dropped unseen.
 void StartUpdateFilesOfList(Session& session, int list_number);
 
 }  // namespace corvanet

@@ -154,6 +154,11 @@ const VendorOption* ChosenVendor(const WindowState& ui) {
   return nullptr;
 }
 
+bool LogInEntered(const WindowState& ui) {
+  return !ui.UserName.empty() && !ui.Password.empty() && ui.UserName != "Enter username here" &&
+         ui.Password != "Enter password here";
+}
+
 bool AnyPeriodTicked(const WindowState& ui) {
   return std::any_of(kPeriodBoxes.begin(), kPeriodBoxes.end(),
                      [&ui](const PeriodBox& period) { return ui.*period.box != 0; });
@@ -198,6 +203,18 @@ std::array<bool, 4> SavedListPeriods(const Session& session, int list_number) {
     period = LeadingNumber(second) != 0;
   }
   return ticked;
+}
+
+bool SavedListNamesVendor(const Session& session, int list_number) {
+  FieldReader reader;
+  std::string first;
+  std::string second;
+  if (!reader.Open(DownloadListPath(session, list_number)) || !reader.ReadRecord(first, second)) {
+    return false;
+  }
+  const std::string vendor = TrimCopy(second);
+  return std::any_of(kVendors.begin(), kVendors.end(),
+                     [&vendor](const VendorOption& option) { return vendor == option.word; });
 }
 
 void DownloadList_Click(Session& session, int list_number) {

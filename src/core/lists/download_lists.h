@@ -21,6 +21,8 @@ std::span<const VendorOption> VendorOptions();
 // The first vendor option that is set, in that order; nullptr when none is.
 const VendorOption* ChosenVendor(const WindowState& ui);
 bool AnyPeriodTicked(const WindowState& ui);
+// Whether the log-in is filled in: neither field empty nor left at its placeholder text.
+bool LogInEntered(const WindowState& ui);
 
 // The number in CurrentListNumber (0 when none or not a number).
 int CurrentListNumber(const Session& session);
@@ -33,6 +35,9 @@ std::string DownloadListPath(const Session& session, int list_number);
 // its saved file has them, read without a word: lists 6 and 7 fix their own, a list with no file or
 // a shorter header ticks none of the missing ones.
 std::array<bool, 4> SavedListPeriods(const Session& session, int list_number);
+// Whether the saved file of list `list_number` names a vendor the program knows, as its vendor
+// line is read when the list is loaded.
+bool SavedListNamesVendor(const Session& session, int list_number);
 
 // DownloadList1_Click ... DownloadList7_Click.
 void DownloadList_Click(Session& session, int list_number);
