@@ -5,6 +5,7 @@
 #include "cli/commands.h"
 #include "core/app/settings.h"
 #include "core/platform/paths.h"
+#include "core/stats/statistic_choices.h"
 
 namespace corvanet::cli {
 
@@ -36,6 +37,13 @@ int SettingsCommand(CommandContext& context, const CommandLine& line) {
           def->key == "Password" ? std::string("this value") : '"' + value + '"';
       return UsageError(context, "settings",
                         std::string(def->key) + " does not take " + shown + ": " + problem);
+    }
+    // A user-defined column takes only a name its drop-down offers.
+    if (IsStatisticColumnSetting(def->key)) {
+      if (const std::string problem = StatisticChoiceProblem(session, value); !problem.empty()) {
+        return UsageError(context, "settings",
+                          std::string(def->key) + " does not take \"" + value + "\": " + problem);
+      }
     }
     // A folder given relative is relative to the installation, as the settings file keeps it.
     if (def->form == SettingForm::kPath && !value.empty() && !IsAbsolutePath(value)) {

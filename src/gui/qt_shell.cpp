@@ -120,8 +120,11 @@ BatchProcess QtShell::StartHidden(const std::string& batch_file, const std::stri
                                   const std::vector<std::string>& environment) {
   // Starting a process needs nothing of the window, so it stays on the caller's thread.
   return StartHiddenBatch(batch_file, working_folder,
-                          program_folder_.empty() ? HelperFolder() : program_folder_,
-                          environment);
+                          program_folder_.empty() ? HelperFolder() : program_folder_, environment);
+}
+
+std::string QtShell::ConverterProblem() {
+  return corvanet::ConverterProblem(program_folder_.empty() ? HelperFolder() : program_folder_);
 }
 
 bool QtShell::StartProgram(const std::string& name) {

@@ -40,6 +40,7 @@ class QtShell final : public QObject, public Shell {
   bool OpenDocument(std::string_view target) override;
   BatchProcess StartHidden(const std::string& batch_file, const std::string& working_folder,
                            const std::vector<std::string>& environment) override;
+  std::string ConverterProblem() override;
   bool StartProgram(const std::string& name) override;
   std::string ChooseFile(const std::string& folder, std::string_view pattern) override;
 

@@ -96,7 +96,7 @@ TEST_F(ConversionTest, AllPeriodsWithEveryKindConvertsEveryPriceFile) {
       const std::vector<std::string> lines = ReadLines(Batch(batch));
       ASSERT_FALSE(lines.empty()) << batch;
       EXPECT_EQ(lines.back(), "Call Complete.exe") << batch;
-      EXPECT_EQ(lines.front().rfind("PxFiles -f " + data(""), 0), 0U) << lines.front();
+      EXPECT_EQ(lines.front().rfind("PxFiles -f '" + data(""), 0), 0U) << lines.front();
       EXPECT_TRUE(Contains(run.out, std::string("MetaStock conversion ") + batch + ": " +
                                         std::to_string(lines.size() - 1) + " of " +
                                         std::to_string(lines.size() - 1) + " price file(s)"))
@@ -133,39 +133,164 @@ TEST_F(ConversionTest, NoFormatNoBatchesAndUserListsDeleteNothing) {
   EXPECT_EQ(ReadFile(MetaStock("Daily/notes.txt")), "mine");
 }
 
-// Batch lines carry paths as they are: blanks and "$" in them reach the converter unharmed.
-TEST_F(ConversionTest, PathsWithBlanksAndDollarSignsAreConverted) {
-  ASSERT_EQ(RunIn({"settings", "PathToDataFiles=CSV Files/", "PathToMSPxFiles=Meta Stock/"}).code,
-            0);
+// Every path reaches the converter as the setting holds it, whatever it holds: quoted on the batch
+// line, read back whole by the batch runner, and taken by the converter as a value even where it
+// looks like an option.
+TEST_F(ConversionTest, EveryPathReachesTheConverterAsItIs) {
   Tick({"OHLCVV=1"});
   MakeList(3, "eSignal", "D", {"$NYA", "$SOX"});
-  const CliResult run = RunList(3);
-  ASSERT_EQ(run.code, 0) << run.out;
-  EXPECT_TRUE(Contains(ReadFile(Batch("MakePxFiles.bat")), "/CSV Files/PX/Daily/$NYA.csv"));
-  ExpectConverted(base() + "CSV Files/PX/Daily", base() + "Meta Stock/Daily");
-  EXPECT_TRUE(Contains(run.out, "2 of 2 price file(s) converted")) << run.out;
+  const char* const folders[] = {
+      "Meta  Stock/", "it's \"quoted\" $HOME %PATH%/", "a&b;c |d/", "x -h y/", " -o -f/",
+  };
+  for (const std::string folder : folders) {
+    SCOPED_TRACE(folder);
+    ASSERT_EQ(
+        RunIn({"settings", "PathToDataFiles=CSV " + folder, "PathToMSPxFiles=" + folder}).code, 0);
+    Tick({"OHLCVV=1"});  // makes the kind's folders under the new paths
+    const CliResult run = RunList(3);
+    EXPECT_EQ(run.code, 0) << run.out;
+    EXPECT_TRUE(Contains(run.out, "2 of 2 price file(s) converted")) << run.out;
+    ExpectConverted(base() + "CSV " + folder + "PX/Daily", base() + folder + "Daily");
+  }
+  EXPECT_FALSE(Exists(base() + "Meta Stock")) << "two blanks stay two";
 
   // A security the converter cannot write counts as not converted.
-  std::filesystem::remove(base() + "Meta Stock/Daily/F1.DAT");
-  std::filesystem::create_directory(base() + "Meta Stock/Daily/F1.DAT");
+  const std::string last = base() + folders[std::size(folders) - 1] + "Daily/";
+  fs::remove(last + "F1.DAT");
+  fs::create_directory(last + "F1.DAT");
   const CliResult again = RunList(3);
+  EXPECT_EQ(again.code, 3);
   EXPECT_TRUE(Contains(again.out, "1 of 2 price file(s) converted")) << again.out;
 }
 
-// A batch that ends without its completion mark ends the wait and is reported.
-TEST_F(ConversionTest, AMissingCompletionHelperEndsTheWaitWithAFailure) {
+// A converter that cannot run, or runs and writes nothing, converts nothing and says so: when it
+// cannot even answer, no MetaStock folder is emptied and no batch is run.
+TEST_F(ConversionTest, AConverterThatDoesNotConvertIsNeverCountedAsConverting) {
   Tick({"OHLCVV=1"});
-  MakeList(3, "eSignal", "D", {"$NYA"});
-  TempDir helpers;
-  fs::create_symlink(BinaryPath("PxFiles"), helpers / "PxFiles");
-  ::setenv("CORVANET_HELPER_DIR", helpers.path().c_str(), 1);
+  ASSERT_EQ(RunIn({"list", "6", "vendor", "eSignal", "periods", "D"}).code, 0);
+  ASSERT_EQ(RunList(6).code, 0);
+  const std::size_t securities = ReadMetastockFolder(MetaStock("Daily")).securities.size();
+  ASSERT_GT(securities, 2U);
+  const std::string usage = "if [ \"$1\" = --help ]; then echo 'usage: PxFiles'; exit 0; fi\n";
+  struct Case {
+    const char* what;
+    const char* converter;  // the script put in PxFiles' place; nullptr: none
+    bool answers_usage;
+    const char* said;
+    bool emptied;
+  };
+  const Case cases[] = {
+      {"missing", nullptr, false, "MetaStock conversion not run: PxFiles was not found", false},
+      {"answers wrongly", "exit 0\n", false, "MetaStock conversion not run: ", false},
+      {"exits non-zero", "exit 1\n", true, "MetaStock conversion MakePxFiles.bat: 0 of ", true},
+      {"crashes", "kill -SEGV $$\n", true, "MetaStock conversion MakePxFiles.bat: 0 of ", true},
+      {"writes nothing", "exit 0\n", true, "MetaStock conversion MakePxFiles.bat: 0 of ", true},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    TempDir helpers;
+    fs::create_symlink(BinaryPath("Complete.exe"), helpers / "Complete.exe");
+    if (c.converter != nullptr) {
+      WriteFile(helpers / "PxFiles",
+                "#!/bin/sh\n" + (c.answers_usage ? usage : std::string()) + c.converter);
+      fs::permissions(helpers / "PxFiles", fs::perms::owner_exec, fs::perm_options::add);
+    }
+    ::setenv("CORVANET_HELPER_DIR", helpers.path().c_str(), 1);
+    const CliResult run = RunList(6);
+    ::unsetenv("CORVANET_HELPER_DIR");
+    EXPECT_EQ(run.code, 3) << run.out;
+    EXPECT_TRUE(Contains(run.out, c.said)) << run.out;
+    EXPECT_EQ(ReadMetastockFolder(MetaStock("Daily")).securities.size(),
+              c.emptied ? 0U : securities);
+    EXPECT_EQ(ReadLines(Batch("MakePxFiles.bat")).back() == "Call Complete.exe", c.emptied)
+        << "a batch runs only with a converter that answers";
+  }
+  ASSERT_EQ(RunList(6).code, 0);
+  EXPECT_EQ(ReadMetastockFolder(MetaStock("Daily")).securities.size(), securities);
+}
+
+// A composite the service lists before it has a bar gives a price file of its header alone: there
+// is nothing to convert, no security is made, and the run is not failed for it.
+TEST_F(ConversionTest, APriceFileWithoutBarsIsNotConvertedAndNotAFailure) {
+  Tick({"OHLCVV=1"});
+  const std::string header = ReadLines(ServiceFile("NYSEDaily-CompositeStats.csv")).front();
+  WriteFile(ServiceFile("NEWDaily-CompositeStats.csv"), header + "\r\n");
+  WriteFile(ServiceFile("Masterfile2.csv"),
+            ReadFile(ServiceFile("Masterfile2.csv")) + "Newly Listed,NEW\r\n");
+  MakeList(3, "eSignal", "D", {"$NYA", "Newly Listed"});
+  for (int pass = 0; pass < 2; ++pass) {
+    SCOPED_TRACE(pass);
+    const CliResult run = RunList(3);
+    EXPECT_EQ(run.code, 0) << run.out;
+    EXPECT_TRUE(Contains(run.out,
+                         "MakePxFiles.bat: 1 of 1 price file(s) converted, 1 with no "
+                         "bars yet"))
+        << run.out;
+    EXPECT_EQ(ReadLines(data("PX/Daily/NEW.csv")).size(), 1U);
+    const MetastockFolder folder = ReadMetastockFolder(MetaStock("Daily"));
+    ASSERT_EQ(folder.securities.size(), 1U);
+    EXPECT_EQ(folder.securities[0].symbol, "$NYA");
+  }
+}
+
+// A price file that cannot be written is a failure of its kind for its datafile, named with the
+// column or value at fault; the other kinds and datafiles are written and converted.
+TEST_F(ConversionTest, PriceFilesThatCannotBeWrittenAreReportedKindByKind) {
+  Tick({"OHLCVV=1", "UserDefFile1=1", "UserDefFile2=1", "Stat1File1=Advances", "Stat3File1=Pivot",
+        "Stat1File2=Declines"});
+  const CliResult refused = RunIn({"settings", "Stat2File1=Period"});
+  EXPECT_EQ(refused.code, 2) << refused.out << refused.err;
+  EXPECT_TRUE(Contains(refused.err, "Stats.csv")) << refused.err;
+  // Names the settings file may still hold from an older version or a hand edit.
+  const std::string ini = base() + "Rondex/Rondex.ini";
+  std::string settings = ReadFile(ini);
+  settings.replace(settings.find("Stat2File1,Select One"), 21, "Stat2File1,Period");
+  settings.replace(settings.find("Stat3File2,Select One"), 21, "Stat3File2,Advancez");
+  WriteFile(ini, settings);
+  // A close the service sends as a text, and a pivot no double holds.
+  std::vector<std::string> sox = ReadLines(ServiceFile("SOXDaily-CompositeStats.csv"));
+  struct Damage {
+    std::size_t row;
+    int column;  // 1-based: ClosePx 7, Pivot 9
+    const char* value;
+  };
+  for (const Damage damage : {Damage{3, 7, "abc"}, Damage{5, 9, "1e999"}}) {
+    std::string& line = sox[damage.row];
+    std::size_t at = 0;
+    for (int field = 1; field < damage.column; ++field) at = line.find(',', at) + 1;
+    line.replace(at, line.find(',', at) - at, damage.value);
+  }
+  WriteLines(ServiceFile("SOXDaily-CompositeStats.csv"), sox);
+  MakeList(3, "eSignal", "D", {"$NYA", "$SOX"});
   const CliResult run = RunList(3);
-  ::unsetenv("CORVANET_HELPER_DIR");
-  EXPECT_EQ(run.code, 3);
-  EXPECT_TRUE(Contains(run.out,
-                       "MetaStock conversion MakePxFiles.bat: 1 of 1 price file(s) "
-                       "converted; the batch ended without its completion mark"))
-      << run.out;
+  EXPECT_EQ(run.code, 3) << run.out;
+  for (const char* line : {
+           "Price files failed: 5",
+           "$NYA Daily: PxFile1 price file not written: value column 2 (Stat2File1) names Period",
+           "$NYA Daily: PxFile2 price file not written: value column 3 (Stat3File2) names "
+           "\"Advancez\", which is no statistic",
+           "$SOX Daily: PX price file not written: row 3 (",
+           "): ClosePx holds \"abc\", which is no price",
+           "MakePxFiles.bat: 1 of 1 price file(s) converted",
+           "MakeFile1PxFiles.bat: 0 of 0 price file(s) converted",
+       }) {
+    EXPECT_TRUE(Contains(run.out, line)) << line << "\n" << run.out;
+  }
+  EXPECT_FALSE(Exists(data("PX/Daily/$SOX.csv")));
+  // With the choices mended the kinds come back; the bad values still fail their kinds alone.
+  ASSERT_EQ(RunIn({"settings", "Stat2File1=Select One", "Stat3File2=Declines"}).code, 0);
+  const CliResult mended = RunList(3);
+  EXPECT_EQ(mended.code, 3) << mended.out;
+  for (const char* line : {
+           "Price files failed: 2",
+           "$SOX Daily: PxFile1 price file not written: row 5 (",
+           "): Pivot holds \"1e999\", which is no price",
+           "MakeFile1PxFiles.bat: 1 of 1 price file(s) converted",
+           "MakeFile2PxFiles.bat: 2 of 2 price file(s) converted",
+       }) {
+    EXPECT_TRUE(Contains(mended.out, line)) << line << "\n" << mended.out;
+  }
+  ExpectConverted(data("PxFile2/Daily"), MetaStock("PxFile2/Daily"));
 }
 
 // A batch still ending after its completion mark holds the run lock it inherited: the run waits for

@@ -2,6 +2,7 @@
 // A Shell for tests: records every message box and opened document, and answers questions from a
 // queue set up by the test (OK boxes always answer kOk; an empty queue answers No).
 #include <deque>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,8 +36,10 @@ class ScriptedShell final : public Shell {
   BatchProcess StartHidden(const std::string& batch_file, const std::string& working_folder,
                            const std::vector<std::string>& /*environment*/) override {
     started.push_back(working_folder + batch_file);
+    if (on_start) on_start();
     return BatchProcess::Ended();
   }
+  std::string ConverterProblem() override { return converter_problem; }
   bool StartProgram(const std::string& name) override {
     programs.push_back(name);
     return known_programs;
@@ -64,6 +67,8 @@ class ScriptedShell final : public Shell {
   std::vector<std::string> programs;  // names given to StartProgram
   bool known_programs = false;        // whether StartProgram finds them
   std::string chosen_file;            // what ChooseFile answers, in the folder it is given
+  std::string converter_problem;      // what ConverterProblem answers
+  std::function<void()> on_start;     // called as each batch is started
 };
 
 }  // namespace corvanet::test

@@ -107,6 +107,43 @@ TEST_F(PxFilesErrors, BadInputChangesNoFileAndIsLogged) {
   }
 }
 
+// Each option takes the word after it as its value, so no path can be read as an option: help is
+// only ever the sole argument, and a word left over is a usage error, not part of a path.
+TEST_F(PxFilesErrors, ValuesAreTakenWholeAndNeverAsOptions) {
+  const std::string odd = dir_ / "x -h -o y";
+  const std::string price = odd + "/ -f prices.csv";
+  WriteFile(price, kHeader + Row("20250102"));
+  const std::string out = odd + "/ -r Meta  Stock";
+  struct Case {
+    std::vector<std::string> args;
+    int exit_code;
+    const char* said;  // the start of stdout for help, else found in stderr ("" for none)
+  };
+  const Case cases[] = {
+      {{"--help"}, 0, "usage: PxFiles"},
+      {{"-h"}, 0, "usage: PxFiles"},
+      {{"-f", price, "-r", "fileReplace", "-o", out}, 0, ""},
+      {{"-o", out, "-f", price, "-r", "fileReplace"}, 0, ""},
+      {{"-f", "-h", "-r", "fileReplace", "-o", out}, 1, "-h: cannot open it"},
+      {{"-f", price, "-r", "fileReplace", "-o", out, "-h"}, 2, "unknown argument '-h'"},
+      {{"-f", dir_ / "a", "b.csv", "-r", "fileReplace", "-o", out}, 2, "unknown argument 'b.csv'"},
+      {{"-f", price, "-r", "fileReplace", "-o"}, 2, "option -o needs a value"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.args.back());
+    const ProgramResult run = RunPxFiles(c.args);
+    EXPECT_EQ(run.exit_code, c.exit_code) << run.err;
+    if (c.exit_code == 0 && *c.said != '\0') {
+      EXPECT_EQ(run.out.rfind(c.said, 0), 0U) << run.out;
+    } else {
+      EXPECT_NE(run.err.find(c.said), std::string::npos) << run.err;
+    }
+  }
+  const MetastockFolder folder = ReadMetastockFolder(out);
+  ASSERT_EQ(folder.securities.size(), 1U);
+  EXPECT_EQ(folder.securities[0].bars.size(), 1U);
+}
+
 TEST_F(PxFilesErrors, CompleteExeLeavesANonZeroNumberOrSaysWhyNot) {
   WriteFile(dir_ / "Complete.txt", "0\r\n");
   const std::string complete = BinaryPath("Complete.exe");

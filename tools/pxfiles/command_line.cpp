@@ -12,10 +12,6 @@ Parsed UsageError(std::string& error, std::string text) {
   return Parsed::kUsageError;
 }
 
-bool IsOption(std::string_view word) {
-  return word == "-f" || word == "-r" || word == "-o" || word == "-h" || word == "--help";
-}
-
 }  // namespace
 
 Parsed ParseCommandLine(int argc, const char* const* argv, Options& options, std::string& error) {
@@ -27,9 +23,13 @@ Parsed ParseCommandLine(int argc, const char* const* argv, Options& options, std
   };
   std::array<Slot, 3> slots{
       {{"-f", &options.price_file}, {"-r", &mode}, {"-o", &options.output_folder}}};
+  // Help only when it is all there is: among the converter's options any word is a value, so no
+  // path can be taken for an option.
+  if (argc == 2 && (std::string_view(argv[1]) == "-h" || std::string_view(argv[1]) == "--help")) {
+    return Parsed::kHelp;
+  }
   for (int i = 1; i < argc; ++i) {
     const std::string_view option = argv[i];
-    if (option == "-h" || option == "--help") return Parsed::kHelp;
     Slot* slot = nullptr;
     for (Slot& candidate : slots) {
       if (candidate.option == option) slot = &candidate;
@@ -39,10 +39,8 @@ Parsed ParseCommandLine(int argc, const char* const* argv, Options& options, std
     if (i + 1 == argc || *argv[i + 1] == '\0') {
       return UsageError(error, "option " + std::string(option) + " needs a value");
     }
+    // The word after an option is its value, whatever it looks like.
     *slot->value = argv[++i];
-    // The batch lines carry paths without quotes, so a path with blanks arrives as several words:
-    // the words up to the next option are one value, joined by single blanks again.
-    while (i + 1 < argc && !IsOption(argv[i + 1])) *slot->value += std::string(" ") + argv[++i];
     slot->given = true;
   }
   for (const Slot& slot : slots) {

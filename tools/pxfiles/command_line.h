@@ -1,8 +1,8 @@
 #pragma once
 // The converter's command line, as the batch files call it:
 //   PxFiles -f <price file> -r fileReplace -o <output folder>
-// The options may come in any order; each must be given once. A value may span several words (a
-// path with blanks, split by the batch runner): they are joined by single blanks.
+// The options may come in any order; each must be given once, and the word after it is its value
+// as it stands (the batch lines quote every path). "-h" or "--help" alone asks for the usage.
 #include <string>
 #include <string_view>
 

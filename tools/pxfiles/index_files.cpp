@@ -125,6 +125,18 @@ bool IndexFiles::CheckXmaster(std::string& error) {
   return true;
 }
 
+unsigned IndexFiles::FileNumberOf(std::string_view symbol) const {
+  for (std::size_t i = 1; i <= Records(master_, kMasterRecordSize); ++i) {
+    const char* record = master_.data() + i * kMasterRecordSize;
+    if (MasterSymbol(record) == symbol) return MasterFileNumber(record);
+  }
+  for (std::size_t i = 1; i <= Records(xmaster_, kXmasterRecordSize); ++i) {
+    const char* record = xmaster_.data() + i * kXmasterRecordSize;
+    if (XmasterSymbol(record) == symbol) return XmasterFileNumber(record);
+  }
+  return 0;
+}
+
 bool IndexFiles::Record(const SecurityFields& security, Placement& placement, std::string& error) {
   placement = Placement{};
   for (std::size_t i = 1; i <= Records(master_, kMasterRecordSize); ++i) {

@@ -4,6 +4,7 @@
 // or foreign file is refused before anything is written.
 #include <array>
 #include <string>
+#include <string_view>
 
 #include "pxfiles/index_records.h"
 
@@ -20,6 +21,10 @@ class IndexFiles {
   // Reads MASTER, EMASTER and XMASTER of `folder`; missing ones are empty. False with `error`
   // when one is truncated, its count disagrees with its size, or its records make no sense.
   bool Load(const std::string& folder, std::string& error);
+
+  // The file number of the security stored under `symbol` (as stored: at most kSymbolLength
+  // characters); 0 when the index has none.
+  unsigned FileNumberOf(std::string_view symbol) const;
 
   // Puts the security's fields into the records of its symbol, or into new ones under the next
   // free file number. Only the images change; Save writes them. False when no number is left.

@@ -67,10 +67,19 @@ bool RunMayStart(Session& session) {
 // The converter batches of the run. A full list empties its MetaStock period folders first, so
 // securities gone from the master file go from them too; that happens only when every datafile of
 // the list was updated and so every security is converted again: after a failed run the folders
-// keep what they had, and the converter replaces each security it gets in place.
-void ConvertPriceFiles(Session& session, int list, RunSummary& summary) {
+// keep what they had, and the converter replaces each security it gets in place. A converter that
+// cannot run empties nothing and runs no batch.
+void ConvertPriceFiles(Session& session, int list, const ConversionLedger& ledger,
+                       RunSummary& summary) {
   if (session.ui.MakeMetaStockPxFiles == 0) return;
-  if (ConvertsToMetaStock(session.ui) && list >= 6) {
+  const bool converts = ConvertsToMetaStock(session.ui) &&
+                        std::any_of(PriceFileKinds().begin(), PriceFileKinds().end(),
+                                    [&](const PriceFileKind& k) { return session.ui.*k.ticked; });
+  if (converts) {
+    summary.converter_problem = CheckConverter(session);
+    if (!summary.converter_problem.empty()) return;
+  }
+  if (converts && list >= 6) {
     if (summary.failures.empty() && summary.period_problems.empty()) {
       ClearMetaStockFolders(session, list);
     } else {
@@ -79,7 +88,7 @@ void ConvertPriceFiles(Session& session, int list, RunSummary& summary) {
           "the list was updated");
     }
   }
-  summary.conversions = RunConverterBatches(session);
+  summary.conversions = RunConverterBatches(session, ledger);
 }
 
 // Temporary files of a run that was killed are never datafiles: sweep them before writing anew,
@@ -97,20 +106,27 @@ void PrepareFolders(Session& session, RunSummary& summary) {
 }
 
 // While it lives, the walk writes the price files of each datafile it brings up to date, when the
-// price files are ticked.
+// price files are ticked, and keeps the ledger of what it handed to the converter.
 class PriceFilesOfTheWalk {
  public:
   explicit PriceFilesOfTheWalk(Session& session) : session_(session) {
     if (session_.ui.MakeMetaStockPxFiles != 0) {
       session_.after_datafile_updated = &CreateMetaStockPxFiles;
+      session_.conversion_ledger = &ledger_;
     }
   }
-  ~PriceFilesOfTheWalk() { session_.after_datafile_updated = nullptr; }
+  ~PriceFilesOfTheWalk() {
+    session_.after_datafile_updated = nullptr;
+    session_.conversion_ledger = nullptr;
+  }
   PriceFilesOfTheWalk(const PriceFilesOfTheWalk&) = delete;
   PriceFilesOfTheWalk& operator=(const PriceFilesOfTheWalk&) = delete;
 
+  const ConversionLedger& ledger() const { return ledger_; }
+
  private:
   Session& session_;
+  ConversionLedger ledger_;
 };
 
 // Names what failed, so a run that looks complete in the window says so too.
@@ -128,6 +144,12 @@ std::string ProblemsText(const RunSummary& summary) {
   for (const std::string& problem : summary.period_problems) add(problem);
   if (summary.stopped) add("the run was stopped");
   if (summary.service_silent) add("the data service does not answer; run stopped");
+  if (!summary.price_file_failures.empty()) {
+    add(std::to_string(summary.price_file_failures.size()) + " price file(s) could not be written");
+  }
+  if (!summary.converter_problem.empty()) {
+    add("MetaStock conversion not run: " + summary.converter_problem);
+  }
   for (const ConversionOutcome& batch : summary.conversions) {
     if (batch.failed > 0 || !batch.problem.empty()) {
       add(batch.batch_file + ": " +
@@ -240,6 +262,7 @@ RunSummary DownLoadButton_Click(Session& session) {
   } else {
     RetryTransientFailures(session, summary);
   }
+  summary.price_file_failures = price_files.ledger().failures;
   if (!merge_index.Save()) {
     Log(session, "DownLoadButton_Click - " + std::string(MergeIndex::kFileName) +
                      " could not be written; the next run reads every datafile whole");
@@ -254,7 +277,7 @@ RunSummary DownLoadButton_Click(Session& session) {
     const std::string message_file = GetSystemMessageFileName(session);
     message_fetched = RetrieveDataFile(session, message_file, message_file).ok();
     RefreshMasterfile(session);
-    ConvertPriceFiles(session, list, summary);
+    ConvertPriceFiles(session, list, price_files.ledger(), summary);
   }
 
   summary.elapsed = ElapsedText(session.clock.Timer() - run.RunStartTimer);

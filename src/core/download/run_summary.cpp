@@ -35,12 +35,23 @@ std::vector<std::string> RunSummary::Lines() const {
     lines.push_back("The data service does not answer; run stopped: " + std::to_string(not_tried) +
                     " datafile(s) not tried");
   }
+  if (!price_file_failures.empty()) {
+    lines.push_back("Price files failed: " + std::to_string(price_file_failures.size()));
+    for (const DatafileFailure& failure : price_file_failures) {
+      lines.push_back("  " + failure.symbol + " " + failure.period + ": " + failure.reason);
+    }
+  }
+  if (!converter_problem.empty()) {
+    lines.push_back("MetaStock conversion not run: " + converter_problem);
+  }
   for (const ConversionOutcome& batch : conversions) {
     std::string line = "MetaStock conversion " + batch.batch_file + ": " +
                        std::to_string(batch.calls - batch.failed) + " of " +
                        std::to_string(batch.calls) + " price file(s) converted";
+    if (batch.no_bars > 0) line += ", " + std::to_string(batch.no_bars) + " with no bars yet";
     if (!batch.problem.empty()) line += "; " + batch.problem;
     lines.push_back(std::move(line));
+    for (const std::string& call : batch.not_converted) lines.push_back("  " + call);
   }
   for (const std::string& problem : period_problems) lines.push_back("Problem: " + problem);
   if (!elapsed.empty()) lines.push_back("Elapsed time: " + elapsed);

@@ -30,8 +30,10 @@ struct UnfetchedUpdateFile {
 struct ConversionOutcome {
   std::string batch_file;  // "MakePxFiles.bat"
   int calls = 0;           // price files handed to the converter
-  int failed = 0;          // of those, the ones the converter's log reports as failed
+  int failed = 0;          // of those, the ones not found in the converter's folder afterwards
   std::string problem;     // why the batch did not finish, or ""
+  int no_bars = 0;         // price files without bars yet, not handed to the converter
+  std::vector<std::string> not_converted;  // "$NYA.csv Daily: not listed in ...", the first few
 };
 
 struct RunSummary {
@@ -52,6 +54,11 @@ struct RunSummary {
   // Datafiles whose single-statistic files could not be made after the periods.
   std::vector<DatafileFailure> statistic_failures;
   std::vector<ConversionOutcome> conversions;
+  // Price files that could not be written (a chosen column or a value that is no price): their
+  // kind and why; no converter call was made for them.
+  std::vector<DatafileFailure> price_file_failures;
+  // Why no conversion was run at all (the converter cannot be run), or "".
+  std::string converter_problem;
   // Stopped at the user's request between datafiles; so many of the run's total were not tried.
   bool stopped = false;
   int not_tried = 0;
@@ -69,6 +76,7 @@ struct RunSummary {
   bool has_failures() const {
     return stopped || service_silent || !failures.empty() || not_updated > 0 ||
            !period_problems.empty() || !statistic_failures.empty() ||
+           !price_file_failures.empty() || !converter_problem.empty() ||
            std::any_of(conversions.begin(), conversions.end(), [](const ConversionOutcome& c) {
              return c.failed > 0 || !c.problem.empty();
            });

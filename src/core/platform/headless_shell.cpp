@@ -28,6 +28,10 @@ BatchProcess HeadlessShell::StartHidden(const std::string& batch_file,
                           program_folder_.empty() ? HelperFolder() : program_folder_, environment);
 }
 
+std::string HeadlessShell::ConverterProblem() {
+  return corvanet::ConverterProblem(program_folder_.empty() ? HelperFolder() : program_folder_);
+}
+
 bool HeadlessShell::StartProgram(const std::string& name) {
   return corvanet::StartProgram(name);
 }

@@ -1,9 +1,11 @@
 #include "core/platform/process.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 #include "core/platform/paths.h"
@@ -11,6 +13,7 @@
 
 #ifndef _WIN32
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 extern char** environ;
@@ -64,11 +67,14 @@ BatchProcess StartHiddenBatch(const std::string& batch_file, const std::string& 
   const std::string path_variable =
       "PATH=" + program_folder + ":" + (old_path != nullptr ? old_path : "/usr/bin:/bin");
   // The lines end in CR LF, which sh would take as part of each line's last word. Each line is
-  // split into words with wildcards off and run as it stands: eval would expand "$NYA" in a path.
+  // read into words with the shell's quoting and wildcards off, then run: the arguments are
+  // written in single quotes (QuoteBatchArgument), so "$NYA" or two blanks in a path stay as
+  // they are.
   const std::string script =
       "Call() { \"$@\"; }\n"
+      "set -f\n"
       "tr -d '\\r' < \"$1\" | while IFS= read -r line || [ -n \"$line\" ]; do\n"
-      "  set -f; set -- $line; set +f\n"
+      "  eval \"set -- $line\"\n"
       "  if [ $# -gt 0 ]; then \"$@\" < /dev/null; fi\n"
       "done\n";
   const char* argv[] = {"sh", "-c", script.c_str(), "sh", batch_file.c_str(), nullptr};
@@ -95,19 +101,112 @@ BatchProcess StartHiddenBatch(const std::string& batch_file, const std::string& 
   return BatchProcess(child);
 }
 
-bool StartProgram(const std::string& name) {
-  if (name.empty() || name.find('/') != std::string::npos) return false;
-  const char* path = std::getenv("PATH");
-  std::string found;
-  std::string_view folders = path != nullptr ? path : "/usr/bin:/bin";
-  while (found.empty()) {
+std::string QuoteBatchArgument(std::string_view argument) {
+  std::string quoted = "'";
+  for (const char c : argument) {
+    if (c == '\'') {
+      quoted += "'\\''";  // close the quotes, an escaped quote, open them again
+    } else {
+      quoted += c;
+    }
+  }
+  quoted += '\'';
+  return quoted;
+}
+
+namespace {
+
+// The first executable file `name` in the folders of `folders` (a PATH value); "" when none.
+std::string FindProgram(const std::string& name, std::string_view folders) {
+  for (;;) {
     const std::size_t colon = folders.find(':');
     const std::string candidate =
         WithTrailingSeparator(std::string(folders.substr(0, colon))) + name;
-    if (::access(candidate.c_str(), X_OK) == 0) found = candidate;
-    if (colon == std::string_view::npos) break;
+    if (::access(candidate.c_str(), X_OK) == 0) return candidate;
+    if (colon == std::string_view::npos) return {};
     folders.remove_prefix(colon + 1);
   }
+}
+
+std::string SearchPath() {
+  const char* path = std::getenv("PATH");
+  return path != nullptr ? path : "/usr/bin:/bin";
+}
+
+// Runs `program` with one argument, its standard output collected into `output` (the first few
+// kilobytes), and waits for it for at most `limit`. The exit status, or -1 when it could not be
+// run, was killed by a signal or did not end in time (it is then killed).
+int RunAndCollect(const std::string& program, const char* argument, std::string& output,
+                  std::chrono::milliseconds limit) {
+  int pipe_ends[2];
+  if (::pipe(pipe_ends) != 0) return -1;
+  const char* argv[] = {program.c_str(), argument, nullptr};
+  const pid_t child = ::fork();
+  if (child < 0) {
+    ::close(pipe_ends[0]);
+    ::close(pipe_ends[1]);
+    return -1;
+  }
+  if (child == 0) {
+    const int quiet = ::open("/dev/null", O_RDWR);
+    if (quiet >= 0) {
+      ::dup2(quiet, 0);
+      ::dup2(quiet, 2);
+    }
+    ::dup2(pipe_ends[1], 1);
+    ::execv(program.c_str(), const_cast<char* const*>(argv));
+    ::_exit(127);
+  }
+  ::close(pipe_ends[1]);
+  ::fcntl(pipe_ends[0], F_SETFL, O_NONBLOCK);
+  const auto deadline = std::chrono::steady_clock::now() + limit;
+  int status = 0;
+  bool ended = false;
+  char buffer[4096];
+  while (!ended) {
+    for (ssize_t n = 0; (n = ::read(pipe_ends[0], buffer, sizeof buffer)) > 0;) {
+      if (output.size() < 8192) output.append(buffer, static_cast<std::size_t>(n));
+    }
+    ended = ::waitpid(child, &status, WNOHANG) == child;
+    if (!ended && std::chrono::steady_clock::now() > deadline) {
+      ::kill(child, SIGKILL);
+      ::waitpid(child, &status, 0);
+      ::close(pipe_ends[0]);
+      return -1;
+    }
+    if (!ended) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  for (ssize_t n = 0; (n = ::read(pipe_ends[0], buffer, sizeof buffer)) > 0;) {
+    if (output.size() < 8192) output.append(buffer, static_cast<std::size_t>(n));
+  }
+  ::close(pipe_ends[0]);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+}  // namespace
+
+std::string ConverterProblem(const std::string& program_folder) {
+  const std::string folders = program_folder + ":" + SearchPath();
+  for (const char* helper : {"PxFiles", "Complete.exe"}) {
+    if (FindProgram(helper, folders).empty()) {
+      return std::string(helper) + " was not found in " + program_folder + " nor on the PATH";
+    }
+  }
+  const std::string converter = FindProgram("PxFiles", folders);
+  std::string usage;
+  const int status = RunAndCollect(converter, "--help", usage, std::chrono::seconds(10));
+  if (status != 0 || usage.rfind("usage: PxFiles", 0) != 0) {
+    return converter + " does not answer as the converter (asked for its usage, it " +
+           (status < 0 ? std::string("failed or did not end")
+                       : "ended with status " + std::to_string(status)) +
+           ")";
+  }
+  return {};
+}
+
+bool StartProgram(const std::string& name) {
+  if (name.empty() || name.find('/') != std::string::npos) return false;
+  const std::string found = FindProgram(name, SearchPath());
   if (found.empty()) return false;
   const char* argv[] = {found.c_str(), nullptr};
   const pid_t child = ::fork();
@@ -158,6 +257,27 @@ BatchProcess StartHiddenBatch(const std::string& batch_file, const std::string& 
   }
   CloseHandle(info.hThread);
   return BatchProcess(reinterpret_cast<long>(info.hProcess));
+}
+
+std::string QuoteBatchArgument(std::string_view argument) {
+  // Inside double quotes cmd.exe takes blanks, "&" and ";" as they are; only "%" still expands
+  // in a batch file. Windows paths cannot hold a double quote.
+  std::string quoted = "\"";
+  for (const char c : argument) {
+    quoted += c;
+    if (c == '%') quoted += '%';
+  }
+  quoted += '"';
+  return quoted;
+}
+
+std::string ConverterProblem(const std::string& program_folder) {
+  for (const char* helper : {"PxFiles.exe", "Complete.exe"}) {
+    if (!std::filesystem::exists(program_folder + helper)) {
+      return std::string(helper) + " was not found in " + program_folder;
+    }
+  }
+  return {};
 }
 
 bool StartProgram(const std::string& name) {

@@ -1,6 +1,7 @@
 #pragma once
 // Starting other programs: the converter batch files, and programs found on the PATH.
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace corvanet {
@@ -26,15 +27,26 @@ class BatchProcess {
   bool ended_ = false;
 };
 
+// `argument` written for a batch line so that the batch runner hands it to the program as one
+// argument, exactly as it is, whatever it holds (blanks, quotes, "$", "%", "&", ";"). On POSIX it
+// is put in single quotes; on Windows in double quotes, with "%" doubled.
+std::string QuoteBatchArgument(std::string_view argument);
+
 // Starts a batch file with no window and without waiting for it. On POSIX it runs under `sh` in
-// `working_folder`: each line (CR LF or LF) is split into words and run as a command, with no
-// expansion of `$` or wildcards, since the lines hold paths such as ".../$NYA.csv"; `Call` is a
-// function that runs its arguments (so "Call Complete.exe" works); `program_folder` comes first on
-// PATH, where the converter helpers are found; `environment` ("NAME=value") is added to the
-// child's. Its output goes nowhere. `batch_file` is relative to `working_folder` or absolute.
+// `working_folder`: each line (CR LF or LF) is read with the shell's quoting and run as one
+// command, with wildcards off (lines are written with QuoteBatchArgument, so nothing else in them
+// is expanded); `Call` is a function that runs its arguments (so "Call Complete.exe" works);
+// `program_folder` comes first on PATH, where the converter helpers are found; `environment`
+// ("NAME=value") is added to the child's. Its output goes nowhere. `batch_file` is relative to
+// `working_folder` or absolute.
 BatchProcess StartHiddenBatch(const std::string& batch_file, const std::string& working_folder,
                               const std::string& program_folder,
                               const std::vector<std::string>& environment = {});
+
+// Why the converter helpers in `program_folder` (or further on the PATH, as the batch runner looks
+// for them) cannot run a batch: PxFiles or Complete.exe not found, or PxFiles not answering a call
+// for its usage with its usage and status 0. "" when they can.
+std::string ConverterProblem(const std::string& program_folder);
 
 // Starts a program found on the PATH by its name, detached, with no arguments. False when no such
 // program exists or it could not be started.

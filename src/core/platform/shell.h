@@ -28,6 +28,9 @@ class Shell {
   // `environment` ("NAME=value") is added to the batch's.
   virtual BatchProcess StartHidden(const std::string& batch_file, const std::string& working_folder,
                                    const std::vector<std::string>& environment) = 0;
+  // Why the converter that StartHidden's batches call cannot run ("" when it can); see
+  // ConverterProblem in process.h.
+  virtual std::string ConverterProblem() = 0;
   // Starts a program found by its name, detached; false when there is no such program.
   virtual bool StartProgram(const std::string& name) = 0;
   // Lets the user choose one file of `folder` whose name matches `pattern` ("*.csv"); the chosen

@@ -1,15 +1,18 @@
 #include "core/pricefiles/conversion.h"
 
 #include <chrono>
+#include <map>
+#include <optional>
 #include <thread>
+#include <utility>
 
 #include "core/download/datafile_names.h"
 #include "core/platform/files.h"
-#include "core/platform/line_reader.h"
 #include "core/platform/paths.h"
 #include "core/platform/text.h"
 #include "core/pricefiles/price_files.h"
 #include "core/state/log.h"
+#include "pxfiles/read_back.h"
 
 namespace corvanet {
 
@@ -35,7 +38,8 @@ constexpr auto kPollInterval = std::chrono::milliseconds(250);
 // How long a batch may take to end once its completion mark is set, and how often to look.
 constexpr auto kBatchEndLimit = std::chrono::seconds(10);
 constexpr auto kBatchEndPoll = std::chrono::milliseconds(5);
-constexpr std::size_t kStampLength = 20;  // "2026-11-23 08:30:00 " before each converter log line
+// The calls a summary names one by one when they were not converted; the rest are counted.
+constexpr std::size_t kNamedCalls = 10;
 
 std::string FlagFile(const Session& session) {
   return session.ui.PathToLists + "Complete.txt";
@@ -51,32 +55,6 @@ bool WriteFlagZero(Session& session) {
   if (WriteWholeFile(FlagFile(session), "0\r\n")) return true;
   Log(session, "WaitForConversion - could not write " + FlagFile(session));
   return false;
-}
-
-// The converter calls a batch file holds.
-int CountConverterCalls(const std::string& batch_path) {
-  LineReader lines;
-  if (!lines.Open(batch_path)) return 0;
-  int calls = 0;
-  std::string_view line;
-  while (lines.Next(line)) calls += StartsWith(line, kConverterCall) ? 1 : 0;
-  return calls;
-}
-
-// The converter appends one line per call to MSXlog.txt in the program folder, a failure as the
-// date and time, then "Error: "; the lines it wrote after `offset` that report one.
-int CountConverterFailures(const std::string& log_path, std::uintmax_t offset) {
-  const std::optional<std::string> log = ReadWholeFile(log_path);
-  if (!log || log->size() <= offset) return 0;
-  int failures = 0;
-  const std::string_view added = std::string_view(*log).substr(offset);
-  for (std::size_t pos = 0; pos < added.size();) {
-    const std::size_t end = std::min(added.find('\n', pos), added.size());
-    const std::string_view line = added.substr(pos, end - pos);
-    failures += line.find(" Error: ") == kStampLength - 1 ? 1 : 0;
-    pos = end + 1;
-  }
-  return failures;
 }
 
 // What the converter writes into a MetaStock folder, and the empty file the emptying makes first.
@@ -112,6 +90,34 @@ void AwaitBatchEnd(Session& session, BatchProcess& batch) {
   }
 }
 
+// Judges a kind's calls by what its folders hold now: a call counts as converted when its security
+// is listed with the price file's number of bars. Each folder's index is read once.
+void CheckConvertedCalls(Session& session, const std::vector<ConverterCall>& calls,
+                         ConversionOutcome& outcome) {
+  std::map<std::string, std::pair<pxfiles::FolderReadBack, std::string>> folders;
+  for (const ConverterCall& call : calls) {
+    auto [entry, added] = folders.try_emplace(call.output_folder);
+    auto& [folder, damage] = entry->second;
+    if (added && !folder.Load(call.output_folder, damage) && damage.empty()) damage = "unreadable";
+    std::string problem = damage;
+    if (problem.empty()) {
+      const std::optional<std::size_t> bars = folder.Bars(call.symbol, problem);
+      if (bars && *bars != call.bars) {
+        problem = "holds " + std::to_string(*bars) + " of its " + std::to_string(call.bars) +
+                  " bars in " + call.output_folder;
+      } else if (bars) {
+        continue;
+      }
+    }
+    ++outcome.failed;
+    const std::string line = call.datafile + ": " + problem;
+    Log(session, "Make MetaStock Price Files - not converted: " + line);
+    if (outcome.not_converted.size() < kNamedCalls) outcome.not_converted.push_back(line);
+  }
+  const auto unnamed = static_cast<std::size_t>(outcome.failed) - outcome.not_converted.size();
+  if (unnamed > 0) outcome.not_converted.push_back("... and " + std::to_string(unnamed) + " more");
+}
+
 }  // namespace
 
 const std::array<ConverterKind, 5>& ConverterKinds() {
@@ -132,9 +138,9 @@ void StartConverterBatches(Session& session) {
 bool AppendConverterCall(Session& session, const std::string& batch_file,
                          const std::string& price_file, const std::string& output_folder) {
   std::string line(kConverterCall);
-  line += price_file;
+  line += QuoteBatchArgument(price_file);
   line += " -r fileReplace -o ";
-  line += output_folder;
+  line += QuoteBatchArgument(output_folder);
   if (AppendLine(batch_file, line)) return true;
   Log(session, "AppendConverterCall - cannot append to " + batch_file);
   return false;
@@ -146,6 +152,12 @@ std::string ConverterOutputFolder(const Session& session, std::size_t kind) {
   if (!converter.output_folder.empty()) folder += Folder(converter.output_folder);
   folder += session.run.DataPeriod;
   return folder;
+}
+
+std::string CheckConverter(Session& session) {
+  std::string problem = session.shell.ConverterProblem();
+  if (!problem.empty()) Log(session, "Make MetaStock Price Files - " + problem);
+  return problem;
 }
 
 bool ClearMetaStockFolders(Session& session, int list) {
@@ -193,39 +205,45 @@ bool WaitForConversion(Session& session, BatchProcess& batch, std::string& probl
   return problem.empty();
 }
 
-std::vector<ConversionOutcome> RunConverterBatches(Session& session) {
+std::vector<ConversionOutcome> RunConverterBatches(Session& session,
+                                                   const ConversionLedger& ledger) {
   WindowState& ui = session.ui;
   std::vector<ConversionOutcome> outcomes;
   if (ui.MakeMetaStockPxFiles == 0) return outcomes;
   Log(session, "Make MetaStock Price Files");
   WriteFlagZero(session);
   const std::string started = FormatClockAmPm(session.run.RunStartTime) + ")";
-  const std::string converter_log = session.app.ProgramDirectory + "MSXlog.txt";
   const std::vector<std::string> environment{"CORVANET_PROGRAM_DIRECTORY=" +
                                              session.app.ProgramDirectory};
   for (std::size_t k = 0; k < kConverterKinds.size(); ++k) {
     const PriceFileKind& kind = PriceFileKinds()[k];
     if (ui.*kind.ticked == 0 || ui.DoNotMakeMetaStockFormat != 0) continue;
     const ConverterKind& converter = kConverterKinds[k];
+    const std::vector<ConverterCall>& calls = ledger.kinds[k].calls;
+    ConversionOutcome& outcome = outcomes.emplace_back();
+    outcome.batch_file = std::string(converter.batch_file);
+    outcome.calls = static_cast<int>(calls.size());
+    outcome.no_bars = ledger.kinds[k].no_bars;
+    // A batch started after Stop would only be given up on at once and left running unseen.
+    if (StopRequested(session)) {
+      outcome.failed = outcome.calls;
+      outcome.problem = "not run: the run was stopped";
+      continue;
+    }
     ui.DownLoadButton.caption = std::string(converter.start_text) + started;
     ui.Label13.caption = std::string(converter.progress_text);
     session.NotifyObserver();
-    ConversionOutcome& outcome = outcomes.emplace_back();
-    outcome.batch_file = std::string(converter.batch_file);
     const std::string batch_path = ui.PathToLists + outcome.batch_file;
-    outcome.calls = CountConverterCalls(batch_path);
-    const std::uintmax_t log_offset = FileSize(converter_log).value_or(0);
     if (!AppendLine(batch_path, kCompletionCall)) {
       outcome.problem = "cannot write " + batch_path;
-      continue;
-    }
-    BatchProcess batch = session.shell.StartHidden(outcome.batch_file, ui.PathToLists, environment);
-    if (!batch.started()) {
+    } else if (BatchProcess batch =
+                   session.shell.StartHidden(outcome.batch_file, ui.PathToLists, environment);
+               !batch.started()) {
       outcome.problem = "the batch could not be started";
     } else {
       WaitForConversion(session, batch, outcome.problem);
     }
-    outcome.failed = CountConverterFailures(converter_log, log_offset);
+    CheckConvertedCalls(session, calls, outcome);
     if (!outcome.problem.empty()) {
       Log(session, "Make MetaStock Price Files - " + outcome.batch_file + ": " + outcome.problem);
     }

@@ -39,23 +39,42 @@ struct PriceFilesJob {
   std::string name;
   bool header = true;
   struct Kind {
+    std::size_t index = 0;  // in PriceFileKinds()
     std::string path;
-    std::array<int, 6> columns{};  // 0 = a name the catalogue does not know: the value is 0
-    std::string batch_file;        // the converter call's batch file; empty: no call
+    std::array<int, 6> columns{};  // 0 = no column chosen ("Select One"): the value is 0
+    // Set when a chosen column can never give a price (no such statistic, a text column): the
+    // kind's file is then not written.
+    DatafileError problem;
+    std::string batch_file;  // the converter call's batch file; empty: no call
     std::string output_folder;
   };
   std::vector<Kind> kinds;  // the ticked ones, in table order
 };
 PriceFilesJob PriceFilesJobOf(const Session& session);
-// Reads the datafile once and replaces every price file of the job, or none (`error` says why).
-// Touches nothing but the job's files.
-bool WritePriceFiles(const PriceFilesJob& job, DatafileError& error);
+
+// What became of one job's kinds: the bars each written file holds (the datafile's rows), and per
+// job kind why its file was not written (no error when it was).
+struct PriceFilesOutcome {
+  std::size_t bars = 0;
+  std::vector<DatafileError> errors;
+};
+// Reads the datafile once and replaces the price file of every kind it can. False (`error` says
+// why, nothing replaced) when the datafile itself cannot be read; a kind whose columns or values
+// give no price is left as it was and named in `outcome`, and the others are written. Touches
+// nothing but the job's files.
+bool WritePriceFiles(const PriceFilesJob& job, PriceFilesOutcome& outcome, DatafileError& error);
+
+// Why a user-defined value column named `name` can never give a price ("names \"X\", which is no
+// statistic"); "" for a numeric statistic and for no choice ("Select One" or empty: the value is
+// 0).
+std::string PriceColumnProblem(std::string_view name);
 
 // Writes the price files of the datafile in hand (run.DownloadSymbol, run.DownloadName,
 // run.DataPeriod, run.DestinationFileName) for every ticked kind, reading the datafile once, and
 // then appends their converter calls. The download run hands it to its writer pool right after
 // each datafile's update when MakeMetaStockPxFiles is ticked. Any failure is logged as
-// "CreateMetaStockPxFiles Error # ..." and leaves all the old files.
+// "CreateMetaStockPxFiles Error # ...", leaves the old file of each kind it concerns, and is
+// recorded in the session's conversion ledger with the kind and the reason.
 void CreateMetaStockPxFiles(Session& session, WriterPool& writers);
 // The same, written on the spot.
 void CreateMetaStockPxFiles(Session& session);

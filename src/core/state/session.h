@@ -13,6 +13,7 @@
 
 namespace corvanet {
 
+struct ConversionLedger;
 class EarlyFetches;
 class FetchAhead;
 class MergeIndex;
@@ -90,6 +91,9 @@ struct Session {
   // While a run walks its periods: what is made from a datafile just brought up to date (its price
   // files), handed to the walk's writers. Set by the run (app/download_run.cpp); nullptr: nothing.
   void (*after_datafile_updated)(Session&, WriterPool&) = nullptr;
+  // While a run walks its periods with price files on: the converter calls written and the price
+  // files that failed (pricefiles/conversion.h). nullptr: not recorded.
+  ConversionLedger* conversion_ledger = nullptr;
   // While files are written on other threads: the log lines held back until the work handed over
   // before them is logged, so the log keeps its order (state/writer_pool.h). nullptr: straight to
   // the log file.

@@ -214,6 +214,11 @@ bool IsIntegerColumn(int column) {
          kColumns[column - 1].type == ColumnType::kInteger;
 }
 
+bool IsTextColumn(int column) {
+  return column >= 1 && column <= kCompositeColumnCount &&
+         kColumns[column - 1].type == ColumnType::kText;
+}
+
 const std::int32_t* IntegerField(const CompositeRow& row, int column) {
   if (column < 1 || column > kCompositeColumnCount) return nullptr;
   const ColumnDef& def = kColumns[column - 1];

@@ -74,6 +74,8 @@ struct StatisticValue {
 int FindColumn(std::string_view name);
 // Whether a column (1-68) holds a 32-bit whole number (the date and the counts).
 bool IsIntegerColumn(int column);
+// Whether a column (1-68) always holds text (Period), so it can never be a number.
+bool IsTextColumn(int column);
 std::string_view ColumnName(int column);
 // The value of a column (1-68) of the row; the empty value for 0 or a column out of range.
 StatisticValue ColumnValue(const CompositeRow& row, int column);

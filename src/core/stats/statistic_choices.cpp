@@ -1,6 +1,8 @@
 #include "core/stats/statistic_choices.h"
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include "core/platform/field_reader.h"
 #include "core/platform/text.h"
@@ -36,6 +38,23 @@ void LoadStatisticChoices(Session& session) {
   ui.MaxFilenameLengthItems.assign(std::begin(kFilenameLengthItems),
                                    std::end(kFilenameLengthItems));
   ui.ReplaceZeroValuesItems.assign(std::begin(kReplaceZeroItems), std::end(kReplaceZeroItems));
+}
+
+bool IsStatisticColumnSetting(std::string_view key) {
+  return key.size() == 10 && key.substr(0, 4) == "Stat" && key[4] >= '1' && key[4] <= '6' &&
+         key.substr(5, 4) == "File" && key[9] >= '1' && key[9] <= '3';
+}
+
+std::string StatisticChoiceProblem(const Session& session, std::string_view value) {
+  const std::vector<std::string>& items = session.ui.StatisticColumnItems;
+  if (std::find(items.begin(), items.end(), value) != items.end()) return {};
+  const std::string source = session.ui.PathToLists + "Stats.csv";
+  if (items.empty()) {
+    return "the column names come from " + source + ", which could not be read";
+  }
+  return "the column names come from " + source + ", which does not list it (it lists " +
+         std::to_string(items.size()) + " names, such as " + items.front() +
+         (items.size() > 1 ? ", " + items[1] : std::string()) + ")";
 }
 
 }  // namespace corvanet

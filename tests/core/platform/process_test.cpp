@@ -25,22 +25,39 @@ void WaitUntilEnded(BatchProcess& batch) {
   ASSERT_TRUE(WaitFor([&] { return !batch.Running(); }));
 }
 
-TEST(StartHiddenBatchTest, RunsEachCrLfLineAsItsWordsWithoutExpandingThem) {
+// Each CR LF line is one command, read with the runner's quoting: an argument written with
+// QuoteBatchArgument comes back whole, whatever it holds, and nothing in it is expanded or run.
+TEST(StartHiddenBatchTest, RunsEachLineWithItsQuotedArgumentsWhole) {
   TempDir dir;
   const std::string program_folder = HelperFolder(dir);
+  const std::vector<std::string> arguments{"/data/Meta  Stock/$NYA.csv",
+                                           "it's \"quoted\"",
+                                           "%PATH% $HOME ${X:-y}",
+                                           "a&b;c|d>e",
+                                           " -h ",
+                                           "*",
+                                           "$(touch run)",
+                                           "`touch run`",
+                                           "back\\slash",
+                                           "tab\there",
+                                           ""};
+  std::string line = "Call Complete.exe";
+  for (const std::string& argument : arguments) line += " " + QuoteBatchArgument(argument);
   WriteFile(dir / "work/Make.bat",
-            "Call Complete.exe $NYA.csv *\r\n\r\nComplete.exe 'q' second\r\nCall Complete.exe");
+            line + " *\r\n\r\nComplete.exe plain  words\r\nCall Complete.exe");
   BatchProcess batch =
       StartHiddenBatch("Make.bat", dir / "work", program_folder, {"CORVANET_MARK=m"});
   ASSERT_TRUE(batch.started());
   WaitUntilEnded(batch);
-  EXPECT_EQ(ReadLines(dir / "work/Complete.txt"),
-            (std::vector<std::string>{"$NYA.csv", "*", "m", "'q'", "second", "m", "m"}));
+  std::vector<std::string> expected = arguments;
+  expected.insert(expected.end(), {"*", "m", "plain", "words", "m", "m"});
+  EXPECT_EQ(ReadLines(dir / "work/Complete.txt"), expected);
+  EXPECT_FALSE(Exists(dir / "work/run")) << "a quoted command substitution is not run";
 
   WriteFile(dir / "other/Make.bat", "Call Complete.exe third\r\n");
   batch = StartHiddenBatch(dir / "other/Make.bat", dir / "work", program_folder);
   WaitUntilEnded(batch);
-  EXPECT_EQ(ReadLines(dir / "work/Complete.txt").at(7), "third");
+  EXPECT_EQ(ReadLines(dir / "work/Complete.txt").at(expected.size()), "third");
 }
 
 TEST(StartHiddenBatchTest, ABatchWhoseProgramIsMissingEndsAndIsSeenToEnd) {

@@ -41,7 +41,8 @@ class PriceFilesTest : public ::testing::Test {
   test::TestSession ts;
 };
 
-// Every failure leaves all of the datafile's price files as they were and logs the trap line.
+// Every failure logs the trap line and leaves the price files it concerns as they were: all of
+// them when the datafile cannot be read, only its own kind's when a column or folder is at fault.
 TEST_F(PriceFilesTest, FailuresLogTheTrapLineAndKeepTheOldFiles) {
   Tick("OHLCVV");
   Tick("UserDefFile2");
@@ -54,6 +55,8 @@ TEST_F(PriceFilesTest, FailuresLogTheTrapLineAndKeepTheOldFiles) {
     const char* what;
     std::function<void()> arrange;
     std::string logged;
+    bool px_kept = true;
+    bool user_kept = true;
   };
   const Case cases[] = {
       {"user column naming Period",
@@ -61,8 +64,9 @@ TEST_F(PriceFilesTest, FailuresLogTheTrapLineAndKeepTheOldFiles) {
          Choose("Stat4File2", "Period");
          WriteDatafile(data("Daily/$NYA.csv"), {CompositeLine(), CompositeLine()});
        },
-       "CreateMetaStockPxFiles Error #  13 - Type mismatch (row 1: column Period holds text) - "
-       "$NYA.csv - Daily"},
+       "CreateMetaStockPxFiles Error #  13 - Type mismatch (value column 4 (Stat4File2) names "
+       "Period, which holds text, not a price) - $NYA.csv - Daily",
+       false},
       {"short row",
        [&] {
          Choose("Stat4File2", "Select One");
@@ -80,15 +84,15 @@ TEST_F(PriceFilesTest, FailuresLogTheTrapLineAndKeepTheOldFiles) {
          WriteDatafile(data("Daily/$NYA.csv"), {CompositeLine()});
          ts.session.ui.UserDefFile1 = 1;  // ticked without its handler: no PxFile1 folders
        },
-       "CreateMetaStockPxFiles Error #  76 - Path not found ("},
+       "CreateMetaStockPxFiles Error #  76 - Path not found (", false, false},
   };
   for (const Case& c : cases) {
     test::WriteFile(px, "old px\r\n");
     test::WriteFile(user, "old user\r\n");
     c.arrange();
     CreateMetaStockPxFiles(ts.session);
-    EXPECT_EQ(ReadFile(px), "old px\r\n") << c.what;
-    EXPECT_EQ(ReadFile(user), "old user\r\n") << c.what;
+    EXPECT_EQ(ReadFile(px) == "old px\r\n", c.px_kept) << c.what;
+    EXPECT_EQ(ReadFile(user) == "old user\r\n", c.user_kept) << c.what;
     EXPECT_NE(ts.LogText().find(c.logged), std::string::npos) << c.what << "\n" << ts.LogText();
   }
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(data("PX/Daily")), {}), 1)
