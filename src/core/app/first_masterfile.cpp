@@ -1,17 +1,12 @@
 #include "core/app/first_masterfile.h"
 
 #include "core/download/refresh_masterfile.h"
+#include "core/lists/download_lists.h"
 #include "core/lists/masterfile.h"
 #include "core/platform/files.h"
 #include "core/state/log.h"
 
 namespace corvanet {
-
-bool LogInEntered(const WindowState& ui) {
-  const WindowState initial;
-  return !ui.UserName.empty() && !ui.Password.empty() && ui.UserName != initial.UserName &&
-         ui.Password != initial.Password;
-}
 
 bool MasterfileMissing(const Session& session) {
   return LogInEntered(session.ui) && !FileExists(MasterFilePath(session));

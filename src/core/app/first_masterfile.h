@@ -8,8 +8,6 @@
 
 namespace corvanet {
 
-// The user name and password hold more than their initial texts.
-bool LogInEntered(const WindowState& ui);
 // The log-in is entered and the data set's master file is not on disk.
 bool MasterfileMissing(const Session& session);
 // Fetches the data set's master file and shows it in the master list, saying in StatusText that it

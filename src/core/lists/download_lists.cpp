@@ -155,8 +155,9 @@ const VendorOption* ChosenVendor(const WindowState& ui) {
 }
 
 bool LogInEntered(const WindowState& ui) {
-  return !ui.UserName.empty() && !ui.Password.empty() && ui.UserName != "Enter username here" &&
-         ui.Password != "Enter password here";
+  const WindowState initial;
+  return !ui.UserName.empty() && !ui.Password.empty() && ui.UserName != initial.UserName &&
+         ui.Password != initial.Password;
 }
 
 bool AnyPeriodTicked(const WindowState& ui) {

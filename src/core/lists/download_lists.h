@@ -21,7 +21,7 @@ std::span<const VendorOption> VendorOptions();
 // The first vendor option that is set, in that order; nullptr when none is.
 const VendorOption* ChosenVendor(const WindowState& ui);
 bool AnyPeriodTicked(const WindowState& ui);
-// Whether the log-in is filled in: neither field empty nor left at its placeholder text.
+// Whether the log-in is filled in: neither field empty nor left at its initial (placeholder) text.
 bool LogInEntered(const WindowState& ui);
 
 // The number in CurrentListNumber (0 when none or not a number).
