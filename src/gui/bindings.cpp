@@ -1,5 +1,7 @@
 #include "gui/bindings.h"
 
+#include <algorithm>
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGroupBox>
@@ -263,7 +265,10 @@ void ShowView(QAbstractButton* button, const ControlView& view) {
     font.setBold(view.bold);
     button->setFont(font);
   }
-  button->setMinimumWidth(Pixels(view.width));
+  // The classic sizes are a floor: a caption wider than its twips ("Save 'All Daily' Periods
+  // Download Settings") would be clipped by them.
+  button->setMinimumWidth(
+      view.width == 0 ? 0 : std::max(Pixels(view.width), button->sizeHint().width()));
   button->setMinimumHeight(Pixels(view.height));
 }
 

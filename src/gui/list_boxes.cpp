@@ -5,11 +5,37 @@
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QSignalBlocker>
+#include <QStyledItemDelegate>
+#include <algorithm>
 
 namespace corvanet::gui {
 
+namespace {
+
+// Items never wider than the box: a long name is shortened in its middle, so the symbol at the end
+// of every item stays in sight however narrow the window.
+class FitToWidth final : public QStyledItemDelegate {
+ public:
+  explicit FitToWidth(QListView* view) : QStyledItemDelegate(view), view_(view) {}
+
+  QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    QSize size = QStyledItemDelegate::sizeHint(option, index);
+    size.setWidth(std::min(size.width(), view_->viewport()->width()));
+    return size;
+  }
+
+ private:
+  QListView* view_;
+};
+
+}  // namespace
+
 MasterListBox::MasterListBox(std::function<std::string()> drag_text, QWidget* parent)
     : QListWidget(parent), drag_text_(std::move(drag_text)) {
+  setItemDelegate(new FitToWidth(this));
+  setTextElideMode(Qt::ElideMiddle);
+  setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  setResizeMode(QListView::Adjust);  // lays the items out again at each new width
   setSelectionMode(QAbstractItemView::ExtendedSelection);
   setDragEnabled(true);
   setDragDropMode(QAbstractItemView::DragOnly);

@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <string>
 
-#include "core/app/run_outcome.h"
 #include "core/app/startup.h"
 #include "core/platform/clock.h"
 #include "core/platform/http.h"
@@ -103,14 +102,11 @@ int main(int argc, char** argv) {
   if (session.app.RunListNum >= 1) {
     // An unattended start: the run shows its progress, then the window closes without a question
     // (a number above 7 selects nothing and closes at once). A picture is taken of the end state.
-    QObject::connect(&window, &corvanet::gui::MainWindow::WorkFinished, &window, [&] {
-      if (options.screenshot.empty()) {
-        window.close();
-      } else {
-        ScheduleScreenshot(window, options);
-      }
-    });
-    window.StartRun([](corvanet::Session& s) { corvanet::AutomatedRunAndShowOutcome(s); });
+    if (!options.screenshot.empty()) {
+      QObject::connect(&window, &corvanet::gui::MainWindow::WorkFinished, &window,
+                       [&] { ScheduleScreenshot(window, options); });
+    }
+    window.StartUnattendedRun(options.screenshot.empty());
   } else if (!options.screenshot.empty()) {
     ScheduleScreenshot(window, options);
   }

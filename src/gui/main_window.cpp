@@ -3,12 +3,14 @@
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QLabel>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QStatusBar>
 #include <QTabWidget>
 
 #include "core/app/first_masterfile.h"
+#include "core/app/run_outcome.h"
 #include "core/app/startup.h"
 
 namespace corvanet::gui {
@@ -143,13 +145,24 @@ void MainWindow::StartWork(Handler handler, bool stoppable) {
   });
 }
 
+void MainWindow::StartUnattendedRun(bool close_at_end) {
+  close_at_end_ = close_at_end;
+  StartRun([](Session& s) { AutomatedRunAndShowOutcome(s); });
+}
+
 void MainWindow::FinishWork() {
   worker_.join();
   running_ = false;
   stop_->hide();
+  // A question about the run it has outlived would be answered about nothing: it goes with it.
+  if (close_question_ != nullptr) close_question_->done(QMessageBox::No);
   SetPagesLocked(false);
   Render(session_.ui);
   emit WorkFinished();
+  if (close_at_end_) {
+    close();
+    return;
+  }
   if (close_after_run_) {
     // The closing question of an idle window comes next; its Cancel keeps the window open.
     close_after_run_ = false;
@@ -177,23 +190,32 @@ void MainWindow::ExitClicked(int page) {
   close();
 }
 
+void MainWindow::AskToCloseDuringRun() {
+  const char* question =
+      stoppable_ ? "A download is running.\nStop it after the datafile in hand and close Corvanet?"
+                 : "Corvanet is still working.\nClose Corvanet as soon as it has finished?";
+  close_question_ = new QMessageBox(QMessageBox::Question,
+                                    QString::fromUtf8(kDefaultTitle.data(), kDefaultTitle.size()),
+                                    question, QMessageBox::Yes | QMessageBox::No, this);
+  close_question_->setObjectName("CloseDuringRun");
+  close_question_->setAttribute(Qt::WA_DeleteOnClose);
+  // Not exec(): the run goes on meanwhile, and may end before the answer.
+  connect(close_question_, &QMessageBox::finished, this, [this](int answer) {
+    close_question_ = nullptr;
+    if (answer != QMessageBox::Yes || !running_) return;
+    close_after_run_ = true;
+    if (stoppable_) RequestStop();
+    ShowStatus();
+  });
+  close_question_->open();
+}
+
 void MainWindow::closeEvent(QCloseEvent* event) {
   if (running_) {
     // The run holds the session: the window closes once it has stopped. Only the shell is used
     // here; the session's state belongs to the run until it ends.
     event->ignore();
-    if (close_after_run_) return;
-    const std::string_view question =
-        stoppable_
-            ? "A download is running.\rStop it after the datafile in hand and close Corvanet?"
-            : "Corvanet is still working.\rClose Corvanet as soon as it has finished?";
-    if (session_.shell.MessageBox(question, kDefaultTitle, Buttons::kYesNo, Icon::kQuestion) !=
-        Answer::kYes) {
-      return;
-    }
-    close_after_run_ = true;
-    if (stoppable_) RequestStop();
-    ShowStatus();
+    if (!close_after_run_ && close_question_ == nullptr) AskToCloseDuringRun();
     return;
   }
   if (!close_confirmed_ && Form_Unload(session_)) {

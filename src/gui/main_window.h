@@ -12,6 +12,7 @@
 #include "gui/state_observer.h"
 
 class QLabel;
+class QMessageBox;
 class QPushButton;
 class QTabWidget;
 
@@ -36,6 +37,9 @@ class MainWindow final : public QMainWindow, public PageHost {
 
   // Asks the run to stop after the datafile in hand; the run ends by itself and says so.
   void RequestStop();
+  // The unattended start: runs list RunListNum, which shows no message box, and closes the window
+  // when it has ended (unless a picture of the end is wanted: `close_at_end` false).
+  void StartUnattendedRun(bool close_at_end = true);
 
   bool running() const { return running_; }
   QTabWidget* tabs() const { return tabs_; }
@@ -52,6 +56,8 @@ class MainWindow final : public QMainWindow, public PageHost {
   void StartWork(Handler handler, bool stoppable);
   void FinishWork();
   void SetPagesLocked(bool locked);
+  // Asks, without waiting, whether to stop the run and close; the question goes with the run.
+  void AskToCloseDuringRun();
   // The status line: the state's StatusText, or what the work in hand means for the user.
   void ShowStatus();
 
@@ -71,7 +77,9 @@ class MainWindow final : public QMainWindow, public PageHost {
   bool stoppable_ = false;        // the work in hand is a download, which stops between datafiles
   bool close_after_run_ = false;  // the user closed the window during the run and it is stopping
   bool close_confirmed_ = false;  // an Exit button already asked the closing question
-  int shown_tab_ = -1;            // the CurrentTab last brought to the front
+  bool close_at_end_ = false;     // an unattended run: the window closes when it ends
+  QMessageBox* close_question_ = nullptr;  // open while the user decides whether to close
+  int shown_tab_ = -1;                     // the CurrentTab last brought to the front
 };
 
 }  // namespace corvanet::gui

@@ -84,7 +84,9 @@ class DownloadPage final : public Page {
     bottom->addLayout(button_column);
 
     auto* results = new QHBoxLayout;
-    layout->addLayout(results, 1);
+    // A large window gives the result nearly as much room as the lists: a failed run's lines are
+    // what the user reads then.
+    layout->addLayout(results, 2);
     auto* progress_frame =
         bind_.Frame("DownloadProgressFrame", &WindowState::DownloadProgressFrame);
     auto* progress_layout = new QVBoxLayout(progress_frame);
@@ -279,9 +281,22 @@ class DownloadPage final : public Page {
     const QByteArray name = QString("DownloadList%1").arg(n).toLatin1();
     QPushButton* button =
         bind_.Button(name.constData(), caption, [n](Session& s) { DownloadList_Click(s, n); });
+    // The list in hand stays marked: its button shows pressed and bold.
+    button->setCheckable(true);
+    bind_.OnRender([button, n](const WindowState& state) {
+      const bool marked = state.SelectedList == n;
+      if (button->isChecked() != marked) button->setChecked(marked);
+      if (button->font().bold() != marked) {
+        QFont font = button->font();
+        font.setBold(marked);
+        button->setFont(font);
+      }
+    });
     // "List 1" needs far less than a push button's usual width; the row must fit a small window.
     if (n <= 5) {
-      button->setMinimumWidth(button->fontMetrics().horizontalAdvance(caption) + 24);
+      QFont marked = button->font();
+      marked.setBold(true);  // the caption of the list in hand
+      button->setMinimumWidth(QFontMetrics(marked).horizontalAdvance(caption) + 16);
       button->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     }
     return button;

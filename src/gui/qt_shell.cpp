@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QDesktopServices>
+#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
@@ -74,10 +75,17 @@ std::string ChooseFileWithDialog(const std::string& folder, const std::string& p
       .toStdString();
 }
 
+bool MoveToDesktopTrash(const std::string& path, std::string& now_at) {
+  QString in_trash;
+  if (!QFile::moveToTrash(QString::fromStdString(path), &in_trash)) return false;
+  now_at = in_trash.toStdString();
+  return true;
+}
+
 }  // namespace
 
 DesktopActions QtDesktopActions() {
-  return {&ShowMessageBox, &OpenWithDesktop, &ChooseFileWithDialog};
+  return {&ShowMessageBox, &OpenWithDesktop, &ChooseFileWithDialog, &MoveToDesktopTrash};
 }
 
 std::string LineBreaksFromCarriageReturns(std::string_view text) {
@@ -105,8 +113,8 @@ Result QtShell::OnWindowThread(const std::function<Result()>& action) {
   return result;
 }
 
-Answer QtShell::MessageBox(std::string_view text, std::string_view title, Buttons buttons,
-                           Icon icon) {
+Answer QtShell::ShowMessageBox(std::string_view text, std::string_view title, Buttons buttons,
+                               Icon icon) {
   MessageRequest request{LineBreaksFromCarriageReturns(text), std::string(title), buttons, icon};
   return OnWindowThread<Answer>([&] { return actions_.message_box(request); });
 }
@@ -135,6 +143,11 @@ std::string QtShell::ChooseFile(const std::string& folder, std::string_view patt
   const std::string filter(pattern);
   return OnWindowThread<std::string>(
       [&] { return actions_.choose_file ? actions_.choose_file(folder, filter) : std::string(); });
+}
+
+bool QtShell::MoveToTrash(const std::string& path, std::string& now_at) {
+  // Moving a file needs nothing of the window, so it stays on the caller's thread.
+  return actions_.move_to_trash && actions_.move_to_trash(path, now_at);
 }
 
 }  // namespace corvanet::gui

@@ -23,9 +23,11 @@ struct DesktopActions {
   std::function<bool(const std::string&)> open_document;
   // A file dialog in a folder with a name pattern; "" when cancelled.
   std::function<std::string(const std::string&, const std::string&)> choose_file;
+  // Moves a file to the trash, giving where it went; false where there is none. Empty: no trash.
+  std::function<bool(const std::string&, std::string&)> move_to_trash;
 };
 
-// The real desktop: QMessageBox and QDesktopServices.
+// The real desktop: QMessageBox, QDesktopServices and the desktop's trash.
 DesktopActions QtDesktopActions();
 
 class QtShell final : public QObject, public Shell {
@@ -35,14 +37,15 @@ class QtShell final : public QObject, public Shell {
   // `program_folder` is where the converter helpers are found; "" = the executable's folder.
   explicit QtShell(DesktopActions actions = QtDesktopActions(), std::string program_folder = {});
 
-  Answer MessageBox(std::string_view text, std::string_view title, Buttons buttons,
-                    Icon icon) override;
+  Answer ShowMessageBox(std::string_view text, std::string_view title, Buttons buttons,
+                        Icon icon) override;
   bool OpenDocument(std::string_view target) override;
   BatchProcess StartHidden(const std::string& batch_file, const std::string& working_folder,
                            const std::vector<std::string>& environment) override;
   std::string ConverterProblem() override;
   bool StartProgram(const std::string& name) override;
   std::string ChooseFile(const std::string& folder, std::string_view pattern) override;
+  bool MoveToTrash(const std::string& path, std::string& now_at) override;
 
  private:
   // Runs `action` on the thread this object lives on and waits for its result.

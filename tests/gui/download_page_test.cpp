@@ -3,8 +3,10 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTabWidget>
 #include <QTest>
 
+#include "core/lists/masterfile.h"
 #include "gui/list_boxes.h"
 #include "gui_fixture.h"
 
@@ -93,6 +95,65 @@ TEST_F(GuiDownloadPage, ListButtonsReshapeTheListActions) {
   EXPECT_FALSE(Find<QPushButton>("ClearList")->isHidden());
   EXPECT_EQ(Find<QPushButton>("LoadDownloadFile")->text(), "Restore Download List 2");
   EXPECT_TRUE(Find<QWidget>("DailyInterval")->isEnabled());
+}
+
+}  // namespace
+}  // namespace corvanet::test
+
+namespace corvanet::test {
+namespace {
+
+// What the page shows of the list in hand: which list it is, its whole names and symbols, and no
+// progress or result of another list.
+TEST_F(GuiDownloadPage, TheListInHandIsMarkedAndShownWhole) {
+  WriteFile(MasterFilePath(session_),
+            "S&P 100 Index,$OEX\r\nNYSE Composite (2000 issues),$NYA\r\n");
+  window_->resize(700, 600);
+  window_->show();
+  window_->tabs()->setCurrentIndex(kDownloadTab);
+  session_.ui.ProgressBar1 = {0, 4, 3, true};
+  window_->Render(session_.ui);
+
+  Find<QPushButton>("DownloadList2")->click();
+  for (int n = 1; n <= 7; ++n) {
+    auto* button = Find<QPushButton>(QString("DownloadList%1").arg(n).toLatin1().constData());
+    EXPECT_EQ(button->isChecked(), n == 2) << n;
+    EXPECT_EQ(button->font().bold(), n == 2) << n;
+  }
+  // The last run's progress is not this list's.
+  EXPECT_TRUE(Find<QWidget>("ProgressBar1")->isHidden());
+  EXPECT_EQ(session_.ui.ProgressBar1.value, 0);
+
+  // Names without a note keep every letter.
+  Find<QPushButton>("MoveAllToDownloadList")->click();
+  EXPECT_EQ(Shown(download_),
+            (std::vector<std::string>{"S&P 100 Index,$OEX", "NYSE Composite,$NYA"}));
+
+  // In a small window the symbol at the end of a long name still shows.
+  session_.ui.List5.Add("Dow Jones Industrial Average of Thirty Blue Chips (DJIA),$INDU");
+  window_->Render(session_.ui);
+  QApplication::processEvents();
+  const QListWidgetItem* longest = master_->item(master_->count() - 1);
+  EXPECT_LE(master_->visualItemRect(longest).right(), master_->viewport()->width())
+      << master_->viewport()->width();
+}
+
+// Every caption of the page is readable whole, and the result box takes its share of a large
+// window.
+TEST_F(GuiDownloadPage, CaptionsAreNotClippedAndTheResultGrowsWithTheWindow) {
+  window_->resize(1400, 1000);
+  window_->show();
+  window_->tabs()->setCurrentIndex(kDownloadTab);
+  for (const char* list : {"DownloadList6", "DownloadList7"}) {
+    SCOPED_TRACE(list);
+    Find<QPushButton>(list)->click();
+    QApplication::processEvents();
+    auto* save = Find<QPushButton>("SaveDownloadList");
+    EXPECT_GE(save->width(), save->fontMetrics().horizontalAdvance(save->text()) + 8)
+        << save->text().toStdString();
+  }
+  auto* result = Find<QWidget>("RunSummaryFrame");
+  EXPECT_GE(result->height(), 12 * result->fontMetrics().lineSpacing()) << result->height();
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // A new user's first steps in the window, against the demo service: typing the log-in over the
-// initial texts, the master list arriving after the first save, and the full lists fetching the
-// periods of their own files whichever list was shown before.
+// initial texts, the master list arriving after the first save (or saying why not), and the full
+// lists fetching the periods of their own files whichever list was shown before.
 #include <QCheckBox>
 #include <QLabel>
 #include <QListWidget>
@@ -42,13 +42,38 @@ TEST_F(GuiFirstUse, SavingTheLogInFetchesTheMasterListAndSaysSo) {
   EXPECT_EQ(Requests("/Masterfile2.csv"), 1);
 }
 
-TEST_F(GuiFirstUse, AMasterListThatCannotBeFetchedSaysWhatToDo) {
+// What the window says leads to a fetch of what is typed and chosen, never back to what failed.
+TEST_F(GuiFirstUse, AMasterListThatCannotBeFetchedSaysWhyAndSavingTriesAgain) {
+  auto* master = Find<QListWidget>("List5");
+  auto* status = Find<QLabel>("StatusText");
+  auto* hint = Find<QLabel>("MasterListHint");
   EnterLogIn("not the password");
   Click("SaveToINI");
   ASSERT_TRUE(WaitUntilIdle());
-  EXPECT_EQ(Find<QListWidget>("List5")->count(), 0);
-  EXPECT_NE(Find<QLabel>("StatusText")->text().indexOf("could not be fetched"), -1);
-  EXPECT_NE(Find<QLabel>("MasterListHint")->text().indexOf("Reload Saved Settings"), -1);
+  EXPECT_EQ(master->count(), 0);
+  EXPECT_EQ(status->text(),
+            "The list of indexes and ETFs could not be fetched: the data service refused the user "
+            "name and password. Correct them and click Save Settings to try again.");
+  for (const QString& advice : {status->text(), hint->text()}) {
+    EXPECT_EQ(advice.indexOf("Reload Saved Settings"), -1) << advice.toStdString();
+    EXPECT_NE(advice.indexOf("Save Settings"), -1) << advice.toStdString();
+  }
+
+  TypeOver("Password", service.password());
+  Click("SaveToINI");
+  ASSERT_TRUE(WaitUntilIdle());
+  EXPECT_EQ(master->count(), 12);
+
+  // Another data set has a list of its own: the hint leads to fetching it, keeping the choice.
+  Find<QCheckBox>("AllUS")->click();
+  EXPECT_EQ(master->count(), 0);
+  EXPECT_EQ(hint->text().indexOf("Reload Saved Settings"), -1) << hint->text().toStdString();
+  EXPECT_NE(hint->text().indexOf("Save Settings"), -1) << hint->text().toStdString();
+  Click("SaveToINI");
+  ASSERT_TRUE(WaitUntilIdle());
+  EXPECT_TRUE(Find<QCheckBox>("AllUS")->isChecked());
+  EXPECT_GT(master->count(), 0);
+  EXPECT_EQ(Requests("/MasterfileUS.csv"), 1);
 }
 
 }  // namespace

@@ -40,7 +40,10 @@ class GuiTest : public testing::Test {
       : shell_(gui::DesktopActions{
             [this](const gui::MessageRequest& r) { return Answer(r); },
             [](const std::string&) { return true; },
-            [](const std::string&, const std::string&) { return std::string(); }}),
+            [](const std::string&, const std::string&) { return std::string(); },
+            [this](const std::string& path, std::string& now_at) {
+              return trash && trash(path, now_at);
+            }}),
         session_(shell_, network == Network::kLoopback ? static_cast<HttpClient&>(curl_) : http_,
                  clock_) {
     StartupOptions options;
@@ -71,6 +74,10 @@ class GuiTest : public testing::Test {
 
   std::vector<RecordedMessage> messages;
   std::deque<corvanet::Answer> answers;  // consumed by questions; Ok boxes take none
+  // Called with each box as it comes up, on the window's thread, before it is answered.
+  std::function<void(const gui::MessageRequest&)> on_message;
+  // The desktop's trash; empty: there is none, and files are deleted.
+  std::function<bool(const std::string&, std::string&)> trash;
 
   TempDir dir_;
   UnreachableHttp http_;
@@ -83,6 +90,7 @@ class GuiTest : public testing::Test {
  private:
   corvanet::Answer Answer(const gui::MessageRequest& request) {
     messages.push_back({request});
+    if (on_message) on_message(request);
     if (request.buttons == Buttons::kOk) return corvanet::Answer::kOk;
     if (answers.empty()) return corvanet::Answer::kNo;
     const corvanet::Answer answer = answers.front();

@@ -2,8 +2,11 @@
 // fails, what it offers while a run goes on, and closing it during a run.
 #include <QCheckBox>
 #include <QLabel>
+#include <QListWidget>
+#include <QMessageBox>
 #include <QRadioButton>
 #include <QTabWidget>
+#include <algorithm>
 #include <atomic>
 
 #include "gui/run_outcome_view.h"
@@ -27,9 +30,9 @@ class GuiRun : public GuiServiceTest {
   void StartSlowRun(int delay_ms) {
     service.SetFaults({"*/NYSEDaily-CompositeStats.csv delay " + std::to_string(delay_ms)});
     Click("DownLoadButton");
-    // The caption counts one ahead of the datafiles started.
     auto* button = Find<QPushButton>("DownLoadButton");
-    ASSERT_TRUE(ProcessUntil([button] { return button->text().contains("Datafile 2 of 2"); }));
+    // The caption counts the datafile in hand: the first, of two.
+    ASSERT_TRUE(ProcessUntil([button] { return button->text().contains("Datafile 1 of 2"); }));
   }
 
   // Every summary line of the core is in the window, under the heading.
@@ -50,16 +53,28 @@ TEST_F(GuiRun, EveryOutcomeIsShownAndAFailureIsMarkedAsOne) {
     std::function<void()> arrange;
     bool failed;
     const char* heading;
+    const char* ended;   // in the completion box
+    const char* button;  // the download button's caption at the end
   };
   const Case cases[] = {
-      {"the service answers", [] {}, false, "Complete: "},
+      {"the service answers", [] {}, false,
+       "Complete: ", "Update for Download List 1 completed on ",
+       "Update Download List 1 Complete! ... (Elapsed time:  "},
       {"a wrong password",
        [this] {
          TypeOver("Password", "not the password");
          Click("SaveToINI");
        },
-       true, "FAILED: "},
-      {"a stopped service", [this] { service.Stop(); }, true, "FAILED: "},
+       true, "FAILED: ", "Update for Download List 1 finished with 2 failure(s) on ",
+       "Update Download List 1 Finished With 2 Failure(s) ... (Elapsed time:  "},
+      {"a stopped service", [this] { service.Stop(); }, true,
+       "FAILED: ", "Update for Download List 1 finished with 2 failure(s) on ",
+       "Update Download List 1 Finished With 2 Failure(s) ... (Elapsed time:  "},
+  };
+  // What the result panel shows while the completion box is up.
+  QString shown_under_box;
+  on_message = [&](const gui::MessageRequest& request) {
+    if (request.title.rfind("Corvanet Download", 0) == 0) shown_under_box = Outcome()->text();
   };
   window_->show();
   window_->tabs()->setCurrentIndex(kDownloadTab);
@@ -81,10 +96,17 @@ TEST_F(GuiRun, EveryOutcomeIsShownAndAFailureIsMarkedAsOne) {
     // However long the summary, the download button stays where it was.
     QApplication::processEvents();
     EXPECT_EQ(button->mapTo(window_.get(), QPoint(0, 0)), button_at);
-    // The completion message stays as it was, failure or not.
+    // The completion box says how the run went, and so does the button.
     ASSERT_FALSE(messages.empty());
-    EXPECT_NE(messages.back().request.text.find("Update for Download List 1 completed on "),
-              std::string::npos);
+    const gui::MessageRequest& box = messages.back().request;
+    EXPECT_NE(box.text.find(c.ended), std::string::npos) << box.text;
+    EXPECT_EQ(box.icon, c.failed ? Icon::kExclamation : Icon::kInformation);
+    EXPECT_EQ(box.title,
+              c.failed ? "Corvanet Download Not Complete" : "Corvanet Download Complete");
+    EXPECT_TRUE(button->text().startsWith(c.button)) << button->text().toStdString();
+    // Under the box the panel already shows this run, and only this run.
+    EXPECT_TRUE(shown_under_box.startsWith(QString::fromStdString(session_.ui.RunOutcome.caption)))
+        << shown_under_box.toStdString();
   }
   // What was said about list 1 is not shown for list 2.
   Click("DownloadList2");
@@ -114,31 +136,107 @@ TEST_F(GuiRun, DuringARunOnlyStopAndWhatShowsTheRunAreLive) {
   EXPECT_TRUE(Find<QWidget>("StopRun")->isHidden());
 }
 
+// The question closing asks during a run; it waits for no one, so the run goes on under it.
+QMessageBox* CloseQuestion(QWidget* window) {
+  return window->findChild<QMessageBox*>("CloseDuringRun");
+}
+
+void Reply(QMessageBox* question, QMessageBox::StandardButton answer) {
+  ASSERT_NE(question, nullptr);
+  EXPECT_EQ(question->text(),
+            "A download is running.\nStop it after the datafile in hand and close Corvanet?");
+  question->button(answer)->click();
+}
+
 TEST_F(GuiRun, ClosingDuringARunAsksThenStopsBetweenDatafilesAndCloses) {
   window_->show();
   StartSlowRun(1500);
   messages.clear();
 
-  answers = {Answer::kNo};  // keep the run going
   window_->close();
+  Reply(CloseQuestion(window_.get()), QMessageBox::No);  // keep the run going
   EXPECT_TRUE(window_->isVisible());
   EXPECT_TRUE(window_->running());
 
-  answers = {Answer::kYes, Answer::kNo};  // stop and close; then do not save the settings
+  answers = {Answer::kNo};  // then do not save the settings
   window_->close();
+  Reply(CloseQuestion(window_.get()), QMessageBox::Yes);  // stop and close
   ASSERT_TRUE(ProcessUntil([this] { return !window_->isVisible(); }, std::chrono::seconds(30)));
-  ASSERT_GE(messages.size(), 3u);
-  EXPECT_EQ(messages[0].request.text,
-            "A download is running.\nStop it after the datafile in hand and close Corvanet?");
-  EXPECT_EQ(messages[1].request.text, messages[0].request.text);
+  ASSERT_GE(messages.size(), 2u);
+  // The stop is told as one, not as a completion.
+  EXPECT_NE(messages[0].request.text.find("Update for Download List 1 stopped on "),
+            std::string::npos)
+      << messages[0].request.text;
+  EXPECT_EQ(messages[0].request.icon, Icon::kExclamation);
+  EXPECT_TRUE(session_.ui.DownLoadButton.caption.starts_with("Update Download List 1 Stopped ..."));
   EXPECT_EQ(messages.back().request.title, "Save Dialog");
   EXPECT_FALSE(window_->running());
-  // The datafile in hand was finished; the next one, perhaps already fetched ahead, was never
-  // written.
+  // The datafile in hand was finished, and so was the next one, whose file was already arriving
+  // when the stop landed: nothing fetched is thrown away.
   EXPECT_TRUE(Exists(session_.ui.PathToDataFiles + "Daily/$NYA.csv"));
-  EXPECT_FALSE(Exists(session_.ui.PathToDataFiles + "Daily/$XAX.csv"));
+  EXPECT_TRUE(Exists(session_.ui.PathToDataFiles + "Daily/$XAX.csv"));
   EXPECT_EQ(session_.ui.RunOutcome.caption.rfind("STOPPED: ", 0), 0u);
   EXPECT_TRUE(session_.ui.RunFailed);
+}
+
+TEST_F(GuiRun, TheCloseQuestionGoesWithTheRunItAskedAbout) {
+  window_->show();
+  StartSlowRun(800);
+  window_->close();
+  ASSERT_NE(CloseQuestion(window_.get()), nullptr);
+  // Left open, the run ends under it: the question is withdrawn and the window stays.
+  ASSERT_TRUE(ProcessUntil([this] { return !window_->running(); }, std::chrono::seconds(30)));
+  QApplication::processEvents();
+  EXPECT_EQ(CloseQuestion(window_.get()), nullptr);
+  EXPECT_TRUE(window_->isVisible());
+  EXPECT_EQ(session_.ui.RunOutcome.caption.rfind("Complete: ", 0), 0u);
+  // Closing now asks what an idle window asks.
+  answers = {Answer::kNo};
+  window_->close();
+  EXPECT_FALSE(window_->isVisible());
+  EXPECT_EQ(messages.back().request.title, "Save Dialog");
+}
+
+TEST_F(GuiRun, AnUnattendedRunShowsNoBoxAndCloses) {
+  window_->show();
+  messages.clear();
+  session_.app.RunListNum = 1;
+  window_->StartUnattendedRun();
+  ASSERT_TRUE(ProcessUntil([this] { return !window_->isVisible(); }, std::chrono::seconds(30)));
+  EXPECT_TRUE(messages.empty()) << messages.front().request.text;
+  // What a box would have said is listed under the run's result.
+  const std::vector<std::string>& lines = session_.ui.RunSummaryLines;
+  EXPECT_TRUE(std::any_of(lines.begin(), lines.end(), [](const std::string& line) {
+    return line.starts_with("Message: Corvanet Download Complete: ") &&
+           line.find(" Update for Download List 1 completed on ") != std::string::npos;
+  })) << testing::PrintToString(lines);
+  EXPECT_EQ(session_.ui.RunOutcome.caption.rfind("Complete: ", 0), 0u);
+}
+
+TEST_F(GuiRun, NeitherAReloadNorTheListCheckLeavesTheBoxAndTheFileApart) {
+  auto* box = Find<QListWidget>("List6");
+  // A symbol the master list no longer holds: the list check at the end of a run removes it from
+  // the file, and the box shows the file.
+  const std::string list_file = session_.ui.PathToLists + "Download1.csv";
+  WriteFile(list_file, ReadFile(list_file) + "Gone Index,$GONE\r\n");
+  Click("DownloadList1");
+  ASSERT_EQ(box->count(), 3);
+  RunAndWait();
+  EXPECT_EQ(ReadFile(list_file).find("$GONE"), std::string::npos);
+  ASSERT_EQ(box->count(), 2);
+  EXPECT_TRUE(box->findItems("$GONE", Qt::MatchContains).isEmpty());
+
+  // Reloading the saved settings shows the list as its file holds it, and the next run runs it
+  // rather than saving an empty box over the file.
+  Click("LoadConfiguration");
+  ASSERT_TRUE(WaitUntilIdle());
+  EXPECT_EQ(box->count(), 2);
+  RunAndWait();
+  EXPECT_EQ(session_.ui.RunOutcome.caption.rfind("Complete: ", 0), 0u);
+  EXPECT_NE(ReadFile(list_file).find("$XAX"), std::string::npos);
+  const std::vector<std::string>& lines = session_.ui.RunSummaryLines;
+  EXPECT_NE(std::find(lines.begin(), lines.end(), "Datafiles updated by merge: 2"), lines.end())
+      << testing::PrintToString(lines);
 }
 
 }  // namespace

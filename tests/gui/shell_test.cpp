@@ -30,7 +30,8 @@ TEST(GuiShell, WorkerThreadWaitsForTheAnswerGivenOnTheWindowThread) {
                             return Answer::kCancel;
                           },
                           [](const std::string&) { return false; },
-                          [](const std::string&, const std::string&) { return std::string(); }});
+                          [](const std::string&, const std::string&) { return std::string(); },
+                          {}});
   auto answer = std::async(std::launch::async, [&] {
     return shell.MessageBox("Save?\rReally", "Save Dialog", Buttons::kYesNoCancel, Icon::kQuestion);
   });

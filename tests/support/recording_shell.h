@@ -20,8 +20,8 @@ class ScriptedShell final : public Shell {
     Icon icon = Icon::kNone;
   };
 
-  Answer MessageBox(std::string_view text, std::string_view title, Buttons buttons,
-                    Icon icon) override {
+  Answer ShowMessageBox(std::string_view text, std::string_view title, Buttons buttons,
+                        Icon icon) override {
     boxes.push_back({std::string(text), std::string(title), buttons, icon});
     if (buttons == Buttons::kOk) return Answer::kOk;
     if (answers.empty()) return Answer::kNo;

@@ -191,6 +191,19 @@ void TakeTheTour(const Options& o, MainWindow& w) {
   t.TypeOver("Password", o.password);
   t.Click("SaveToINI");
 
+  // Stopped while the update file is on its way: the run says that it stopped, not that it
+  // completed.
+  t.Tab(3);
+  t.Click("DownloadList1");
+  t.Faults("*/Update-Daily.csv delay 2000\n");
+  t.Run([&] {
+    Wait(500);
+    t.Click("StopRun");
+  });
+  t.Faults("");
+  t.Shot("15-download-stopped");
+
+  t.Tab(2);
   t.Click("ImplementSpecialFunctions");
   t.Tab(4);
   t.Shot("12-special-functions");
@@ -233,7 +246,10 @@ int main(int argc, char** argv) {
   // Message boxes are pictured, then answered as a user going ahead would.
   corvanet::gui::QtShell shell(corvanet::gui::DesktopActions{
       [&](const corvanet::gui::MessageRequest& request) {
-        QMessageBox box(QMessageBox::Information, QString::fromStdString(request.title),
+        QMessageBox box(request.icon == corvanet::Icon::kExclamation ? QMessageBox::Warning
+                        : request.icon == corvanet::Icon::kQuestion  ? QMessageBox::Question
+                                                                     : QMessageBox::Information,
+                        QString::fromStdString(request.title),
                         QString::fromStdString(request.text));
         box.show();
         QTest::qWait(100);
@@ -243,7 +259,8 @@ int main(int argc, char** argv) {
                                                          : corvanet::Answer::kYes;
       },
       [](const std::string&) { return true; },
-      [](const std::string&, const std::string&) { return std::string(); }});
+      [](const std::string&, const std::string&) { return std::string(); },
+      {}});
   corvanet::CurlHttpClient http;
   corvanet::SystemClock clock;
   corvanet::Session session(shell, http, clock);

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "core/app/run_folders.h"
+#include "core/app/run_outcome.h"
 #include "core/app/settings.h"
 #include "core/app/settings_buttons.h"
 #include "core/download/datafile_names.h"
@@ -160,6 +161,25 @@ std::string ProblemsText(const RunSummary& summary) {
   return text;
 }
 
+// What went wrong, counted as the user would: each datafile not updated, each statistic or price
+// file not made; a run whose only trouble was a whole period's fetch counts that.
+int FailureCount(const RunSummary& summary) {
+  std::size_t count = summary.failures.size() + summary.statistic_failures.size() +
+                      static_cast<std::size_t>(std::max(0, summary.not_updated));
+  for (const ConversionOutcome& batch : summary.conversions) {
+    count += batch.failed > 0 ? static_cast<std::size_t>(batch.failed) : !batch.problem.empty();
+  }
+  if (count == 0) count = std::max<std::size_t>(1, summary.period_problems.size());
+  return static_cast<int>(count);
+}
+
+// A run that did not update everything never says "complete".
+RunEnding EndingOf(const RunSummary& summary) {
+  if (summary.stopped || summary.service_silent) return {"stopped", false};
+  if (!summary.has_failures()) return {};
+  return {"finished with " + std::to_string(FailureCount(summary)) + " failure(s)", false};
+}
+
 void ShowCompletion(Session& session, int list, const RunSummary& summary) {
   WindowState& ui = session.ui;
   const std::string type = DownLoadType(session);
@@ -168,16 +188,20 @@ void ShowCompletion(Session& session, int list, const RunSummary& summary) {
   ui.RunProblems.caption = ProblemsText(summary);
   ui.RunProblems.visible = summary.has_failures();
   ui.ButtonBarFrame.caption = "Select a Download List";
-  if (list <= 5) {
-    ui.DownLoadButton.caption =
-        "Update " + type + " Complete! ... (Elapsed time:  " + elapsed + ")";
-    ui.DownloadProgressFrame.caption = "Update Complete For List " + type;
-  } else {
-    ui.DownLoadButton.caption =
-        "Download " + type + " Complete! ... (Elapsed time:  " + elapsed + ")";
-    ui.DownloadProgressFrame.caption = "Download Complete For List " + type;
+  const std::string verb = list <= 5 ? "Update" : "Download";
+  std::string ended = "Complete";
+  if (summary.stopped || summary.service_silent) {
+    ended = "Stopped";
+  } else if (summary.has_failures()) {
+    ended = "Finished With " + std::to_string(FailureCount(summary)) + " Failure(s)";
   }
+  ui.DownLoadButton.caption = verb + " " + type + " " + ended + (ended == "Complete" ? "!" : "") +
+                              " ... (Elapsed time:  " + elapsed + ")";
+  ui.DownloadProgressFrame.caption =
+      verb + " " + (summary.has_failures() ? "Not Complete" : "Complete") + " For List " + type;
   ui.DownLoadButton.bold = true;
+  // The panel tells the run's end before any message box does.
+  ShowRunOutcome(session, summary);
   session.NotifyObserver();
 }
 
@@ -189,6 +213,9 @@ RunSummary DownLoadButton_Click(Session& session) {
     WriteLog(session, "DownLoadButton_Click");
   }
   RunSummary summary;
+  // The result panel only ever shows the run in hand.
+  ClearRunOutcome(session.ui);
+  session.NotifyObserver();
   // One run at a time per installation: two would sweep and replace each other's files.
   RunLock lock;
   if (!lock.Acquire(session.app.ProgramDirectory, FormatTimeOfDay(session.clock.Now()))) {
@@ -282,7 +309,8 @@ RunSummary DownLoadButton_Click(Session& session) {
 
   summary.elapsed = ElapsedText(session.clock.Timer() - run.RunStartTimer);
   ShowCompletion(session, list, summary);
-  if (!cut_short) RetrieveSystemMessages(session, summary.elapsed, message_fetched);
+  // A run cut short fetched no message file; it still says that it stopped.
+  RetrieveSystemMessages(session, summary.elapsed, message_fetched, EndingOf(summary));
   for (const std::string& line : summary.Lines()) Log(session, "Run summary - " + line);
   Log(session, "DownLoadButton_Click - Complete!");
   ui.ForceFullDownload = 0;

@@ -4,6 +4,7 @@
 // why. Saving the log-in fetches it at once; an empty list says what it needs.
 #include <string>
 
+#include "core/platform/http.h"
 #include "core/state/session.h"
 
 namespace corvanet {
@@ -14,6 +15,9 @@ bool MasterfileMissing(const Session& session);
 // is being fetched and then how it went. It waits on the service: front ends with a window run it
 // off the window's thread. True when the master list was filled.
 bool FetchMasterfile(Session& session);
+// What the status line says when the master file could not be had: what the service answered and
+// that Save Settings tries again.
+std::string MasterfileNotFetchedText(const FetchResult& answer);
 // What the user can do about an empty master list; "" when it holds issues.
 std::string EmptyMasterListHint(const WindowState& ui);
 

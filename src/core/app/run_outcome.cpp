@@ -3,6 +3,7 @@
 #include "core/app/download_run.h"
 #include "core/app/startup.h"
 #include "core/lists/download_lists.h"
+#include "core/state/log.h"
 
 namespace corvanet {
 
@@ -39,9 +40,32 @@ RunSummary DownloadAndShowOutcome(Session& session) {
 }
 
 RunSummary AutomatedRunAndShowOutcome(Session& session) {
+  // No one is there to answer a box, and a box left open would keep a scheduled run from ever
+  // ending: what the run says goes to the log and under its result instead.
+  std::vector<std::string> unshown;
+  session.shell.DivertMessages([&](std::string_view text, std::string_view title) {
+    // One line: the box's line breaks and the blanks around them become one blank.
+    std::string line = std::string(title) + ": ";
+    for (const char c : text) {
+      const bool blank = c == '\r' || c == '\n' || c == ' ';
+      if (!blank) {
+        line += c;
+      } else if (line.back() != ' ') {
+        line += ' ';
+      }
+    }
+    if (line.back() == ' ') line.pop_back();
+    Log(session, "AutomatedRuns - not shown in a message box: " + line);
+    unshown.push_back("Message: " + line);
+  });
   RunSummary summary = AutomatedRuns(session);
+  session.shell.DivertMessages(nullptr);
   // A list number outside 1-7 selects nothing and runs nothing; there is no run to show.
-  if (CurrentListNumber(session) != 0) ShowRunOutcome(session, summary);
+  if (CurrentListNumber(session) != 0) {
+    ShowRunOutcome(session, summary);
+    session.ui.RunSummaryLines.insert(session.ui.RunSummaryLines.end(), unshown.begin(),
+                                      unshown.end());
+  }
   return summary;
 }
 

@@ -11,7 +11,8 @@ namespace corvanet {
 // A run refused by its checks counts as failed: it updated nothing.
 void ShowRunOutcome(Session& session, const RunSummary& summary);
 
-// The download button and the unattended start, each followed by ShowRunOutcome.
+// The download button and the unattended start, each followed by ShowRunOutcome. The unattended
+// start shows no message box: each message is logged and listed under the run's result.
 RunSummary DownloadAndShowOutcome(Session& session);
 RunSummary AutomatedRunAndShowOutcome(Session& session);
 

@@ -4,6 +4,7 @@
 
 #include "core/download/early_fetches.h"
 #include "core/download/refresh_masterfile.h"
+#include "core/lists/download_lists.h"
 #include "core/lists/masterfile.h"
 #include "core/platform/field_reader.h"
 #include "core/platform/files.h"
@@ -321,6 +322,9 @@ void LoadConfiguration_Click(Session& session) {
   StartUpdateFilesOfList(session, session.app.RunListNum);
   // A master file fetched for the first time must show at once, not at the next list click.
   if (RefreshMasterfile(session)) LoadMasterfile(session);
+  // The list in hand is shown again as its file holds it: an emptied box with the list still
+  // selected would be saved over the file by the next download.
+  if (const int list = CurrentListNumber(session); list != 0) DownloadList_Click(session, list);
   SetTabs(session);
 }
 

@@ -49,6 +49,7 @@ void MakeListStatFiles_Click(Session& session, int list, StatFilesSummary* summa
   if (list < 1 || list > 7) return;
   LogEntry(session, kButtonNames[list - 1]);
   session.app.CurrentListNumber = std::to_string(list);
+  session.ui.SelectedList = list;
   SetCheck(session, kRunWithBoxes[list - 1], 1);
   RunSingleStatFilesNow(session, summary);
 }

@@ -115,14 +115,25 @@ RunSummary AutomatedRuns(Session& session) {
 
 bool Form_Unload(Session& session) {
   if (session.app.RunListNum != 0) return false;
-  const Answer answer =
-      session.shell.MessageBox("Save Corvanet settings before closing?", "Save Dialog",
-                               Buttons::kYesNoCancel, Icon::kQuestion);
+  // Edits of the list in hand would be lost without a word: the question names them too.
+  const bool list_unsaved = DownloadListUnsaved(session);
+  const std::string list = DownLoadType(session);
+  const Answer answer = session.shell.MessageBox(
+      list_unsaved ? "Save Corvanet settings and the changes to " + list + " before closing?"
+                   : std::string("Save Corvanet settings before closing?"),
+      "Save Dialog", Buttons::kYesNoCancel, Icon::kQuestion);
   switch (answer) {
     case Answer::kYes:
       SaveToINI_Click(session);
       Log(session, "Form_Unload - Settings saved");
-      session.shell.MessageBox("Corvanet settings saved.", "Corvanet", Buttons::kOk, Icon::kNone);
+      if (list_unsaved) {
+        // Refused or not written, a message said why; the window stays open with the list.
+        if (!DownloadListMayBeSaved(session) || !WriteDownloadList(session)) return true;
+        Log(session, "Form_Unload - " + list + " saved");
+      }
+      session.shell.MessageBox(list_unsaved ? "Corvanet settings and " + list + " saved."
+                                            : std::string("Corvanet settings saved."),
+                               "Corvanet", Buttons::kOk, Icon::kNone);
       return false;
     case Answer::kCancel:
       Log(session, "Form_Unload - Exit canceled");

@@ -4,6 +4,7 @@
 #include <unordered_set>
 
 #include "core/download/retrieve.h"
+#include "core/lists/download_lists.h"
 #include "core/lists/symbols.h"
 #include "core/platform/field_reader.h"
 #include "core/platform/files.h"
@@ -149,9 +150,17 @@ void CheckLists(Session& session, const std::string& lists_folder,
       "the following symbols have been removed from your\r"
       "download lists:\r";
   bool removed = false;
+  bool shown_list_changed = false;
+  // Only the box of a list that holds what its file held may be read again: edits not yet saved
+  // are the user's, and stay.
+  const int shown = DownloadListUnsaved(session) ? 0 : CurrentListNumber(session);
   for (int n = 1; n <= 5; ++n) {
-    if (CheckOneList(session, lists_folder, n, master, report)) removed = true;
+    if (!CheckOneList(session, lists_folder, n, master, report)) continue;
+    removed = true;
+    if (n == shown && lists_folder == session.ui.PathToLists) shown_list_changed = true;
   }
+  // The box shows the list as it now is, not the symbols just removed from it.
+  if (shown_list_changed) LoadDownloadFile_Click(session);
   if (removed) {
     session.shell.MessageBox(report, "Corvanet Download Lists", Buttons::kOk, Icon::kExclamation);
   }

@@ -72,6 +72,12 @@ bool FetchAhead::ReadRecord(std::string& name, std::string& symbol) {
   return current_.whole;
 }
 
+bool FetchAhead::NextIsArriving() {
+  Fill();
+  return pool_ && !ahead_.empty() && ahead_.front().ticket != 0 &&
+         pool_->Begun(ahead_.front().ticket);
+}
+
 void FetchAhead::Fill() {
   // Without a pool the list is read one record at a time, as the walk reads it.
   const std::size_t records_ahead = pool_ ? kRecordsAhead : 1;
@@ -87,7 +93,8 @@ void FetchAhead::Fill() {
       list_ended_ = true;  // the walk stops at this record
       break;
     }
-    if (pool_) Plan(record);
+    // Once a stop is asked for, records are still read but nothing more is fetched.
+    if (pool_ && !StopRequested(session_)) Plan(record);
   }
 }
 

@@ -39,6 +39,10 @@ class FetchAhead {
   // The walk's reading of the list, with FieldReader's meaning.
   bool AtEnd();
   bool ReadRecord(std::string& name, std::string& symbol);
+  // Whether the whole file of the next record is already being fetched (or has arrived). Once the
+  // user has asked the run to stop no further fetch is started: the walk finishes only the
+  // datafiles whose files are on their way.
+  bool NextIsArriving();
 
   // The fetch RetrieveDataFile makes for the datafile of the record read last.
   FetchResult Fetch(const FetchRequest& request, const std::string& local_path);

@@ -62,11 +62,13 @@ bool IsValidMasterfile(const std::string& path, std::string& problem) {
   return true;
 }
 
-bool RefreshMasterfile(Session& session) {
+bool RefreshMasterfile(Session& session, FetchResult* answer) {
   LogEntry(session, "RefreshMasterfile");
   if (session.ui.UserName == "Enter username here") return false;
   const std::string name = session.app.MasterFileName;
-  if (!RetrieveDataFile(session, name, name).ok()) return false;
+  const FetchResult result = RetrieveDataFile(session, name, name);
+  if (answer != nullptr) *answer = result;
+  if (!result.ok()) return false;
   const std::string fetched = BaseFolder(session) + name;
   std::string problem;
   if (!IsValidMasterfile(fetched, problem)) {

@@ -73,9 +73,11 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
   std::string name;
   std::string symbol;
   while (!ahead.AtEnd()) {
+    // A stop lands between datafiles; those whose files were already arriving are finished and
+    // merged rather than thrown away.
     if (StopRequested(session)) {
       summary.stopped = true;
-      break;
+      if (!ahead.NextIsArriving()) break;
     }
     if (run.service_silent) {
       summary.service_silent = true;
@@ -99,10 +101,10 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
       summary.failures.push_back({symbol, run.DataPeriod, "symbol cannot be used in a file name"});
       continue;
     }
-    // The counter is shown one ahead of the datafiles started; kept so on purpose.
-    const std::string tail = std::to_string(run.DatafileCounter + 1) + " of " +
-                             std::to_string(run_total) + " Total Datafiles On List " +
-                             DownLoadType(session);
+    // The datafile in hand, counted among those walked, never past the run's total ("3 of 2").
+    const std::string tail = std::to_string(run.DatafileCounter) + " of " +
+                             std::to_string(std::max<int>(run_total, run.DatafileCounter)) +
+                             " Total Datafiles On List " + DownLoadType(session);
     ui.DownLoadButton.caption =
         run.DataPeriod +
         (ui.ForceFullDownload != 0 ? " Data - Now Downloading Full Datafile "

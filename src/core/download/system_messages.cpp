@@ -52,7 +52,8 @@ SystemMessage ReadSystemMessage(const std::string& path) {
   return message;
 }
 
-void RetrieveSystemMessages(Session& session, std::string_view elapsed, bool fetched) {
+void RetrieveSystemMessages(Session& session, std::string_view elapsed, bool fetched,
+                            const RunEnding& ending) {
   Log(session, "Retrieve system messages");
   SystemMessage message;
   if (!fetched) Log(session, "Retrieve system messages - not fetched this run; nothing shown");
@@ -68,12 +69,13 @@ void RetrieveSystemMessages(Session& session, std::string_view elapsed, bool fet
   const bool kind_one = message.kind == "1";
   if (session.ui.DownloadCompleteMessageYes) {
     const LocalDateTime now = session.clock.Now();
-    std::string text = message.text + "Update for " + DownLoadType(session) + " completed on " +
-                       FormatShortDate(now) + " at " + FormatTimeOfDay(now) +
+    std::string text = message.text + "Update for " + DownLoadType(session) + " " + ending.what +
+                       " on " + FormatShortDate(now) + " at " + FormatTimeOfDay(now) +
                        "\rElapsed Time = " + std::string(elapsed);
     if (!kind_one) {
-      session.shell.MessageBox(text, "Corvanet Download Complete", Buttons::kOk,
-                               Icon::kInformation);
+      session.shell.MessageBox(
+          text, ending.complete ? "Corvanet Download Complete" : "Corvanet Download Not Complete",
+          Buttons::kOk, ending.complete ? Icon::kInformation : Icon::kExclamation);
     } else {
       text += "\r\rDo you want to go to the web site now?\r";
       if (session.shell.MessageBox(text, "Corvanet System Message", Buttons::kYesNo,

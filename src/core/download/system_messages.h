@@ -20,9 +20,16 @@ std::string GetSystemMessageFileName(Session& session);
 std::string SystemMessageFileName(const Session& session);
 // Reads a message file; a missing or short file gives what it holds (an empty kind when none).
 SystemMessage ReadSystemMessage(const std::string& path);
+// How a run ended, as its completion message tells it.
+struct RunEnding {
+  std::string what = "completed";  // "completed", "finished with 2 failure(s)", "stopped"
+  bool complete = true;            // false: a warning icon, and a title that says so
+};
+
 // Shows the messages as the two option pairs ask, at the end of a run. When this run could not
 // fetch the message file (`fetched` false) the copy on disk is an old message: nothing of it is
 // shown, and it stays on disk.
-void RetrieveSystemMessages(Session& session, std::string_view elapsed, bool fetched = true);
+void RetrieveSystemMessages(Session& session, std::string_view elapsed, bool fetched = true,
+                            const RunEnding& ending = {});
 
 }  // namespace corvanet

@@ -27,6 +27,22 @@ bool IsDataFolderDatafile(std::string_view name) {
   return EndsWithIgnoreCase(name, "-CompositeStats.csv") || EqualsIgnoreCase(name, "temp.csv");
 }
 
+std::string ClearedText(int trashed, const std::string& trash_folder, int deleted,
+                        const std::string& data_folder) {
+  if (trashed == 0 && deleted == 0) return "There were no datafiles to clear in " + data_folder;
+  std::string text;
+  if (trashed > 0) {
+    text = std::to_string(trashed) + " datafile(s) of " + data_folder +
+           " were moved to the trash (" + trash_folder + "), where they can be restored.";
+  }
+  if (deleted > 0) {
+    text += (text.empty() ? "" : " ") + std::to_string(deleted) + " datafile(s) of " + data_folder +
+            " were deleted" +
+            (trashed > 0 ? " (the trash took no more)." : ": there is no trash to move them to.");
+  }
+  return text;
+}
+
 }  // namespace
 
 bool ClearDataFiles_Click(Session& session) {
@@ -60,13 +76,31 @@ bool ClearDataFiles_Click(Session& session) {
       Log(session, "ClearDataFiles_Click - cannot create " + folder + "temp.csv");
     }
   }
+  // Where the desktop has a trash the datafiles go there, so a click too many costs nothing; the
+  // empty temp.csv files are ours and are simply deleted.
+  int trashed = 0;
+  int deleted = 0;
+  std::string trash_folder;
+  const auto remove = [&](const std::string& path) {
+    std::string now_at;
+    if (!EndsWithIgnoreCase(path, "temp.csv") && session.shell.MoveToTrash(path, now_at)) {
+      ++trashed;
+      if (trash_folder.empty()) trash_folder = now_at.substr(0, now_at.find_last_of("/\\") + 1);
+      return true;
+    }
+    const bool gone = FileExists(path) && RemoveFile(path);
+    if (gone && !EndsWithIgnoreCase(path, "temp.csv")) ++deleted;
+    return gone || !FileExists(path);
+  };
   bool ok = true;
   for (std::size_t i = 0; i < folders.size(); ++i) {
-    if (!DeleteFilesIn(folders[i], i == 0 ? &IsDataFolderDatafile : &IsPeriodDatafile)) {
+    if (!RemoveFilesIn(folders[i], i == 0 ? &IsDataFolderDatafile : &IsPeriodDatafile, remove)) {
       Log(session, "ClearDataFiles_Click - not every file in " + folders[i] + " could be deleted");
       ok = false;
     }
   }
+  session.ui.StatusText = ClearedText(trashed, trash_folder, deleted, data_folder);
+  Log(session, "ClearDataFiles_Click - " + session.ui.StatusText);
   return ok;
 }
 

@@ -229,6 +229,7 @@ void DownloadList_Click(Session& session, int list_number) {
   ClearRunOutcome(session.ui);
   session.ui.SearchResult.clear();
   session.app.CurrentListNumber = std::to_string(list_number);
+  session.ui.SelectedList = list_number;
   LoadDownloadFile_Click(session);
   ChangeCaptionsOnButtons(session);
 }
@@ -255,6 +256,7 @@ void LoadDownloadFile_Click(Session& session) {
     }
   }
   if (reader.failed()) Log(session, "LoadDownloadFile_Click - read error in " + path);
+  session.app.ListItemsAsSaved = session.ui.List6.items;
   FixFullListPeriods(session.ui, n);
   ChangeCaptionsOnButtons(session);
 }
@@ -303,8 +305,14 @@ bool WriteDownloadList(Session& session) {
     ChangeCaptionsOnButtons(session);
     return false;
   }
+  session.app.ListItemsAsSaved = ui.List6.items;
   ChangeCaptionsOnButtons(session);
   return true;
+}
+
+bool DownloadListUnsaved(const Session& session) {
+  const int n = CurrentListNumber(session);
+  return n >= 1 && n <= 5 && session.ui.List6.items != session.app.ListItemsAsSaved;
 }
 
 bool OpenDownloadList(Session& session, FieldReader& reader) {

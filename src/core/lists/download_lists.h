@@ -50,6 +50,8 @@ bool DownloadListMayBeSaved(Session& session);
 // written (and without one when no vendor is chosen). The save button is
 // SaveDownloadList_Click (app/settings_buttons.h), which saves the settings first.
 bool WriteDownloadList(Session& session);
+// A user list is loaded and its box holds other items than its file as last read or written.
+bool DownloadListUnsaved(const Session& session);
 
 // Opens the issue source of the current list, positioned at its first issue: the list file past
 // its five header records for lists 1-5, the master file for lists 6 and 7.

@@ -81,10 +81,11 @@ bool IsInList(const ListBox& box, std::string_view text) {
 }
 
 std::string ShortenedIssueName(std::string_view name) {
-  const std::size_t bracket = name.find('(');
-  // Position counted from 1, or the length + 1 when there is no bracket; p - 2 characters stay.
-  const std::size_t p = bracket == std::string_view::npos ? name.size() + 1 : bracket + 1;
-  return std::string(name.substr(0, p < 2 ? 0 : p - 2));
+  // Cutting a fixed two characters before the bracket took the last letter of a name without one
+  // ("S&P 100 Inde"); a name keeps everything before its note.
+  std::string_view kept = name.substr(0, name.find('('));
+  while (!kept.empty() && kept.back() == ' ') kept.remove_suffix(1);
+  return std::string(kept);
 }
 
 bool AddByString_Click(Session& session) {

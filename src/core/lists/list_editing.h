@@ -34,8 +34,8 @@ void List6_DblClick(Session& session);
 inline constexpr int kDeleteKeyCode = 46;
 void List6_KeyUp(Session& session, int key_code);
 
-// The Move All rule: the name up to two characters before its first "(" (the blank and the note
-// go); without "(" the last character goes. Never negative: "(x)" gives "".
+// The Move All rule: the name before its first "(", without the blanks that stood before it (the
+// note goes); a name without "(" stays whole. "(x)" gives "".
 std::string ShortenedIssueName(std::string_view name);
 
 }  // namespace corvanet

@@ -223,6 +223,12 @@ FetchResult FetchPool::Commit(Ticket ticket) {
   return result;
 }
 
+bool FetchPool::Begun(Ticket ticket) const {
+  const std::lock_guard lock(state_->mutex);
+  const auto it = state_->jobs.find(ticket);
+  return it != state_->jobs.end() && it->second->stage != Job::Stage::kWaiting;
+}
+
 void FetchPool::Cancel(Ticket ticket) {
   std::unique_ptr<Job> dropped;  // destroyed outside the lock: removing its file takes a moment
   {

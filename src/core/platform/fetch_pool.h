@@ -30,6 +30,8 @@ class FetchPool {
   FetchResult Commit(Ticket ticket);
   // Drops a fetch that will not be committed: its transfer is stopped, its body removed.
   void Cancel(Ticket ticket);
+  // Whether the fetch has left the queue: its transfer is under way or has ended.
+  bool Begun(Ticket ticket) const;
   int connections() const;
 
  private:

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include "core/platform/file_access.h"
 
@@ -79,20 +80,28 @@ bool CreateFolders(const std::string& path) {
 }
 
 bool DeleteFilesIn(const std::string& folder, bool (*wanted)(std::string_view name), int* deleted) {
+  return RemoveFilesIn(folder, wanted, [deleted](const std::string& path) {
+    std::error_code ec;
+    const bool removed = fs::remove(path, ec);
+    if (removed && deleted != nullptr) ++*deleted;
+    return removed || !ec;
+  });
+}
+
+bool RemoveFilesIn(const std::string& folder, bool (*wanted)(std::string_view name),
+                   const std::function<bool(const std::string& path)>& remove) {
   std::error_code ec;
   fs::directory_iterator it(folder, ec);
   if (ec) return false;
-  bool ok = true;
+  // Listed first: a removal while the folder is read could make the listing skip a file.
+  std::vector<std::string> paths;
   for (const auto& entry : it) {
     std::error_code entry_ec;
     if (!entry.is_regular_file(entry_ec) && !entry.is_symlink(entry_ec)) continue;
-    if (!wanted(entry.path().filename().string())) continue;
-    if (fs::remove(entry.path(), entry_ec)) {
-      if (deleted != nullptr) ++*deleted;
-    } else if (entry_ec) {
-      ok = false;
-    }
+    if (wanted(entry.path().filename().string())) paths.push_back(entry.path().string());
   }
+  bool ok = true;
+  for (const std::string& path : paths) ok = remove(path) && ok;
   return ok;
 }
 

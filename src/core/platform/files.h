@@ -2,6 +2,7 @@
 // File operations. Whole-file writes go through AtomicFileWriter (atomic_file_writer.h), so a
 // failure (or a killed process) leaves the old file.
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -31,6 +32,10 @@ bool CreateFolders(const std::string& path);
 // False when the folder is missing or a wanted file could not be deleted.
 bool DeleteFilesIn(const std::string& folder, bool (*wanted)(std::string_view name),
                    int* deleted = nullptr);
+// The same with another way to remove a file (a move to the trash): `remove` is given each wanted
+// file's path and says whether it went.
+bool RemoveFilesIn(const std::string& folder, bool (*wanted)(std::string_view name),
+                   const std::function<bool(const std::string& path)>& remove);
 // Why the program must never delete files in `folder`: it is the root of the file system, the
 // home folder, the installation's base folder or a folder above it (links resolved first).
 // Empty when deleting there is allowed.

@@ -6,8 +6,8 @@
 
 namespace corvanet {
 
-Answer HeadlessShell::MessageBox(std::string_view text, std::string_view /*title*/, Buttons buttons,
-                                 Icon /*icon*/) {
+Answer HeadlessShell::ShowMessageBox(std::string_view text, std::string_view /*title*/,
+                                     Buttons buttons, Icon /*icon*/) {
   for (const char c : text) out_ << (c == '\r' ? '\n' : c);
   out_ << "\n\n";
   out_.flush();

@@ -12,8 +12,8 @@ class HeadlessShell final : public Shell {
   HeadlessShell(std::ostream& out, bool answer_yes, std::string program_folder = {})
       : out_(out), answer_yes_(answer_yes), program_folder_(std::move(program_folder)) {}
 
-  Answer MessageBox(std::string_view text, std::string_view title, Buttons buttons,
-                    Icon icon) override;
+  Answer ShowMessageBox(std::string_view text, std::string_view title, Buttons buttons,
+                        Icon icon) override;
   bool OpenDocument(std::string_view target) override;
   BatchProcess StartHidden(const std::string& batch_file, const std::string& working_folder,
                            const std::vector<std::string>& environment) override;

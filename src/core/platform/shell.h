@@ -1,6 +1,7 @@
 #pragma once
 // What the program asks of the desktop: message boxes and questions, opening a document or an
 // address, and starting a process with no window. The window and the command line each provide one.
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,9 +20,21 @@ inline constexpr std::string_view kDefaultTitle = "Corvanet";
 class Shell {
  public:
   virtual ~Shell() = default;
-  // `text` may hold carriage returns as line breaks.
-  virtual Answer MessageBox(std::string_view text, std::string_view title, Buttons buttons,
-                            Icon icon) = 0;
+  // Shows a message box and waits for the answer; `text` may hold carriage returns as line breaks.
+  // While messages are diverted, the divert gets the text instead and the box's escape answer is
+  // given (No, Cancel or OK).
+  Answer MessageBox(std::string_view text, std::string_view title, Buttons buttons, Icon icon) {
+    if (divert_) {
+      divert_(text, title);
+      return buttons == Buttons::kOk      ? Answer::kOk
+             : buttons == Buttons::kYesNo ? Answer::kNo
+                                          : Answer::kCancel;
+    }
+    return ShowMessageBox(text, title, buttons, icon);
+  }
+  // For an unattended run, which no one is there to answer; an empty function ends the divert.
+  using MessageDivert = std::function<void(std::string_view text, std::string_view title)>;
+  void DivertMessages(MessageDivert divert) { divert_ = std::move(divert); }
   // Opens a document or web address with the system's associated program; false on failure.
   virtual bool OpenDocument(std::string_view target) = 0;
   // Starts a batch file in `working_folder` with no window and does not wait for it;
@@ -37,8 +50,19 @@ class Shell {
   // path, or "" when the user cancelled or no file could be offered.
   virtual std::string ChooseFile(const std::string& folder, std::string_view pattern) = 0;
 
+  // Moves a file to the desktop's trash, leaving in `now_at` where it went. False where there is
+  // no trash or the move failed; the file is then where it was.
+  virtual bool MoveToTrash(const std::string& /*path*/, std::string& /*now_at*/) { return false; }
+
   // A message with an OK button and the default title.
   void Notify(std::string_view text) { MessageBox(text, kDefaultTitle, Buttons::kOk, Icon::kNone); }
+
+ protected:
+  virtual Answer ShowMessageBox(std::string_view text, std::string_view title, Buttons buttons,
+                                Icon icon) = 0;
+
+ private:
+  MessageDivert divert_;
 };
 
 }  // namespace corvanet

@@ -29,6 +29,8 @@ struct AppState {
   std::string LogDetail = "Not Set";
   int RunListNum = 0;  // list of an unattended run; 0 for an interactive start
   std::string CurrentListNumber = "0";
+  // The download list's items as its file held them when last read or written.
+  std::vector<std::string> ListItemsAsSaved;
   std::string MasterFileName;
   std::string DataSetURL;
 };

@@ -20,6 +20,9 @@ void ClearRunOutcome(WindowState& ui) {
   ui.RunSummaryLines.clear();
   ui.RunFailed = false;
   ui.RunProblems = {"", false};
+  // A bar left at the last run's end would pass for the progress of the list now shown.
+  ui.ProgressBar1.value = ui.ProgressBar1.minimum;
+  ui.ProgressBar1.visible = false;
 }
 
 }  // namespace corvanet

@@ -142,6 +142,7 @@ struct WindowState {
   // What the last "select" search found, so a search without a match does not pass unnoticed.
   std::string SearchResult;
   ControlView ButtonBarFrame{"Select a Download List"};
+  int SelectedList = 0;  // the list whose button was clicked last (CurrentListNumber), marked on it
   ProgressBar ProgressBar1;
   ControlView FullPath{"/ovalith/data/"};
 
@@ -165,7 +166,7 @@ struct WindowState {
 // A check box's value as the settings file and the settings report write it: " 1" / " 0".
 std::string CheckText(int value);
 
-// Back to the state before any run; the list in hand has not been run yet.
+// Back to the state before any run, progress bar included; the list in hand has not been run yet.
 void ClearRunOutcome(WindowState& ui);
 
 }  // namespace corvanet

@@ -30,6 +30,7 @@ std::string QuotedExec(const std::string& path) {
   std::string quoted = "\"";
   for (const char c : path) {
     if (c == '"' || c == '`' || c == '$' || c == '\\') quoted += '\\';
+    if (c == '%') quoted += '%';  // a field code otherwise
     quoted += c;
   }
   return quoted + '"';
@@ -86,9 +87,27 @@ std::string ShortcutPath() {
   return DesktopFolder() + "Palvery.desktop";
 }
 
+std::string ShortcutIconPath(const Session& session) {
+  return session.app.ProgramDirectory + "corvanet.svg";
+}
+
+// The program's icon beside the installation's own files, where the shortcut can name it wherever
+// the program was built or installed.
+bool EnsureShortcutIcon(const Session& session) {
+  const std::string path = ShortcutIconPath(session);
+  if (FileExists(path)) return true;
+  for (const EmbeddedFile& file : EmbeddedResources()) {
+    if (file.relative_path == "desktop/corvanet.svg") return WriteWholeFile(path, file.content);
+  }
+  return false;
+}
+
 bool CreateShortcut_Click(Session& session) {
   LogEntry(session, "CreateShortcut_Click");
   const std::string path = ShortcutPath();
+  if (!EnsureShortcutIcon(session)) {
+    Log(session, "CreateShortcut_Click - cannot lay out " + ShortcutIconPath(session));
+  }
   // Desktop entries are read line by line up to LF; a CR would become part of each value.
   const std::string entry =
       "[Desktop Entry]\n"
@@ -96,7 +115,11 @@ bool CreateShortcut_Click(Session& session) {
       "Name=Corvanet\n"
       "Comment=Keeps market-breadth datafiles current\n"
       "Exec=" +
-      QuotedExec(ExecutableFolder() + "corvanet") +
+      QuotedExec(ExecutableFolder() + "corvanet") + " --base-dir " +
+      QuotedExec(session.app.BaseDirectory) +
+      "\n"
+      "Icon=" +
+      ShortcutIconPath(session) +
       "\n"
       "Terminal=false\n"
       "Categories=Office;Finance;\n";

@@ -13,8 +13,9 @@ void Help_Click(Session& session);
 void OpenMetaStock_Click(Session& session);
 // Offers the sample datafiles of ProgramDirectory + "SampleData" and opens the one chosen.
 void OpenSampleDirectory_Click(Session& session);
-// Writes a desktop entry that starts the window, in the user's desktop folder, replacing an old
-// one. False (with a message) when it could not.
+// Writes a desktop entry that starts the window on this installation (its --base-dir), with the
+// program's icon, in the user's desktop folder, replacing an old one. False (with a message) when
+// it could not.
 bool CreateShortcut_Click(Session& session);
 // Opens an address with the desktop's opener; a failure is ignored.
 void GoToURL(Session& session, const std::string& address);
@@ -24,5 +25,7 @@ std::string SampleDataFolder(const Session& session);
 bool EnsureSampleData(const Session& session);
 // Where CreateShortcut_Click puts the desktop entry.
 std::string ShortcutPath();
+// The icon the desktop entry names, laid out in ProgramDirectory.
+std::string ShortcutIconPath(const Session& session);
 
 }  // namespace corvanet
