@@ -97,11 +97,6 @@ TEST_F(GuiDownloadPage, ListButtonsReshapeTheListActions) {
   EXPECT_TRUE(Find<QWidget>("DailyInterval")->isEnabled());
 }
 
-}  // namespace
-}  // namespace corvanet::test
-
-namespace corvanet::test {
-namespace {
 
 // What the page shows of the list in hand: which list it is, its whole names and symbols, and no
 // progress or result of another list.

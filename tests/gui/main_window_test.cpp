@@ -132,11 +132,6 @@ TEST_F(GuiWindow, KeepsTheProgramsOwnTextsAndButtons) {
   EXPECT_TRUE(messages.empty()) << "clearing asks nothing";
 }
 
-}  // namespace
-}  // namespace corvanet::test
-
-namespace corvanet::test {
-namespace {
 
 // Clearing moves the datafiles to the desktop's trash where there is one, and deletes them where
 // there is none; either way the status line says how many went and where.
