@@ -10,7 +10,7 @@ import re
 import sys
 
 # Bottom to top; a folder may include from its own folder and from those before it.
-LAYERS = ["platform", "state", "ui", "lists", "download", "stats", "pricefiles", "app"]
+LAYERS = ["platform", "state", "ui", "lists", "download", "stats", "indicators", "pricefiles", "app"]
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*"core/([^/"]+)/')
 
