@@ -6,6 +6,8 @@
 
 #include "cli/cli.h"
 #include "cli/schedule_units.h"
+#include "core/indicators/indicator_table.h"
+#include "core/indicators/symbol_datafile.h"
 #include "core/platform/paths.h"
 
 namespace corvanet::cli {
@@ -58,6 +60,23 @@ CLI::Validator DaysValidator() {
                    : "expected days such as mon-fri, sat,sun or daily, not " + text;
       },
       "DAYS");
+}
+
+CLI::Validator PeriodValidator() {
+  return CLI::Validator(
+      [](std::string& text) -> std::string {
+        return PeriodOfLetterOrName(text).empty() ? "expected D, W, M or Q, not " + text : "";
+      },
+      "D|W|M|Q");
+}
+
+CLI::Validator DateValidator() {
+  return CLI::Validator(
+      [](std::string& text) -> std::string {
+        std::int32_t date = 0;
+        return ParseBarDate(text, date) ? "" : "expected YYYY-MM-DD or YYYYMMDD, not " + text;
+      },
+      "DATE");
 }
 
 void AddListNumber(CLI::App& command, int& list, const std::string& what) {
@@ -133,8 +152,28 @@ void AddCommands(CLI::App& app, CommandLine& line) {
           ->type_name("1-7");
   show->excludes(at)->excludes(remove);
   remove->excludes(at);
+  CLI::App* indicators = AddCommand(
+      app, "indicators", "Print the breadth indicators of a datafile as CSV",
+      "One row per bar of the datafile of SYMBOL (as a download list names it, e.g. $NYA): its\n"
+      "date (YYYYMMDD), then each indicator; an empty field where an indicator has no value.\n"
+      "The indicators are worked out from the file's first bar whatever range is printed.\n"
+      "Names: NetAdvances ADLine McClellanOscillator SummationIndex McClellanRatioAdjusted\n"
+      "SummationRatioAdjusted NetNewHighs HighLowIndex ShareAbove4ma ShareAbove9ma\n"
+      "ShareAbove18ma ShareAbove30ma ShareAbove200ma UpDownVolumeRatio TRIN.\n"
+      "The help page Indicators.htm gives each formula.");
+  IndicatorsRequest& wanted = line.indicators;
+  indicators->add_option("SYMBOL", wanted.symbol, "the composite")->required();
+  indicators->add_option("--period", wanted.period, "the datafile's period (default D)")
+      ->check(PeriodValidator());
+  indicators->add_option("--from", wanted.from, "the first date printed")->check(DateValidator());
+  indicators->add_option("--to", wanted.to, "the last date printed")->check(DateValidator());
+  indicators->add_option("--last", wanted.last, "only the last N bars of that range")
+      ->check(CLI::PositiveNumber.description(""))
+      ->type_name("N");
+  indicators->add_option("--only", wanted.only, "these indicators, in this order")
+      ->type_name("NAME,...");
 
-  for (CLI::App* command : {clear, list, refresh, run, settings, stats, schedule}) {
+  for (CLI::App* command : {clear, list, refresh, run, settings, stats, schedule, indicators}) {
     command->callback([&line, command] { line.command = command->get_name(); });
     command->fallthrough();
   }

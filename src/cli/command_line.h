@@ -1,6 +1,7 @@
 #pragma once
 // The command line of corvanet-cli, read by CLI11: global options, one command and its arguments.
 // Help, the version and usage errors end here, before anything of the installation is touched.
+#include <cstddef>
 #include <iosfwd>
 #include <string>
 #include <string_view>
@@ -15,6 +16,15 @@ struct ScheduleRequest {
   int remove = 0;     // --remove N
 };
 
+struct IndicatorsRequest {
+  std::string symbol;
+  std::string period = "D";  // a letter or a period's name
+  std::string from;          // a date as ParseBarDate reads it; "" = the first bar
+  std::string to;
+  std::size_t last = 0;  // 0 = every bar of the range
+  std::string only;      // indicator names, comma-separated; "" = all
+};
+
 struct CommandLine {
   std::string base_directory;  // with a trailing separator; "" = the default
   bool log = false;
@@ -24,6 +34,7 @@ struct CommandLine {
   int list = 0;                    // the list number of run, stats, list and schedule
   std::vector<std::string> words;  // list edits, settings pairs
   ScheduleRequest schedule;
+  IndicatorsRequest indicators;
 };
 
 // The exit statuses, one line each, as --help and the manual page show them.

@@ -16,6 +16,7 @@ const CommandDef kCommands[] = {
     {"settings", &SettingsCommand},
     {"stats", &StatsCommand},
     {"schedule", &ScheduleCommand},
+    {"indicators", &IndicatorsCommand},
 };
 }  // namespace
 

@@ -33,6 +33,7 @@ int RefreshMasterfileCommand(CommandContext& context, const CommandLine& line);
 int ListCommand(CommandContext& context, const CommandLine& line);
 int ClearDatafilesCommand(CommandContext& context, const CommandLine& line);
 int ScheduleCommand(CommandContext& context, const CommandLine& line);
+int IndicatorsCommand(CommandContext& context, const CommandLine& line);
 // The unattended run of RunListNum.
 int RunAutomated(CommandContext& context);
 // No command: the installation's summary.
