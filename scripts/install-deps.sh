@@ -9,6 +9,8 @@ packages=(
   libgtest-dev libgmock-dev
   libcurl4-openssl-dev libcpp-httplib-dev libcli11-dev
   qt6-base-dev
+  # The chart page; its CMake package needs the OpenGL one, which it does not pull in.
+  qt6-charts-dev libqt6opengl6-dev
   xvfb xauth
   python3 time
   clang-format

@@ -47,7 +47,7 @@ int IndicatorsCommand(CommandContext& context, const CommandLine& line) {
     return UsageError(context, kCommand, problem);
   }
   const std::string_view period = PeriodOfLetterOrName(request.period);
-  const std::string path = FindSymbolDatafile(context.session, period, request.symbol);
+  const std::string path = FindSymbolDatafile(context.session.ui, period, request.symbol);
   if (path.empty()) {
     context.err << "corvanet-cli indicators: there is no " << period << " datafile of "
                 << request.symbol << " in " << context.session.ui.PathToDataFiles << period

@@ -12,6 +12,7 @@
 #include "core/app/first_masterfile.h"
 #include "core/app/run_outcome.h"
 #include "core/app/startup.h"
+#include "gui/chart_page.h"
 
 namespace corvanet::gui {
 
@@ -38,8 +39,10 @@ MainWindow::MainWindow(Session& session, QWidget* parent)
   pages_ = {MakeIntroductionPage(*this), MakeSetupPage(*this), MakeGeneralPage(*this),
             MakeDownloadPage(*this), MakeSpecialPage(*this)};
   for (Page* page : pages_) tabs_->addTab(page, QString());
+  chart_ = AddChartPage(*this, *tabs_, session_.app.ProgramDirectory);
   connect(tabs_, &QTabWidget::currentChanged, this, [this](int index) {
-    if (Session* idle = IdleSession()) idle->ui.CurrentTab = index;
+    Session* idle = IdleSession();
+    if (idle != nullptr && index < kTabCount) idle->ui.CurrentTab = index;
   });
   setCentralWidget(tabs_);
   status_->setObjectName("StatusText");
@@ -87,6 +90,7 @@ void MainWindow::Render(const WindowState& state) {
   }
   shown_tab_ = state.CurrentTab;
   for (Page* page : pages_) page->Render(state);
+  chart_->Render(state);
 }
 
 void MainWindow::ShowStatus() {

@@ -18,6 +18,8 @@ class QTabWidget;
 
 namespace corvanet::gui {
 
+class ChartPage;
+
 class MainWindow final : public QMainWindow, public PageHost {
   Q_OBJECT
 
@@ -43,6 +45,7 @@ class MainWindow final : public QMainWindow, public PageHost {
 
   bool running() const { return running_; }
   QTabWidget* tabs() const { return tabs_; }
+  ChartPage* chart() const { return chart_; }
   StateObserver& observer() { return observer_; }
 
  signals:
@@ -67,6 +70,7 @@ class MainWindow final : public QMainWindow, public PageHost {
   QueuedStateObserver observer_;
   QTabWidget* tabs_;
   std::array<Page*, kTabCount> pages_{};
+  ChartPage* chart_;  // a tab after the window's own, outside WindowState's tabs
   QLabel* version_;
   QLabel* status_;
   QPushButton* stop_;

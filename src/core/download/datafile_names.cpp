@@ -56,7 +56,11 @@ std::string DestinationPath(const Session& session) {
 
 std::string DestinationPathAhead(const Session& session, std::string_view period,
                                  std::string_view listed_symbol) {
-  const WindowState& ui = session.ui;
+  return DestinationPathAhead(session.ui, period, listed_symbol);
+}
+
+std::string DestinationPathAhead(const WindowState& ui, std::string_view period,
+                                 std::string_view listed_symbol) {
   if (ui.VendorOther) {
     return DestinationPathOf(
         ui, period, ServiceForm(listed_symbol) + std::string(period) + "-CompositeStats.csv");

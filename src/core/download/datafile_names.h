@@ -26,5 +26,8 @@ std::string DestinationPath(const Session& session);
 // worked out without the run state or log lines, for the look ahead of the walk.
 std::string DestinationPathAhead(const Session& session, std::string_view period,
                                  std::string_view listed_symbol);
+// The same from the window's state alone, for a front end that holds a copy of it.
+std::string DestinationPathAhead(const WindowState& ui, std::string_view period,
+                                 std::string_view listed_symbol);
 
 }  // namespace corvanet

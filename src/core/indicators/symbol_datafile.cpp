@@ -14,13 +14,12 @@ std::string_view PeriodOfLetterOrName(std::string_view text) {
   return {};
 }
 
-std::string FindSymbolDatafile(const Session& session, std::string_view period,
+std::string FindSymbolDatafile(const WindowState& ui, std::string_view period,
                                std::string_view symbol) {
   if (symbol.empty() || !IsSafeFileNamePart(symbol)) return {};
-  const std::string listed = DestinationPathAhead(session, period, symbol);
+  const std::string listed = DestinationPathAhead(ui, period, symbol);
   if (FileExists(listed)) return listed;
-  const std::string typed =
-      session.ui.PathToDataFiles + Folder(period) + std::string(symbol) + ".csv";
+  const std::string typed = ui.PathToDataFiles + Folder(period) + std::string(symbol) + ".csv";
   return FileExists(typed) ? typed : std::string();
 }
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/state/session.h"
+#include "core/state/window_state.h"
 
 namespace corvanet {
 
@@ -13,7 +13,7 @@ std::string_view PeriodOfLetterOrName(std::string_view text);
 // The datafile of `symbol` in `period` ("Daily" ...) as a run names it: the listed symbol in the
 // vendor's form, else, for a symbol typed in the file's own form, that name. "" when the symbol
 // cannot be a file name or neither file exists.
-std::string FindSymbolDatafile(const Session& session, std::string_view period,
+std::string FindSymbolDatafile(const WindowState& ui, std::string_view period,
                                std::string_view symbol);
 
 }  // namespace corvanet
