@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QStandardPaths>
 #include <QTabWidget>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include "core/download/datafile_names.h"
@@ -22,6 +23,8 @@
 namespace corvanet::gui {
 
 namespace {
+
+constexpr double kPaneMargin = 4;
 
 QString Text(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
@@ -303,6 +306,28 @@ void ChartPage::DrawPane(std::size_t i) {
 void ChartPage::SetWindow(TimeWindow window) {
   window_ = window;
   for (ChartPane* pane : panes_) pane->SetWindow(window);
+  AlignPanes();
+}
+
+void ChartPage::AlignPanes() {
+  // The value labels of each pane take their own width; the widest sets where every plot begins.
+  double left = 0;
+  double right = 0;
+  for (ChartPane* pane : panes_) {
+    if (pane->isHidden()) continue;
+    const auto [left_room, right_room] = pane->LabelRoom();
+    left = std::max(left, left_room);
+    right = std::max(right, right_room);
+  }
+  for (ChartPane* pane : panes_) {
+    if (!pane->isHidden()) pane->SetPlotEdges(left + kPaneMargin, right + kPaneMargin);
+  }
+}
+
+void ChartPage::resizeEvent(QResizeEvent* event) {
+  Page::resizeEvent(event);
+  // After the panes have been laid out at their new size.
+  QTimer::singleShot(0, this, [this] { AlignPanes(); });
 }
 
 void ChartPage::ZoomAt(double anchor, double factor) {

@@ -52,6 +52,7 @@ class ChartPage final : public Page {
 
  protected:
   void showEvent(QShowEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   void BuildControls();
@@ -61,6 +62,7 @@ class ChartPage final : public Page {
   void DrawPrice();
   void DrawPane(std::size_t i);
   void SetWindow(TimeWindow window);
+  void AlignPanes();
   void ChoiceChanged();
 
   std::string choice_file_;

@@ -15,6 +15,7 @@ namespace corvanet::gui {
 namespace {
 
 constexpr double kWheelStep = 0.8;  // the share of the view one wheel notch keeps
+constexpr int kMargin = 4;
 const QColor kLineColour(0x0d, 0x47, 0xa1);
 const QColor kUpColour(0x1b, 0x5e, 0x20);
 const QColor kDownColour(0xb7, 0x1c, 0x1c);
@@ -91,7 +92,7 @@ ChartPane::ChartPane(const QString& name, QWidget* parent)
   setObjectName(name);
   auto* chart = new QChart;
   chart->legend()->hide();
-  chart->setMargins(QMargins(4, 2, 4, 2));
+  chart->setMargins(QMargins(kMargin, 2, kMargin, 2));
   chart->layout()->setContentsMargins(0, 0, 0, 0);
   chart->setBackgroundRoundness(0);
   series_->setPen(QPen(kLineColour, 1.2));
@@ -120,6 +121,10 @@ ChartPane::ChartPane(const QString& name, QWidget* parent)
     if (bars_visible_) bars_->SetView(window_, shown_);
     SetCrossHair(cross_hair_time_);
   });
+}
+
+QSize ChartPane::sizeHint() const {
+  return {480, 120};
 }
 
 void ChartPane::Show(const QString& title, std::span<const double> times,
@@ -164,14 +169,34 @@ void ChartPane::SetWindow(TimeWindow window) {
   } else {
     span = ValueSpanIn(times_, values_, window);
   }
-  shown_ = span.value_or(ValueSpan{0, 1});
+  // Round ticks move the ends a little; the bars are drawn on the axis as it then stands. A tick
+  // for every 30 pixels or so keeps the labels legible in a short pane.
+  const int ticks = std::clamp(static_cast<int>(chart()->plotArea().height() / 30) + 1, 3, 8);
+  const NiceScale scale = NiceScaleOf(span.value_or(ValueSpan{0, 1}), ticks);
+  shown_ = scale.span;
   value_axis_->setRange(shown_.low, shown_.high);
+  value_axis_->setTickCount(scale.ticks);
   if (bars_visible_) bars_->SetView(window, shown_);
   SetCrossHair(cross_hair_time_);
 }
 
 void ChartPane::SetDateLabelsVisible(bool visible) {
   time_axis_->setLabelsVisible(visible);
+}
+
+std::pair<double, double> ChartPane::LabelRoom() const {
+  chart()->layout()->activate();  // the labels of a range just set
+  const QRectF area = chart()->plotArea();
+  const QMargins margins = chart()->margins();
+  return {area.left() - margins.left(), chart()->size().width() - area.right() - margins.right()};
+}
+
+void ChartPane::SetPlotEdges(double left, double right) {
+  const auto [left_room, right_room] = LabelRoom();
+  QMargins margins = chart()->margins();
+  margins.setLeft(std::max(0, static_cast<int>(std::lround(left - left_room))));
+  margins.setRight(std::max(0, static_cast<int>(std::lround(right - right_room))));
+  if (margins != chart()->margins()) chart()->setMargins(margins);
 }
 
 void ChartPane::SetCrossHair(std::optional<double> time) {

@@ -6,6 +6,7 @@
 #include <QGraphicsItem>
 #include <functional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "core/indicators/chart_model.h"
@@ -52,8 +53,16 @@ class ChartPane final : public QChartView {
   // Sets the time axis and scales the value axis to what is in view.
   void SetWindow(TimeWindow window);
   void SetDateLabelsVisible(bool visible);
+  // The room the value labels take left of the plot area and the dates right of it, in pixels.
+  std::pair<double, double> LabelRoom() const;
+  // Margins that put the plot area's left and right edges `left` and `right` pixels from the
+  // pane's edges (when the labels leave that much room), so panes stacked up line up.
+  void SetPlotEdges(double left, double right);
   // The cross-hair's vertical line at a time; hidden for nullopt.
   void SetCrossHair(std::optional<double> time);
+
+  // Small, so the page shares out its height rather than asking to scroll.
+  QSize sizeHint() const override;
 
   QLineSeries* series() const { return series_; }
   QDateTimeAxis* time_axis() const { return time_axis_; }

@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
@@ -19,6 +20,7 @@
 #include "core/app/startup.h"
 #include "core/platform/clock.h"
 #include "core/platform/http.h"
+#include "gui/chart_page.h"
 #include "gui/main_window.h"
 #include "gui/qt_shell.h"
 
@@ -133,6 +135,23 @@ class Tour {
   MainWindow& w_;
 };
 
+// The chart of the first datafile the run brought in, zoomed to its last months, the cross-hair on
+// a bar.
+void ShowChart(Tour& t, MainWindow& w) {
+  auto* list = t.Find<QListWidget>("List6");
+  if (list == nullptr || list->count() == 0) return;
+  corvanet::gui::ChartPage* chart = w.chart();
+  w.tabs()->setCurrentWidget(chart);
+  corvanet::ChartChoice choice;
+  choice.symbol = corvanet::SymbolOfListItem(list->item(0)->text().toStdString());
+  choice.panes = {"ADLine", "McClellanOscillator", "ShareAbove200ma"};
+  chart->SetChoice(choice);
+  const corvanet::TimeWindow whole = chart->window();
+  chart->ZoomAt(whole.last, 0.4);
+  chart->HoverAt(chart->window().first + chart->window().width() * 0.6);
+  t.Shot("15-chart");
+}
+
 void TakeTheTour(const Options& o, MainWindow& w) {
   Tour t(o, w);
   const char* page_names[] = {"introduction", "setup", "general", "download", "special"};
@@ -175,6 +194,7 @@ void TakeTheTour(const Options& o, MainWindow& w) {
   });
   t.Faults("");
   t.Shot("09-download-complete");
+  ShowChart(t, w);
 
   t.Click("DownloadList7");
   t.Shot("10-download-all-periods-after-list-1");

@@ -150,6 +150,22 @@ std::optional<ValueSpan> ValueSpanIn(std::span<const double> times, std::span<co
   return span;
 }
 
+NiceScale NiceScaleOf(ValueSpan span, int max_ticks) {
+  max_ticks = std::max(max_ticks, 2);
+  const double range = span.high - span.low;
+  if (!(range > 0) || !std::isfinite(range)) return {span, 2};
+  const double rough = range / (max_ticks - 1);
+  const double power = std::pow(10.0, std::floor(std::log10(rough)));
+  for (const double factor : {1.0, 2.0, 2.5, 5.0, 10.0, 20.0}) {
+    const double step = factor * power;
+    const double low = std::floor(span.low / step) * step;
+    const double high = std::ceil(span.high / step) * step;
+    const int ticks = static_cast<int>(std::lround((high - low) / step)) + 1;
+    if (ticks <= max_ticks) return {{low, high}, ticks};
+  }
+  return {span, 2};
+}
+
 std::string CrossHairText(std::int32_t date, std::span<const NamedValue> values) {
   const std::string digits = std::to_string(date);
   std::string text = digits.size() == 8 ? digits.substr(0, 4) + "-" + digits.substr(4, 2) + "-" +

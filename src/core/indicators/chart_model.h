@@ -71,6 +71,14 @@ struct ValueSpan {
 std::optional<ValueSpan> ValueSpanIn(std::span<const double> times, std::span<const double> values,
                                      TimeWindow window);
 
+// The span widened to round ticks (1, 2, 2.5 or 5 times a power of ten apart), at most `max_ticks`
+// of them (at least 2), so a short pane does not crowd its labels.
+struct NiceScale {
+  ValueSpan span;
+  int ticks = 2;
+};
+NiceScale NiceScaleOf(ValueSpan span, int max_ticks);
+
 // "2024-01-02  Close 4512.25  ADLine 120": the cross-hair's reading of one bar, "-" for a series
 // without a value there.
 struct NamedValue {

@@ -110,5 +110,26 @@ TEST(ValueSpanTest, OnlyTheBarsInViewWithARim) {
   EXPECT_GT(flat->high, 100);
 }
 
+TEST(NiceScaleTest, RoundTicksNoMoreThanAsked) {
+  const struct Case {
+    ValueSpan span;
+    int max_ticks;
+    ValueSpan expected;
+    int ticks;
+  } cases[] = {
+      {{6870, 8470}, 5, {6500, 8500}, 5},   // 500 apart
+      {{6870, 8470}, 3, {6000, 10000}, 3},  // 1500 is no round step
+      {{-0.3, 0.7}, 6, {-0.5, 0.75}, 6},    // the finest step that fits: .2 would need seven
+      {{45.2, 61.9}, 4, {40, 70}, 4},      {{5, 5}, 5, {5, 5}, 2},  // nothing to scale
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.span.low);
+    const NiceScale scale = NiceScaleOf(c.span, c.max_ticks);
+    EXPECT_DOUBLE_EQ(scale.span.low, c.expected.low);
+    EXPECT_DOUBLE_EQ(scale.span.high, c.expected.high);
+    EXPECT_EQ(scale.ticks, c.ticks);
+  }
+}
+
 }  // namespace
 }  // namespace corvanet::test
