@@ -84,7 +84,15 @@ metastock_section() {
   BUILD="$build" bash "$here/metastock_bench.sh" "${COMPOSITES:-300}" "${YEARS:-10}"
 }
 
-sections=${BENCH_SECTIONS:-"check_lists download scaling stat_files metastock"}
+# --- Chart page and indicator table ---------------------------------------------------------------
+# Ten years of daily bars (BARS, default 2600): the `indicators` table, the chart's price and three
+# indicator panes drawn after the file is read, one pane switched. Offscreen, best of ten.
+chart_section() {
+  echo "chart and indicators:"
+  "$bin/chart_bench" "${BARS:-2600}" 2>/dev/null | sed 's/^/  /'
+}
+
+sections=${BENCH_SECTIONS:-"check_lists download scaling stat_files metastock chart"}
 for section in $sections; do
   "${section}_section"
 done

@@ -3,10 +3,23 @@
 #include <algorithm>
 #include <charconv>
 #include <chrono>
+#include <cmath>
 
 #include "core/stats/value_text.h"
 
 namespace corvanet {
+
+namespace {
+
+// Four decimals are more than any reading of these indicators needs, and a value so rounded is
+// written by the number rule's quick path: the full fifteen digits of every average cost the
+// table nine tenths of its time.
+double TableValue(double value) {
+  constexpr double kScale = 1e4;
+  return std::abs(value) < 1e11 ? std::round(value * kScale) / kScale : value;
+}
+
+}  // namespace
 
 ColumnSet ColumnsOfSeries(std::string_view name) {
   if (const IndicatorDef* def = FindIndicator(name)) return ColumnsOf(def->indicator);
@@ -57,7 +70,7 @@ std::string IndicatorTable(const DatafileSeries& series, const IndicatorTableOpt
     out.append(digits, end);
     for (const std::vector<double>& column : values) {
       out += ',';
-      if (HasValue(column[i])) AppendValue(out, column[i], true);
+      if (HasValue(column[i])) AppendValue(out, TableValue(column[i]), true);
     }
     out += '\n';
   }

@@ -24,7 +24,8 @@ struct IndicatorTableOptions {
 };
 
 // "Date,NetAdvances,..." and one line per bar shown, ended by "\n": the datafile's date, then each
-// value by the number rule (no blank in front), an empty field for no value. The indicators are
+// value rounded to four decimals and written by the number rule (no blank in front), an empty
+// field for no value. The indicators are
 // worked out over the whole file, so a range shows the same numbers as the whole table does.
 std::string IndicatorTable(const DatafileSeries& series, const IndicatorTableOptions& options);
 

@@ -158,7 +158,7 @@ TEST_F(IndicatorTest, TheTableShowsTheChosenColumnsOverTheRangeAsked) {
   const DatafileSeries series = Read({
       {{"Advances", 3}, {"Declines", 1}},
       {{"Advances", 1}, {"Declines", 2}},
-      {{"Advances", 2}, {"Declines", 2}},
+      {{"Advances", 2}, {"Declines", 2}, {"Above4ma", 2}, {"Below4ma", 1}},
   });
   const std::vector<Indicator> two{Indicator::kAdvanceDeclineLine, Indicator::kTrin};
   const struct Case {
@@ -171,6 +171,8 @@ TEST_F(IndicatorTest, TheTableShowsTheChosenColumnsOverTheRangeAsked) {
       {{two, 0, 20240103, 1}, "Date,ADLine,TRIN\n20240103,1,\n"},
       {{two, 20240105, 0, 0}, "Date,ADLine,TRIN\n"},
       {{{Indicator::kNetAdvances}, 0, 0, 2}, "Date,NetAdvances\n20240103,-1\n20240104,0\n"},
+      // Four decimals, the number rule's form.
+      {{{Indicator::kShareAbove4ma}, 0, 0, 1}, "Date,ShareAbove4ma\n20240104,66.6667\n"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.expected);
