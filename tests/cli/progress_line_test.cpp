@@ -128,7 +128,9 @@ TEST_F(ProgressLineTest, QuietPrintsNothingOnSuccessAndTheWholeStoryOnFailure) {
   const CliResult failed = RunProcess("--base-dir '" + base_arg() + "' -q run 2");
   EXPECT_EQ(failed.code, cli::kExitRunFailures);
   EXPECT_EQ(failed.out, "");
-  EXPECT_NE(failed.err.find("Datafiles not updated: 3\n"), std::string::npos) << failed.err;
+  EXPECT_NE(failed.err.find("Problem: Daily: Update-Daily.csv could not be fetched: HTTP 404"),
+            std::string::npos)
+      << failed.err;
 
   const CliResult refused = RunProcess("--base-dir '" + base_arg() + "' --quiet list 6 clear");
   EXPECT_EQ(refused.code, cli::kExitRefused);

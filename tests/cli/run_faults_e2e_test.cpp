@@ -63,15 +63,16 @@ TEST_F(RunFaultsTest, ATimeOutFailsOnlyItsDatafile) {
 TEST_F(RunFaultsTest, WrongCredentialsFailEveryDatafileAndWriteNothing) {
   ASSERT_EQ(RunIn({"settings", "Password=wrong"}).code, 0);
   service.Advance(1);
+  const int whole_files = Requests("CompositeStats");
   const CliResult run = RunList(2);
   EXPECT_EQ(run.code, 3);
-  EXPECT_TRUE(Contains(run.out, "Datafiles updated by merge: 0\n")) << run.out;
-  EXPECT_TRUE(Contains(run.out, "Datafiles not updated: 3\n")) << run.out;
+  // Merged with the update file of the last run, which the datafiles already hold.
   EXPECT_TRUE(Contains(run.out,
                        "Problem: Daily: Update-Daily.csv could not be fetched: HTTP 401 "
-                       "(the data service refused the user name and password); 3 "
-                       "datafile(s) not updated"))
+                       "(the data service refused the user name and password); merged with the "
+                       "update file kept from an earlier run"))
       << run.out;
+  EXPECT_EQ(Requests("CompositeStats"), whole_files) << "nothing needed a request";
   EXPECT_EQ(Snapshot("Daily"), before_);
 
   // A service that cannot be reached says so.
@@ -83,14 +84,66 @@ TEST_F(RunFaultsTest, WrongCredentialsFailEveryDatafileAndWriteNothing) {
       << unreachable.out;
 }
 
+// An update file that fails, in each way, does not skip its period: a datafile missing on disk is
+// made from its base copy and the update file kept from the last run, a missing base copy is
+// fetched whole as usual, and the update file's failure is named (exit 3). The kept update file
+// survives an empty answer.
+TEST_F(RunFaultsTest, AFailedUpdateFileMergesWithTheKeptOne) {
+  ::setenv("CORVANET_RETRY_PAUSE_MS", "0", 1);
+  const std::string kept_update = ReadFile(data("Base/Update-Daily.csv"));
+  const std::string sox_base = data("Base/SOXDaily-CompositeStats.csv");
+  ASSERT_TRUE(Exists(sox_base));
+  const struct {
+    const char* what;
+    std::vector<std::string> faults;
+    std::string cause;
+  } cases[] = {
+      {"HTTP 500", {"*/Update-Daily.csv status 500"}, "could not be fetched: HTTP 500"},
+      {"cut short", {"*/Update-Daily.csv truncate"}, "could not be fetched: body cut short"},
+      {"empty", {}, "holds no update rows"},
+      {"unreachable", {}, "could not be fetched: could not connect"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    std::filesystem::remove(data("Daily/$NYA.csv"));
+    std::filesystem::remove(data("Daily/$SOX.csv"));
+    std::filesystem::remove(sox_base);
+    service.SetFaults(c.faults);
+    const std::string served = ReadFile(ServiceFile("Update-Daily.csv"));
+    if (std::string(c.what) == "empty") WriteFile(ServiceFile("Update-Daily.csv"), "");
+    if (std::string(c.what) == "unreachable") service.Stop();
+    const CliResult run = RunList(2);
+    EXPECT_EQ(run.code, 3) << run.out;
+    EXPECT_TRUE(Contains(run.out, "Problem: Daily: Update-Daily.csv " + c.cause)) << run.out;
+    EXPECT_TRUE(Contains(run.out, "; merged with the update file kept from an earlier run"))
+        << run.out;
+    EXPECT_EQ(ReadFile(data("Daily/$NYA.csv")), Before("$NYA.csv"));
+    EXPECT_EQ(ReadFile(data("Base/Update-Daily.csv")), kept_update);
+    if (service.running()) {
+      EXPECT_EQ(ReadFile(data("Daily/$SOX.csv")), Before("$SOX.csv"));
+    } else {
+      EXPECT_TRUE(Contains(run.out, "  $SOX Daily: could not connect")) << run.out;
+      service.Start();
+    }
+    WriteFile(ServiceFile("Update-Daily.csv"), served);
+    service.SetFaults({});
+    ASSERT_EQ(RunList(2).code, 0);
+  }
+  ::unsetenv("CORVANET_RETRY_PAUSE_MS");
+}
+
 TEST_F(RunFaultsTest, GarbledUpdateLinesAreLeftOutAndTheRestMerges) {
   service.Advance(1);
   std::string update = "garbage\r\n\r\nNYSE\r\nSOX             D,2024,short\r\n";
   update += ReadFile(ServiceFile("Update-Daily.csv"));
   WriteFile(ServiceFile("Update-Daily.csv"), update);
   const CliResult run = RunList(2);
-  EXPECT_EQ(run.code, 0) << run.out;
+  EXPECT_EQ(run.code, 3) << run.out;
   EXPECT_TRUE(Contains(run.out, "Datafiles updated by merge: 3")) << run.out;
+  // The lines that name a listed symbol are reported; the others belong to nobody the run takes.
+  EXPECT_TRUE(Contains(run.out, "Rows left out: 2\n")) << run.out;
+  EXPECT_TRUE(Contains(run.out, "$NYA Daily: Update-Daily.csv line 3: the row is blank"))
+      << run.out;
   EXPECT_EQ(ValidateDatafile(data("Daily/$SOX.csv")), std::vector<std::string>{});
 }
 

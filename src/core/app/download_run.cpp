@@ -142,6 +142,9 @@ std::string ProblemsText(const RunSummary& summary) {
   }
   if (summary.failures.size() > 5) text += ", ...";
   const auto add = [&text](const std::string& part) { text += (text.empty() ? "" : "; ") + part; };
+  if (!summary.rejected_rows.empty()) {
+    add(std::to_string(summary.rejected_rows.size()) + " row(s) of the service left out");
+  }
   for (const std::string& problem : summary.period_problems) add(problem);
   if (summary.stopped) add("the run was stopped");
   if (summary.service_silent) add("the data service does not answer; run stopped");
@@ -275,20 +278,23 @@ RunSummary DownLoadButton_Click(Session& session) {
     if (run.DataPeriod.empty()) continue;
     RunPeriod(session, run_total, summary, update_rows);
     summary.service_silent = run.service_silent;
-    if (summary.stopped || summary.service_silent) break;
+    if (summary.stopped) break;
   }
   // Stopped between datafiles, by the user or by a silent service: what was written stays, and
-  // nothing more is started.
-  const bool cut_short = summary.stopped || summary.service_silent;
-  bool message_fetched = false;
-  if (cut_short) {
+  // nothing more is started. A silent service is asked nothing more, but the walks go on with
+  // what is on disk, and so many datafiles as needed a request were not tried.
+  if (summary.stopped) {
     summary.not_tried = std::max(0, run_total - run.DatafileCounter);
+  } else {
+    if (!summary.service_silent) RetryTransientFailures(session, summary);
+    MergeWithKeptUpdateFiles(session, run_total, summary);
+    summary.service_silent = run.service_silent;
     if (summary.service_silent) {
       Log(session, "DownLoadButton_Click - the data service does not answer; run stopped");
     }
-  } else {
-    RetryTransientFailures(session, summary);
   }
+  const bool cut_short = summary.stopped || summary.service_silent;
+  bool message_fetched = false;
   summary.price_file_failures = price_files.ledger().failures;
   if (!merge_index.Save()) {
     Log(session, "DownLoadButton_Click - " + std::string(MergeIndex::kFileName) +

@@ -14,7 +14,8 @@ std::string Heading(const RunSummary& summary, const std::string& list) {
   if (summary.stopped) {
     return "STOPPED: the download of " + list + " was stopped before every datafile was updated.";
   }
-  if (!summary.failures.empty() || !summary.period_problems.empty()) {
+  if (!summary.failures.empty() || !summary.period_problems.empty() ||
+      !summary.rejected_rows.empty()) {
     return "FAILED: not every datafile of " + list + " could be updated. Why is listed below.";
   }
   if (summary.has_failures()) {

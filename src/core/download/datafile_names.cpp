@@ -71,4 +71,9 @@ std::string DestinationPathAhead(const WindowState& ui, std::string_view period,
   return DestinationPathOf(ui, period, symbol + ".csv");
 }
 
+std::string ReplacedDatafilePath(const Session& session) {
+  return session.ui.PathToDataFiles + Folder("Base") + Folder("Replaced") +
+         Folder(session.run.DataPeriod) + session.run.DestinationFileName;
+}
+
 }  // namespace corvanet

@@ -22,6 +22,9 @@ bool SetDatafileNames(Session& session);
 // PathToDataFiles + period folder + DestinationFileName, or PathToDataFiles + DestinationFileName
 // for vendor Other (the period is part of that name).
 std::string DestinationPath(const Session& session);
+// Where the datafile in hand is kept when a shorter whole file of the service replaces it (one
+// generation): PathToDataFiles + "Base/Replaced/" + period + "/" + DestinationFileName.
+std::string ReplacedDatafilePath(const Session& session);
 // The same for the datafile of `listed_symbol` in `period`, as SetDatafileNames will name it,
 // worked out without the run state or log lines, for the look ahead of the walk.
 std::string DestinationPathAhead(const Session& session, std::string_view period,

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <optional>
 #include <utility>
 
 #include "core/download/datafile_names.h"
@@ -128,13 +129,14 @@ bool FetchAhead::NeedsWholeFile(std::string_view listed_symbol, const std::strin
                                 const std::string& local_path, bool claimed_earlier) const {
   if (session_.ui.ForceFullDownload != 0) return true;
   if (claimed_earlier) return false;
-  const std::vector<std::string_view> rows = update_rows_.RowsFor(web_symbol);
-  if (rows.empty()) return true;
+  std::optional<std::string_view> first_update;
+  for (const UpdateRow& row : update_rows_.RowsFor(web_symbol)) {
+    if (!HasRowDate(row.text)) continue;
+    first_update = std::min(first_update.value_or(RowDate(row.text)), RowDate(row.text));
+  }
+  if (!first_update) return true;
   const std::string last_date = BaseLastDate(listed_symbol, local_path);
-  if (last_date.empty()) return true;
-  std::string_view first_update = RowDate(rows.front());
-  for (const std::string_view row : rows) first_update = std::min(first_update, RowDate(row));
-  return last_date < first_update;
+  return last_date.empty() || last_date < *first_update;
 }
 
 // The date of the base copy's last row (empty when it has none): from the merge index when its

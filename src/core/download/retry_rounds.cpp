@@ -37,10 +37,6 @@ double FirstPauseSeconds() {
   return 1;
 }
 
-int RoundsWanted(const WindowState& ui) {
-  return std::clamp(static_cast<int>(LeadingNumber(ui.RetryNumber)), 0, kMostRounds);
-}
-
 // Waits out the pause before a round; false when the user stopped the run meanwhile.
 bool WaitBeforeRound(Session& session, double seconds) {
   const auto until = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
@@ -158,8 +154,12 @@ void CountRecovered(std::vector<ListedDatafile>& tried, RunSummary& summary) {
 
 }  // namespace
 
+int RetryRoundsWanted(const WindowState& ui) {
+  return std::clamp(static_cast<int>(LeadingNumber(ui.RetryNumber)), 0, kMostRounds);
+}
+
 void RetryTransientFailures(Session& session, RunSummary& summary) {
-  const int rounds = RoundsWanted(session.ui);
+  const int rounds = RetryRoundsWanted(session.ui);
   RunState& run = session.run;
   // Every datafile and update file tried again, once each however many rounds it took; an update
   // file is the entry without a symbol.

@@ -11,4 +11,7 @@ namespace corvanet {
 // a round brings in leave the summary's failures; what still fails stays there as it was reported.
 void RetryTransientFailures(Session& session, RunSummary& summary);
 
+// The rounds of retries a run will make (the "Retries" box, bounded).
+int RetryRoundsWanted(const WindowState& ui);
+
 }  // namespace corvanet

@@ -1,12 +1,15 @@
 #include "core/download/row_checks.h"
 
+#include <chrono>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
 
+#include "core/download/update_file_index.h"
 #include "core/platform/text.h"
 
 namespace corvanet {
@@ -126,6 +129,67 @@ RowShape ShapeOf(std::string_view row) {
   shape.control = control || control_bits != 0;
   if (quotes || quote_bits != 0) shape.field_commas = CountFieldCommas(row);
   return shape;
+}
+
+bool IsCalendarDate(std::string_view date) {
+  if (date.size() != 8) return false;
+  int digits[8];
+  for (std::size_t i = 0; i < 8; ++i) {
+    if (date[i] < '0' || date[i] > '9') return false;
+    digits[i] = date[i] - '0';
+  }
+  const int year = digits[0] * 1000 + digits[1] * 100 + digits[2] * 10 + digits[3];
+  const auto month = static_cast<unsigned>(digits[4] * 10 + digits[5]);
+  const auto day = static_cast<unsigned>(digits[6] * 10 + digits[7]);
+  return std::chrono::year_month_day(std::chrono::year(year), std::chrono::month(month),
+                                     std::chrono::day(day))
+      .ok();
+}
+
+std::string LatestRowDate(const LocalDateTime& today) {
+  const std::chrono::year_month_day tomorrow(
+      std::chrono::sys_days(std::chrono::year_month_day(
+          std::chrono::year(today.year), std::chrono::month(static_cast<unsigned>(today.month)),
+          std::chrono::day(static_cast<unsigned>(today.day)))) +
+      std::chrono::days(1));
+  char text[16];
+  std::snprintf(text, sizeof text, "%04d%02u%02u", static_cast<int>(tomorrow.year()),
+                static_cast<unsigned>(tomorrow.month()), static_cast<unsigned>(tomorrow.day()));
+  return text;
+}
+
+RowFault CheckRow(std::string_view row, const RowShape& shape, std::size_t field_commas,
+                  std::string_view previous_date, std::string_view latest_date) {
+  if (row.empty()) return RowFault::kBlank;
+  if (shape.control) return RowFault::kControl;
+  if (shape.field_commas != field_commas) return RowFault::kFields;
+  const std::string_view date = RowDate(row);
+  if (!IsCalendarDate(date)) return RowFault::kDate;
+  if (date > latest_date) return RowFault::kFuture;
+  if (date <= previous_date) return RowFault::kOrder;
+  return RowFault::kNone;
+}
+
+std::string DescribeRowFault(RowFault fault, std::string_view row, std::size_t field_commas) {
+  const std::string date(RowDate(row));
+  switch (fault) {
+    case RowFault::kNone:
+      return {};
+    case RowFault::kBlank:
+      return "the row is blank";
+    case RowFault::kControl:
+      return "the row holds a control character";
+    case RowFault::kFields:
+      return "the row has " + std::to_string(CountFieldCommas(row) + 1) + " fields, not " +
+             std::to_string(field_commas + 1);
+    case RowFault::kDate:
+      return "the row's date \"" + date + "\" is no date";
+    case RowFault::kFuture:
+      return "the row is dated " + date + ", after tomorrow";
+    case RowFault::kOrder:
+      return "the row is dated " + date + ", not after the row before it";
+  }
+  return {};
 }
 
 }  // namespace corvanet

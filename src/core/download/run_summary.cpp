@@ -20,6 +20,12 @@ std::vector<std::string> RunSummary::Lines() const {
   for (const DatafileFailure& failure : failures) {
     lines.push_back("  " + failure.symbol + " " + failure.period + ": " + failure.reason);
   }
+  if (!rejected_rows.empty()) {
+    lines.push_back("Rows left out: " + std::to_string(rejected_rows.size()));
+    for (const DatafileFailure& row : rejected_rows) {
+      lines.push_back("  " + row.symbol + " " + row.period + ": " + row.reason);
+    }
+  }
   for (const std::string& note : notes) lines.push_back("Note: " + note);
   if (!statistic_failures.empty()) {
     lines.push_back("Statistic files failed: " + std::to_string(statistic_failures.size()));

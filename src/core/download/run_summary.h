@@ -24,6 +24,7 @@ struct UnfetchedUpdateFile {
   std::string period;
   int not_updated = 0;  // the period's datafiles left as they were
   std::string problem;  // its line among the period problems
+  std::string cause;    // why it could not be had
 };
 
 // One converter batch run at the end of a run.
@@ -48,6 +49,9 @@ struct RunSummary {
   // Fetches of a whole period that failed (its update file): the period's datafiles were merged
   // from the update file of an earlier run, so they may lack the newest rows.
   std::vector<std::string> period_problems;
+  // Rows of the service the merges would not take (the datafiles kept their own rows of those
+  // days): symbol, period, and the file, line and why.
+  std::vector<DatafileFailure> rejected_rows;
   // What a user should know of datafiles that were written all the same ("$X Daily: the update
   // file does not cover it"); no failure.
   std::vector<std::string> notes;
@@ -75,7 +79,7 @@ struct RunSummary {
 
   bool has_failures() const {
     return stopped || service_silent || !failures.empty() || not_updated > 0 ||
-           !period_problems.empty() || !statistic_failures.empty() ||
+           !rejected_rows.empty() || !period_problems.empty() || !statistic_failures.empty() ||
            !price_file_failures.empty() || !converter_problem.empty() ||
            std::any_of(conversions.begin(), conversions.end(), [](const ConversionOutcome& c) {
              return c.failed > 0 || !c.problem.empty();

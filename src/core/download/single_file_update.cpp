@@ -23,12 +23,19 @@ void SetProgress(Session& session, int value) {
   bar.value = std::clamp(value, bar.minimum, bar.maximum);
 }
 
+// Whether the datafile named by the run state needs its whole file before it can be merged.
+bool NeedsRequest(const Session& session) {
+  if (session.ui.ForceFullDownload != 0) return true;
+  const auto size = FileSize(BaseFolder(session) + session.run.BaseFileName);
+  return !size || *size == 0;
+}
+
 // Brings the datafile named by the run state up to date. A forced full download that fails is
 // `problem`: the merge still follows on the kept base copy, so the datafile does not fall behind.
 DatafileOutcome UpdateOne(Session& session, const UpdateFileIndex& update_rows,
                           std::string& problem) {
   DatafileOutcome outcome;
-  if (!update_rows.loaded()) {
+  if (!update_rows.loaded() && !update_rows.kept()) {
     outcome.reason = "no update file Update-" + session.run.DataPeriod + ".csv";
     return outcome;
   }
@@ -79,10 +86,6 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
       summary.stopped = true;
       if (!ahead.NextIsArriving()) break;
     }
-    if (run.service_silent) {
-      summary.service_silent = true;
-      break;
-    }
     SetProgress(session, run.DatafileCounter + 1);
     Pause(session, 0.0025);
     if (!ahead.ReadRecord(name, symbol)) {
@@ -99,6 +102,12 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
     WebSymbolCorrection(session, symbol);
     if (!SetDatafileNames(session)) {
       summary.failures.push_back({symbol, run.DataPeriod, "symbol cannot be used in a file name"});
+      continue;
+    }
+    // A service that does not answer is asked nothing more, but what needs no request is merged.
+    if (run.service_silent && NeedsRequest(session)) {
+      summary.service_silent = true;
+      ++summary.not_tried;
       continue;
     }
     // The datafile in hand, counted among those walked, never past the run's total ("3 of 2").
@@ -122,9 +131,16 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
       summary.period_problems.push_back(which + problem);
     }
     if (!outcome.note.empty()) summary.notes.push_back(which + outcome.note);
+    for (const std::string& row : outcome.rejected_rows) {
+      Log(session, "SingleFileUpdate - " + which + row + "; left out");
+      summary.rejected_rows.push_back({symbol, run.DataPeriod, row});
+    }
     switch (outcome.kind) {
       case DatafileOutcome::Kind::kMerged:
         ++summary.merged;
+        break;
+      case DatafileOutcome::Kind::kUnchanged:
+        ++summary.not_updated;
         break;
       case DatafileOutcome::Kind::kFetchedWhole:
         ++summary.fetched_whole;
@@ -138,7 +154,7 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
         break;
     }
     // A datafile that could not be updated keeps its old price files too.
-    if (outcome.ok() && session.after_datafile_updated != nullptr) {
+    if (outcome.written() && session.after_datafile_updated != nullptr) {
       session.after_datafile_updated(session, writers);
     }
   }

@@ -32,6 +32,7 @@ void UpdateFileIndex::Clear() {
   garbled_lines_ = first_garbled_line_ = 0;
   row_commas_ = std::string_view::npos;
   loaded_ = false;
+  kept_ = false;
 }
 
 bool UpdateFileIndex::Load(const std::string& path) {
@@ -56,9 +57,10 @@ bool UpdateFileIndex::Load(const std::string& path) {
         line.size() > kRowStart ? Trim(line.substr(kRowStart)) : std::string_view();
     if (!HasRowDate(row)) {
       if (!Trim(line).empty() && garbled_lines_++ == 0) first_garbled_line_ = number;
-      continue;
+      if (symbol.empty()) continue;
+    } else if (row_commas_ == std::string_view::npos) {
+      row_commas_ = CountChar(row, ',');
     }
-    if (row_commas_ == std::string_view::npos) row_commas_ = CountChar(row, ',');
     rows_by_symbol_[std::string(symbol)].push_back({number, rows_text_.size(), row.size()});
     rows_text_.append(row);
   }
@@ -66,7 +68,7 @@ bool UpdateFileIndex::Load(const std::string& path) {
   return loaded_;
 }
 
-std::vector<std::string_view> UpdateFileIndex::RowsFor(std::string_view web_symbol) const {
+std::vector<UpdateRow> UpdateFileIndex::RowsFor(std::string_view web_symbol) const {
   static const std::vector<Line> kNone;
   const auto find = [this](std::string_view symbol) -> const std::vector<Line>& {
     const auto it = rows_by_symbol_.find(std::string(symbol));
@@ -75,14 +77,14 @@ std::vector<std::string_view> UpdateFileIndex::RowsFor(std::string_view web_symb
   const std::vector<Line>& own = find(web_symbol);
   const std::vector<Line>& shortened = web_symbol.size() > 1 ? find(web_symbol.substr(1)) : kNone;
   // Merge the two lists by line number, as a scan of the file would meet them.
-  std::vector<std::string_view> rows;
+  std::vector<UpdateRow> rows;
   std::size_t a = 0;
   std::size_t b = 0;
   while (rows.size() < kUpdateSlots && (a < own.size() || b < shortened.size())) {
     const bool take_own =
         b >= shortened.size() || (a < own.size() && own[a].number < shortened[b].number);
     const Line& line = take_own ? own[a++] : shortened[b++];
-    rows.push_back(std::string_view(rows_text_).substr(line.offset, line.size));
+    rows.push_back({std::string_view(rows_text_).substr(line.offset, line.size), line.number});
   }
   return rows;
 }

@@ -11,10 +11,18 @@ namespace corvanet {
 
 inline constexpr std::size_t kUpdateSlots = 5;
 
+// One line of the update file that names a symbol: its row, checked or not, and where it stands.
+struct UpdateRow {
+  std::string_view text;
+  int line = 0;  // in the update file, from 1
+};
+
 class UpdateFileIndex {
  public:
   // False when the file cannot be read. Lines too short to hold a row, or whose row has no
-  // YYYYMMDD date in characters 3-10, are garbled: they are counted and left out.
+  // YYYYMMDD date in characters 3-10, are garbled and counted; those that name a symbol stay among
+  // its rows, where the merge finds them wanting and reports them (they take a slot as any line of
+  // the symbol does).
   bool Load(const std::string& path);
   // Forgets the rows (loaded() is false), keeping the memory that held them for the next Load.
   void Clear();
@@ -22,7 +30,11 @@ class UpdateFileIndex {
 
   // The rows of `web_symbol`: the lines whose symbol is `web_symbol` or `web_symbol` without its
   // first character, merged in file order, at most the first (oldest) five.
-  std::vector<std::string_view> RowsFor(std::string_view web_symbol) const;
+  std::vector<UpdateRow> RowsFor(std::string_view web_symbol) const;
+  // An update file kept from an earlier run, merged because this run's could not be had: its rows
+  // may end before a datafile does without anything being wrong.
+  void set_kept(bool kept) { kept_ = kept; }
+  bool kept() const { return kept_; }
   // Whether the rows of `web_symbol` ran out before five were found, and the file's last line
   // belongs to another symbol (a rescan would then end on that line).
   bool EndsOnOtherSymbol(std::string_view web_symbol) const;
@@ -47,6 +59,7 @@ class UpdateFileIndex {
   int first_garbled_line_ = 0;
   std::size_t row_commas_ = std::string_view::npos;
   bool loaded_ = false;
+  bool kept_ = false;
 };
 
 // Characters 3-10 of a datafile row: its YYYYMMDD date (shorter when the row is short).

@@ -201,6 +201,15 @@ std::string LastLineOf(const std::string& path) {
   return line;
 }
 
+bool EndsWithLineBreak(const std::string& path) {
+  const int file = OpenForReading(path);
+  const std::optional<std::uint64_t> length = LengthOf(file);
+  char last = 0;
+  const bool read = length && *length > 0 && ReadAt(file, &last, 1, *length - 1) == 1;
+  CloseFile(file);
+  return read && last == '\n';
+}
+
 std::optional<std::string> ReadWholeFile(const std::string& path) {
   std::FILE* file = std::fopen(path.c_str(), "rb");
   if (file == nullptr) return std::nullopt;

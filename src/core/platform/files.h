@@ -47,6 +47,8 @@ bool CopyFileReplacing(const std::string& from, const std::string& to);
 // its line end; empty when the file is missing, empty or holds only blank lines.
 // The look ahead of a run asks this of every base copy, so it costs four system calls.
 std::string LastLineOf(const std::string& path);
+// Whether a file's last byte ends a line: its last line is whole, not cut off in the middle.
+bool EndsWithLineBreak(const std::string& path);
 // The same of an open file of `size` bytes.
 std::string LastLineOf(int descriptor, std::uint64_t size);
 // The same of `tail`, a file's last bytes, when it holds that line whole: false when the line may

@@ -52,7 +52,8 @@ class DownloadRunTest : public ::testing::Test, public DownloadFixture {
 };
 
 // An update file that cannot be had, or that is no update file, is named as the cause once, and
-// the period's datafiles count as not updated instead of each being blamed.
+// the period is merged all the same with what is on disk: here no update file was ever kept, so
+// each datafile is its base copy, fetched whole where it is missing.
 TEST_F(DownloadRunTest, AnUpdateFileThatCannotBeHadIsTheNamedCause) {
   UseList(3, "eSignal", "D,W", {"NYSE Composite,$NYA", "Dow,$INDU"});
   const struct {
@@ -71,14 +72,19 @@ TEST_F(DownloadRunTest, AnUpdateFileThatCannotBeHadIsTheNamedCause) {
     if (c.status != 200) service.SetStatus("/ovalith/data/Update-Daily.csv", c.status);
     const RunSummary summary = DownLoadButton_Click(session);
     EXPECT_TRUE(summary.has_failures());
-    EXPECT_EQ(summary.not_updated, 2);
+    EXPECT_EQ(summary.not_updated, 0);
+    EXPECT_EQ(summary.failures.size(), 0U);
+    EXPECT_EQ(summary.merged + summary.fetched_whole, 4);
     ASSERT_EQ(summary.period_problems.size(), 1U);
     EXPECT_NE(summary.period_problems[0].find("Daily: Update-Daily.csv " + std::string(c.cause)),
               std::string::npos)
         << summary.period_problems[0];
-    EXPECT_NE(summary.period_problems[0].find("; 2 datafile(s) not updated"), std::string::npos);
-    EXPECT_EQ(service.requests("/ovalith/data/NYSEDaily-CompositeStats.csv"), 0);
+    EXPECT_NE(summary.period_problems[0].find("; no update file kept from an earlier run either"),
+              std::string::npos);
+    EXPECT_EQ(ReadFile(daily("$NYA.csv")), Datafile({1, 2, 3, 4}));
   }
+  EXPECT_EQ(service.requests("/ovalith/data/NYSEDaily-CompositeStats.csv"), 1)
+      << "fetched once, when its base copy was missing";
 }
 
 }  // namespace

@@ -67,7 +67,6 @@ TEST_F(UpdateDatafileTest, MergesTheUpdateRowsAfterTheLastCommonRowWithoutFetchi
       {"five oldest only", {1, 2, 3}, nyse({2, 3, 4, 5, 6, 7, 8}), {1, 2, 3, 4, 5, 6}},
       {"up to date", {6, 7, 8, 9, 10}, nyse({6, 7, 8, 9, 10}), {6, 7, 8, 9, 10}},
       {"no repeat of the match", {1, 2, 3}, nyse({2, 3}), {1, 2, 3}},
-      {"a repeated base row is left out", {1, 2, 2, 3}, nyse({3, 4}), {1, 2, 3, 4}},
       {"first character dropped",
        {1, 2},
        {UpdateLine("NYSE", Row(2)), UpdateLine("YSE", Row(3)), UpdateLine("SE", Row(4)),
@@ -250,20 +249,28 @@ TEST(UpdateFileIndexTest, GivesTheRowsARescanGives) {
           if (rescan.size() == 5) break;
         }
       }
-      const auto rows = index.RowsFor(web);
-      ASSERT_EQ(std::vector<std::string>(rows.begin(), rows.end()), rescan) << web;
+      std::vector<std::string> rows;
+      for (const UpdateRow& row : index.RowsFor(web)) rows.emplace_back(row.text);
+      ASSERT_EQ(rows, rescan) << web;
     }
   }
 }
 
-TEST(UpdateFileIndexTest, LeavesOutShortBlankAndGarbledLines) {
+// Garbled lines that name a symbol stay among its rows, with their line numbers, for the merge to
+// report; a line without a symbol belongs to nobody.
+TEST(UpdateFileIndexTest, KeepsGarbledLinesOfASymbolAndCountsThem) {
   TempDir dir;
   WriteLines(dir / "Update.csv",
              {"", "NYSE", "NYSE            D,2024", "NYSE            garbage line here",
               DownloadFixture::UpdateLine("NYSE", DownloadFixture::Row(3))});
   UpdateFileIndex index;
   ASSERT_TRUE(index.Load(dir / "Update.csv"));
-  EXPECT_EQ(index.RowsFor("NYSE").size(), 1u);
+  const std::vector<UpdateRow> rows = index.RowsFor("NYSE");
+  ASSERT_EQ(rows.size(), 4u);
+  EXPECT_EQ(rows[0].text, "");
+  EXPECT_EQ(rows[0].line, 2);
+  EXPECT_EQ(rows[3].line, 5);
+  EXPECT_EQ(index.row_commas(), CountChar(DownloadFixture::Row(3), ','));
   EXPECT_EQ(index.garbled_lines(), 3);
   EXPECT_EQ(index.first_garbled_line(), 2);
 }
