@@ -127,8 +127,15 @@ void FetchAhead::Plan(Record& record) {
 // costs a transfer, never a difference on disk: the walk only takes what it asks for.
 bool FetchAhead::NeedsWholeFile(std::string_view listed_symbol, const std::string& web_symbol,
                                 const std::string& local_path, bool claimed_earlier) const {
+  // A service that does not answer is asked nothing more.
+  if (session_.run.service_silent) return false;
   if (session_.ui.ForceFullDownload != 0) return true;
   if (claimed_earlier) return false;
+  // Merged with a kept update file, a datafile fetches only a missing base copy.
+  if (update_rows_.kept()) {
+    const auto size = FileSize(local_path);
+    return !size || *size == 0;
+  }
   std::optional<std::string_view> first_update;
   for (const UpdateRow& row : update_rows_.RowsFor(web_symbol)) {
     if (!HasRowDate(row.text)) continue;

@@ -184,9 +184,11 @@ PassResult MergeOnce(Session& session, const std::vector<UpdateRow>& update_rows
   if (known != nullptr) {
     fields = known->field_commas;
     rows = CheckUpdateRows(session, update_rows, fields, latest_date);
-    // Every update row must be dated after the known rows: one dated among them may be one of
-    // them, and then they are all read again.
-    if (!std::all_of(rows.fit.begin(), rows.fit.end(), [&](const CheckedUpdateRows::Fit& row) {
+    // Every update row must have the known rows' shape (else the entry may be what is wrong) and
+    // be dated after them: one dated among them may be one of them, and then they are all read
+    // again.
+    if (rows.misshapen > 0 ||
+        !std::all_of(rows.fit.begin(), rows.fit.end(), [&](const CheckedUpdateRows::Fit& row) {
           return RowDate(row.text) > std::string_view(known->last_date);
         })) {
       known = nullptr;

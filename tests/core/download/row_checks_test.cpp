@@ -67,5 +67,36 @@ TEST(RowChecks, QuotedCommasDoNotSeparateFields) {
   }
 }
 
+// The date rules at the calendar's edges: the day after the last of a month, of a leap February
+// and of a year is "tomorrow", and a row on it passes while the day after does not.
+TEST(RowChecks, DatesAreCalendarDaysNoLaterThanTomorrow) {
+  const struct {
+    LocalDateTime today;
+    const char* tomorrow;
+  } days[] = {{{.year = 2024, .month = 2, .day = 28}, "20240229"},
+              {{.year = 2025, .month = 2, .day = 28}, "20250301"},
+              {{.year = 2025, .month = 12, .day = 31}, "20260101"}};
+  for (const auto& d : days) {
+    SCOPED_TRACE(d.tomorrow);
+    const std::string latest = LatestRowDate(d.today);
+    EXPECT_EQ(latest, d.tomorrow);
+    EXPECT_EQ(CheckRow(std::string("D,") + d.tomorrow + ",x", 2, "", latest), RowFault::kNone);
+  }
+  const struct {
+    const char* row;
+    const char* previous;
+    RowFault fault;
+  } rows[] = {
+      {"D,20240229,x", "20240228", RowFault::kNone},  {"D,20250229,x", "", RowFault::kDate},
+      {"D,20241301,x", "", RowFault::kDate},          {"D,2024-1-1,x", "", RowFault::kDate},
+      {"D,20240301,x", "20240301", RowFault::kOrder}, {"D,20260102,x", "", RowFault::kFuture},
+      {"D,20240301", "", RowFault::kFields},          {"", "", RowFault::kBlank},
+  };
+  for (const auto& r : rows) {
+    SCOPED_TRACE(r.row);
+    EXPECT_EQ(CheckRow(r.row, 2, r.previous, "20260101"), r.fault);
+  }
+}
+
 }  // namespace
 }  // namespace corvanet
