@@ -388,8 +388,8 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
   // whole file of the service that arrived complete.
   const auto commit_shorter = [&](PassResult& written) {
     const std::string base_path = BaseFolder(session) + run.BaseFileName;
-    if (fetched_whole && written.rejected.empty() &&
-        EndsWithCompleteRow(base_path, written.field_commas)) {
+    const bool complete = fetched_whole && EndsWithCompleteRow(base_path, written.field_commas);
+    if (complete && written.rejected.empty()) {
       const std::string kept = ReplacedDatafilePath(session);
       if (!CreateFolders(kept.substr(0, kept.size() - run.DestinationFileName.size())) ||
           !CopyFile(session, destination.target(), kept)) {
@@ -407,7 +407,8 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
     destination.Discard();
     outcome.reason = "the service's file ends on " +
                      (written.last_date.empty() ? std::string("no row") : written.last_date) +
-                     ", before the datafile's last row " + *kept_last_date;
+                     ", before the datafile's last row " + *kept_last_date +
+                     (fetched_whole && !complete ? " (its last line is cut short)" : "");
     Log(session,
         "UpdateDatafile - " + run.DestinationFileName + " kept as it was: " + outcome.reason);
     return false;
