@@ -141,7 +141,7 @@ bool IsOwnTemporaryFileName(std::string_view name) {
 // True when no living process holds the file's writer lock.
 bool IsAbandoned(const fs::path& path) {
 #ifndef _WIN32
-  const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+  const int fd = OpenRegularFile(path.string(), O_RDONLY | O_NOFOLLOW);
   if (fd < 0) return false;
   const bool unlocked = ::flock(fd, LOCK_EX | LOCK_NB) == 0;
   // Removed while the lock is held, so a writer that locks next finds its name gone.
@@ -166,7 +166,7 @@ std::FILE* OpenForWriting(const std::string& path, FileAccess access, bool exclu
 #endif
 #ifndef _WIN32
   const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | (exclusive ? O_EXCL : O_APPEND);
-  const int fd = ::open(path.c_str(), flags, access == FileAccess::kOwnerOnly ? 0600 : 0666);
+  const int fd = OpenRegularFile(path, flags, access == FileAccess::kOwnerOnly ? 0600 : 0666);
   if (fd < 0) return nullptr;
   std::FILE* file = ::fdopen(fd, exclusive ? "wb" : "ab");
   if (file == nullptr) ::close(fd);

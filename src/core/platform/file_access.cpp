@@ -14,11 +14,39 @@
 
 namespace corvanet {
 
+int OpenRegularFile(const std::string& path, int flags, int mode) {
+#ifndef _WIN32
+  // O_NONBLOCK makes the open of a FIFO return at once; on a regular file it changes nothing, and
+  // it is taken off again all the same, so that what the descriptor does never depends on it.
+  const int fd = ::open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC, mode);
+  if (fd < 0) return -1;
+  struct stat status {};
+  if (::fstat(fd, &status) != 0 || !S_ISREG(status.st_mode)) {
+    const int error = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+    ::close(fd);
+    errno = error;
+    return -1;
+  }
+  if ((flags & O_NONBLOCK) == 0) ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
+  return fd;
+#else
+  const int fd = ::_open(path.c_str(), flags | _O_BINARY, mode);
+  if (fd < 0) return -1;
+  struct _stat64 status {};
+  if (::_fstat64(fd, &status) != 0 || (status.st_mode & _S_IFREG) == 0) {
+    ::_close(fd);
+    errno = EINVAL;
+    return -1;
+  }
+  return fd;
+#endif
+}
+
 int OpenForReading(const std::string& path) {
 #ifndef _WIN32
-  return ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  return OpenRegularFile(path, O_RDONLY);
 #else
-  return ::_open(path.c_str(), _O_RDONLY | _O_BINARY);
+  return OpenRegularFile(path, _O_RDONLY);
 #endif
 }
 

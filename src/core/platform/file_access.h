@@ -9,7 +9,12 @@
 
 namespace corvanet {
 
-// -1 when the file cannot be opened.
+// Opens an existing file with the flags of open(), never waiting on what is not a regular file: a
+// FIFO with nobody at its other end would hold open() for ever (and a run with it), a device may
+// too. Such a path gives -1 with errno EINVAL, a folder -1 with EISDIR. Every open of a file the
+// program reads or writes in place goes through here.
+int OpenRegularFile(const std::string& path, int flags, int mode = 0);
+// -1 when the file cannot be opened, or is not a regular file.
 int OpenForReading(const std::string& path);
 void CloseFile(int descriptor);
 // Reads up to `size` bytes at `offset`: how many were read (0 at the end), -1 on an error.

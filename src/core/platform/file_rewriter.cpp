@@ -39,7 +39,7 @@ bool FileRewriter::Open(std::string target) {
   old_begin_ = old_end_ = 0;
   read_size_ = 0;
 #ifndef _WIN32
-  old_file_ = ::open(target_.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+  old_file_ = OpenRegularFile(target_, O_RDONLY | O_NOFOLLOW);
 #endif
   old_identity_ = IdentityOf(old_file_);
   if (old_file_ < 0) {
@@ -187,7 +187,7 @@ bool FileRewriter::Commit() {
 
 bool FileRewriter::Append() {
 #ifndef _WIN32
-  const int file = ::open(target_.c_str(), O_WRONLY | O_CLOEXEC | O_NOFOLLOW);
+  const int file = OpenRegularFile(target_, O_WRONLY | O_NOFOLLOW);
   struct stat status {};
   if (file < 0 || ::fstat(file, &status) != 0 ||
       static_cast<std::uint64_t>(status.st_size) != matched_ || status.st_nlink != 1) {

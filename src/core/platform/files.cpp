@@ -45,7 +45,7 @@ bool AppendLine(const std::string& path, std::string_view line, FileAccess acces
 }
 
 bool TouchFile(const std::string& path) {
-  std::FILE* file = std::fopen(path.c_str(), "ab");
+  std::FILE* file = OpenForWriting(path, FileAccess::kNormal, false);
   if (file == nullptr) return false;
   return std::fclose(file) == 0;
 }
@@ -211,15 +211,16 @@ bool EndsWithLineBreak(const std::string& path) {
 }
 
 std::optional<std::string> ReadWholeFile(const std::string& path) {
-  std::FILE* file = std::fopen(path.c_str(), "rb");
-  if (file == nullptr) return std::nullopt;
+  const int file = OpenForReading(path);
+  if (file < 0) return std::nullopt;
   std::string content;
   char buffer[16 * 1024];
-  std::size_t got = 0;
-  while ((got = std::fread(buffer, 1, sizeof buffer, file)) > 0) content.append(buffer, got);
-  const bool ok = std::ferror(file) == 0;
-  std::fclose(file);
-  if (!ok) return std::nullopt;
+  long got = 0;
+  while ((got = ReadAt(file, buffer, sizeof buffer, content.size())) > 0) {
+    content.append(buffer, static_cast<std::size_t>(got));
+  }
+  CloseFile(file);
+  if (got < 0) return std::nullopt;
   return content;
 }
 
