@@ -6,9 +6,14 @@
 namespace corvanet::cli {
 
 int RefreshMasterfileCommand(CommandContext& context, const CommandLine& /*line*/) {
-  const bool installed = RefreshMasterfile(context.session);
+  std::string held_back;
+  const MasterfileRefresh outcome = RefreshMasterfile(context.session, &held_back);
   LoadMasterfile(context.session);
-  if (!installed) {
+  if (outcome == MasterfileRefresh::kHeldBack) {
+    context.out << held_back << '\n';
+    return kExitRunFailures;
+  }
+  if (outcome != MasterfileRefresh::kInstalled) {
     context.out << "The master file could not be refreshed; the old one is kept"
                 << (context.session.logging() ? " (see the log)" : " (--log tells why)") << ".\n";
     return kExitRunFailures;

@@ -74,10 +74,13 @@ TEST_F(DataSafetyTest, MergedDatesOnlyGoForward) {
 }
 
 // A master file that the field reader would read shifted is never installed, so the list check
-// cannot empty the lists; a valid one that drops most of a list keeps a copy of it.
+// cannot empty the lists. One cut short at a line boundary reads as valid: it is held back until a
+// second fetch gives the same bytes, and a list is copied under a name of its own before it loses
+// anything.
 TEST_F(DataSafetyTest, ABadMasterFileNeverEmptiesTheLists) {
   const std::string list = ReadFile(base() + "Lists/Download2.csv");
   const std::string installed = ReadFile(base() + "Masterfile2.csv");
+  const std::string whole = ReadFile(ServiceFile("Masterfile2.csv"));
   std::vector<std::string> master = ReadLines(ServiceFile("Masterfile2.csv"));
   master[0] = "\"NYSE Composite,$NYA";  // still one comma, but an unbalanced quote
   WriteLines(ServiceFile("Masterfile2.csv"), master);
@@ -87,14 +90,35 @@ TEST_F(DataSafetyTest, ABadMasterFileNeverEmptiesTheLists) {
   EXPECT_EQ(ReadFile(base() + "Masterfile2.csv"), installed);
   EXPECT_TRUE(Contains(Log(), "does not read as a name and a symbol")) << Log();
 
-  WriteLines(ServiceFile("Masterfile2.csv"), {"Dow Jones Industrial Average,$INDU"});
-  const CliResult refreshed = RunIn({"refresh-masterfile"});
-  EXPECT_TRUE(Contains(refreshed.out,
-                       "Download List 2 lost 2 of its 3 symbols; the list as it was "
-                       "is kept in " +
-                           base() + "Lists/Download2.csv.bak"))
-      << refreshed.out;
-  EXPECT_EQ(ReadFile(base() + "Lists/Download2.csv.bak"), list);
+  // Cut short once, then whole again: nothing changes, and the held file goes.
+  const std::vector<std::string> cut = {"Dow Jones Industrial Average,$INDU"};
+  const std::string held = data("Base/Masterfile2.csv.held");
+  WriteLines(ServiceFile("Masterfile2.csv"), cut);
+  const CliResult refused = RunIn({"list", "2"});  // start-up's fetch is the first
+  EXPECT_EQ(refused.code, 0);
+  EXPECT_EQ(ReadFile(base() + "Masterfile2.csv"), installed);
+  EXPECT_EQ(ReadLines(held), cut);
+  WriteFile(ServiceFile("Masterfile2.csv"), whole);
+  EXPECT_EQ(RunIn({"refresh-masterfile"}).code, 0);
+  EXPECT_FALSE(Exists(held));
+  EXPECT_EQ(ReadFile(base() + "Lists/Download2.csv"), list);
+
+  // Cut short twice alike: the service means it. The list is kept before it loses two symbols.
+  WriteLines(ServiceFile("Masterfile2.csv"), cut);
+  EXPECT_EQ(RunIn({"list", "2"}).code, 0);
+  EXPECT_EQ(ReadLines(held), cut);
+  EXPECT_EQ(ReadFile(base() + "Lists/Download2.csv"), list);
+  const CliResult second = RunIn({"refresh-masterfile"});
+  EXPECT_EQ(second.code, 0) << second.out;
+  std::vector<std::string> copies;
+  for (const auto& entry : fs::directory_iterator(base() + "Lists/Copies")) {
+    copies.push_back(entry.path().string());
+  }
+  ASSERT_EQ(copies.size(), 1U);
+  EXPECT_EQ(ReadFile(copies[0]), list);
+  EXPECT_TRUE(Contains(second.out, "Download List 2 as it was is kept in " + copies[0] + "\n"))
+      << second.out;
+  EXPECT_EQ(ReadLines(base() + "Lists/Download2.csv").size(), 6U);
 }
 
 // Clearing deletes datafiles only, and only in a folder the program owns.

@@ -19,7 +19,7 @@ bool FetchMasterfile(Session& session) {
   session.NotifyObserver();
   SelectMasterfile(session);  // the data set and address as they stand now
   FetchResult answer;
-  RefreshMasterfile(session, &answer);
+  RefreshMasterfile(session, nullptr, &answer);
   LoadMasterfile(session);
   if (ui.List5.size() == 0) {
     ui.StatusText = MasterfileNotFetchedText(answer);

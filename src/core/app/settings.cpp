@@ -321,7 +321,7 @@ void LoadConfiguration_Click(Session& session) {
   SelectMasterfile(session);
   StartUpdateFilesOfList(session, session.app.RunListNum);
   // A master file fetched for the first time must show at once, not at the next list click.
-  if (RefreshMasterfile(session)) LoadMasterfile(session);
+  if (RefreshMasterfile(session) == MasterfileRefresh::kInstalled) LoadMasterfile(session);
   // The list in hand is shown again as its file holds it: an emptied box with the list still
   // selected would be saved over the file by the next download.
   if (const int list = CurrentListNumber(session); list != 0) DownloadList_Click(session, list);

@@ -1,13 +1,17 @@
 #include "core/download/check_lists.h"
 
+#include <algorithm>
+#include <filesystem>
 #include <string_view>
 #include <unordered_set>
+#include <vector>
 
 #include "core/download/retrieve.h"
 #include "core/lists/download_lists.h"
 #include "core/lists/symbols.h"
 #include "core/platform/field_reader.h"
 #include "core/platform/files.h"
+#include "core/platform/paths.h"
 #include "core/state/log.h"
 
 namespace corvanet {
@@ -58,6 +62,54 @@ void WriteRecord(AtomicFileWriter& writer, std::string& line, const std::string&
   line += ',';
   AppendField(line, second);
   writer.WriteLine(line);
+}
+
+constexpr std::size_t kCopiesKept = 10;
+
+std::string TwoDigits(int n) {
+  return (n < 10 ? "0" : "") + std::to_string(n);
+}
+
+// Removes all but the newest kCopiesKept copies of list n. Their names sort by their time once
+// ".csv" is taken off ("...-181502" before "...-181502-2").
+void PruneListCopies(const std::string& folder, int n) {
+  namespace fs = std::filesystem;
+  const std::string prefix = "Download" + std::to_string(n) + "-";
+  std::vector<std::string> stems;
+  std::error_code ec;
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder, ec)) {
+    const std::string name = entry.path().filename().string();
+    if (name.starts_with(prefix) && name.ends_with(".csv") && entry.is_regular_file(ec)) {
+      stems.push_back(name.substr(0, name.size() - 4));
+    }
+  }
+  if (stems.size() <= kCopiesKept) return;
+  std::sort(stems.begin(), stems.end());
+  for (std::size_t i = 0; i + kCopiesKept < stems.size(); ++i) {
+    RemoveFile(folder + stems[i] + ".csv");
+  }
+}
+
+// Copies list n as it stands into the folder of list copies under a name of its own, dated, that
+// no later copy takes; the newest ten copies of each list are kept. The copy's path, or "" when
+// it could not be made.
+std::string KeepListCopy(Session& session, const std::string& lists_folder, int n,
+                         const std::string& list_path) {
+  const std::string folder = lists_folder + Folder(kListCopiesFolder);
+  if (!DirectoryExists(folder) && !CreateFolders(folder)) {
+    Log(session, "CheckLists - the folder " + folder + " could not be made");
+    return {};
+  }
+  const LocalDateTime now = session.clock.Now();
+  const std::string stem = folder + "Download" + std::to_string(n) + "-" +
+                           std::to_string(now.year) + TwoDigits(now.month) + TwoDigits(now.day) +
+                           "-" + TwoDigits(now.hour) + TwoDigits(now.minute) +
+                           TwoDigits(now.second);
+  std::string copy = stem + ".csv";
+  for (int i = 2; FileExists(copy); ++i) copy = stem + "-" + std::to_string(i) + ".csv";
+  if (!CopyFile(session, list_path, copy)) return {};
+  PruneListCopies(folder, n);
+  return copy;
 }
 
 std::string ReportedForm(const Session& session, std::string symbol) {
@@ -116,16 +168,18 @@ bool CheckOneList(Session& session, const std::string& lists_folder, int n, cons
     Log(session, "CheckLists - could not write " + temp_path + ": " + temp.error());
     return false;
   }
-  // A master file that drops most of a list at once is more likely wrong than the list: the list
-  // as it was is kept beside it, so the user can have it back.
-  if (removed_count > kept_count && removed_count >= 2) {
-    const std::string backup = list_path + ".bak";
-    if (!CopyFile(session, list_path, backup)) return false;
-    removed += "Download List " + std::to_string(n) + " lost " + std::to_string(removed_count) +
-               " of its " + std::to_string(removed_count + kept_count) +
-               " symbols; the list as it was is kept in " + backup + "\r";
-    Log(session,
-        "CheckLists - " + list_path + " lost most of its symbols; a copy is kept in " + backup);
+  // A master file can be wrong where the list is right: the list as it was is kept first, so the
+  // user can have it back. Without a copy nothing is removed.
+  if (removed_count > 0) {
+    const std::string copy = KeepListCopy(session, lists_folder, n, list_path);
+    if (copy.empty()) {
+      Log(session, "CheckLists - no copy of " + list_path + " could be kept; it is left as it was");
+      return false;
+    }
+    removed += "Download List " + std::to_string(n) + " as it was is kept in " + copy + "\r";
+    Log(session, "CheckLists - " + list_path + " loses " + std::to_string(removed_count) + " of " +
+                     std::to_string(removed_count + kept_count) + " symbols; a copy is kept in " +
+                     copy);
   }
   // Temp.csv stays behind on purpose: the next list overwrites it.
   if (!CopyFile(session, temp_path, list_path)) return false;

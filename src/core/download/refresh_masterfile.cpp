@@ -1,12 +1,16 @@
 #include "core/download/refresh_masterfile.h"
 
 #include <algorithm>
+#include <optional>
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "core/download/check_lists.h"
 #include "core/download/retrieve.h"
 #include "core/lists/masterfile.h"
 #include "core/platform/field_reader.h"
+#include "core/platform/files.h"
 #include "core/platform/line_reader.h"
 #include "core/state/log.h"
 
@@ -62,24 +66,76 @@ bool IsValidMasterfile(const std::string& path, std::string& problem) {
   return true;
 }
 
-bool RefreshMasterfile(Session& session, FetchResult* answer) {
+namespace {
+
+// The symbols of a master file; empty when it cannot be read.
+std::unordered_set<std::string> SymbolsOf(const std::string& path) {
+  std::unordered_set<std::string> symbols;
+  LineReader lines;
+  if (!lines.Open(path)) return symbols;
+  std::string_view line;
+  std::vector<std::string> fields;
+  while (lines.Next(line)) {
+    fields.clear();
+    SplitFields(line, fields);
+    if (fields.size() == 2 && !fields[1].empty()) symbols.insert(fields[1]);
+  }
+  return symbols;
+}
+
+// How many symbols of the installed master file the fetched one lacks, and of how many.
+std::pair<std::size_t, std::size_t> RemovedSymbols(const std::string& installed,
+                                                   const std::string& fetched) {
+  const std::unordered_set<std::string> old_symbols = SymbolsOf(installed);
+  const std::unordered_set<std::string> new_symbols = SymbolsOf(fetched);
+  std::size_t removed = 0;
+  for (const std::string& symbol : old_symbols) removed += new_symbols.count(symbol) == 0;
+  return {removed, old_symbols.size()};
+}
+
+bool SameBytes(const std::string& a, const std::string& b) {
+  const std::optional<std::string> first = ReadWholeFile(a);
+  const std::optional<std::string> second = ReadWholeFile(b);
+  return first && second && *first == *second;
+}
+
+}  // namespace
+
+MasterfileRefresh RefreshMasterfile(Session& session, std::string* message, FetchResult* answer) {
   LogEntry(session, "RefreshMasterfile");
-  if (session.ui.UserName == "Enter username here") return false;
+  if (session.ui.UserName == "Enter username here") return MasterfileRefresh::kKept;
   const std::string name = session.app.MasterFileName;
   const FetchResult result = RetrieveDataFile(session, name, name);
   if (answer != nullptr) *answer = result;
-  if (!result.ok()) return false;
+  if (!result.ok()) return MasterfileRefresh::kKept;
   const std::string fetched = BaseFolder(session) + name;
   std::string problem;
   if (!IsValidMasterfile(fetched, problem)) {
     Log(session, "RefreshMasterfile - the fetched " + name + " " + problem +
                      "; the old master file is kept");
-    return false;
+    return MasterfileRefresh::kKept;
   }
   const std::string installed = MasterFilePath(session);
-  if (!CopyFile(session, fetched, installed)) return false;
+  // A file served cut short at a line boundary reads as a valid one that lacks its tail; the
+  // list check would prune every list by it. Two fetches that agree are the service's word.
+  const std::string held = fetched + ".held";
+  const auto [removed, of] = RemovedSymbols(installed, fetched);
+  if (removed * 10 > of && !SameBytes(fetched, held)) {
+    const std::string why = "The new " + name + " would remove " + std::to_string(removed) +
+                            " of the " + std::to_string(of) +
+                            " symbols of the installed one; it is held back in " + held +
+                            " and installed only when the next fetch gives the same file.";
+    Log(session, "RefreshMasterfile - " + why);
+    if (message != nullptr) *message = why;
+    if (!CopyFile(session, fetched, held)) {
+      Log(session, "RefreshMasterfile - " + held + " could not be written");
+    }
+    return MasterfileRefresh::kHeldBack;
+  }
+  if (!CopyFile(session, fetched, installed)) return MasterfileRefresh::kKept;
+  RemoveFile(held);
   CheckLists(session, session.ui.PathToLists, installed);
-  return true;
+  return MasterfileRefresh::kInstalled;
 }
 
 }  // namespace corvanet

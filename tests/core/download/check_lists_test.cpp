@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
+
 #include "support/test_session.h"
 
 namespace corvanet::test {
@@ -32,11 +35,13 @@ class CheckListsTest : public ::testing::Test {
                       false);
   }
   void Check() { CheckLists(s, s.ui.PathToLists, t.masterfile()); }
+  void SetUpClock() { t.clock.now = {2026, 3, 15, 18, 5, 2}; }
   TestSession t;
   Session& s = t.session;
 };
 
 TEST_F(CheckListsTest, RemovesWithdrawnSymbolsAndReportsThemPerList) {
+  SetUpClock();
   t.WriteList(2, WithHeader({"Dow,$INDU", "Gone Away,$GONE", "NYSE,$NYA"}));
   t.WriteList(5, WithHeader({"Nasdaq,$compq"}));  // differs from the master only in case
   Check();
@@ -49,10 +54,52 @@ TEST_F(CheckListsTest, RemovesWithdrawnSymbolsAndReportsThemPerList) {
   const ScriptedShell::Box& box = t.shell.boxes[0];
   EXPECT_EQ(box.text, std::string(kReportStart) +
                           "Download List 2 - Symbol:  $GONE\r"
-                          "Download List 5 - Symbol:  $compq\r");
+                          "Download List 2 as it was is kept in " +
+                          t.lists("Copies/Download2-20260315-180502.csv") +
+                          "\r"
+                          "Download List 5 - Symbol:  $compq\r"
+                          "Download List 5 as it was is kept in " +
+                          t.lists("Copies/Download5-20260315-180502.csv") + "\r");
+  EXPECT_EQ(ReadLines(t.lists("Copies/Download2-20260315-180502.csv")),
+            WithHeader({"Dow,$INDU", "Gone Away,$GONE", "NYSE,$NYA"}));
   EXPECT_EQ(box.title, "Corvanet Download Lists");
   EXPECT_EQ(box.icon, Icon::kExclamation);
   EXPECT_EQ(box.buttons, Buttons::kOk);
+}
+
+// A master file cut short prunes a list again and again: every list as it was is kept under a name
+// of its own, the newest ten of each list, none overwritten, and a list without a copy is not
+// pruned at all.
+TEST_F(CheckListsTest, EveryPrunedListIsKeptFirstTheNewestTenOfEach) {
+  const Lines full = WithHeader({"Dow,$INDU", "Gone Away,$GONE"});
+  const Lines other = WithHeader({"Gone,$GONE", "NYSE,$NYA"});
+  for (int check = 0; check < 12; ++check) {
+    t.clock.now = {2026, 3, 15, 18, check / 2, 0};  // two checks within each minute
+    t.WriteList(1, full);
+    t.WriteList(3, other);
+    Check();
+  }
+  std::vector<std::string> kept;
+  for (const auto& entry : std::filesystem::directory_iterator(t.lists("Copies"))) {
+    kept.push_back(entry.path().filename().string());
+  }
+  std::sort(kept.begin(), kept.end());
+  ASSERT_EQ(kept.size(), 20U);
+  // The two oldest are gone (a second copy within a second sorts first here: '-' before '.').
+  EXPECT_EQ(kept[0], "Download1-20260315-180100-2.csv");
+  EXPECT_EQ(kept[1], "Download1-20260315-180100.csv");
+  EXPECT_EQ(kept[9], "Download1-20260315-180500.csv");
+  EXPECT_EQ(kept[10], "Download3-20260315-180100.csv");
+  for (const std::string& name : kept) {
+    EXPECT_EQ(ReadLines(t.lists("Copies/" + name)), name[8] == '1' ? full : other) << name;
+  }
+
+  // The copies' folder cannot be made: the list stays whole.
+  std::filesystem::remove_all(t.lists("Copies"));
+  WriteFile(t.lists("Copies"), "a file where the folder belongs");
+  t.WriteList(1, full);
+  Check();
+  EXPECT_EQ(t.ReadList(1), full);
 }
 
 TEST_F(CheckListsTest, BrokenListsAreLeftAsTheyStoodWhileTheOthersAreChecked) {
