@@ -66,10 +66,6 @@ void WriteRecord(AtomicFileWriter& writer, std::string& line, const std::string&
 
 constexpr std::size_t kCopiesKept = 10;
 
-std::string TwoDigits(int n) {
-  return (n < 10 ? "0" : "") + std::to_string(n);
-}
-
 // Removes all but the newest kCopiesKept copies of list n. Their names sort by their time once
 // ".csv" is taken off ("...-181502" before "...-181502-2").
 void PruneListCopies(const std::string& folder, int n) {
@@ -100,11 +96,8 @@ std::string KeepListCopy(Session& session, const std::string& lists_folder, int 
     Log(session, "CheckLists - the folder " + folder + " could not be made");
     return {};
   }
-  const LocalDateTime now = session.clock.Now();
-  const std::string stem = folder + "Download" + std::to_string(n) + "-" +
-                           std::to_string(now.year) + TwoDigits(now.month) + TwoDigits(now.day) +
-                           "-" + TwoDigits(now.hour) + TwoDigits(now.minute) +
-                           TwoDigits(now.second);
+  const std::string stem =
+      folder + "Download" + std::to_string(n) + "-" + FormatFileStamp(session.clock.Now());
   std::string copy = stem + ".csv";
   for (int i = 2; FileExists(copy); ++i) copy = stem + "-" + std::to_string(i) + ".csv";
   if (!CopyFile(session, list_path, copy)) return {};

@@ -45,6 +45,13 @@ std::string FormatShortDate(const LocalDateTime& t) {
   return text;
 }
 
+std::string FormatFileStamp(const LocalDateTime& t) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%04d%02d%02d-%02d%02d%02d", t.year, t.month, t.day, t.hour,
+                t.minute, t.second);
+  return text;
+}
+
 std::string FormatClockAmPm(const LocalDateTime& t) {
   const int hour12 = t.hour % 12 == 0 ? 12 : t.hour % 12;
   char text[24];

@@ -37,6 +37,8 @@ class ManualClock final : public Clock {
 std::string FormatTimeOfDay(const LocalDateTime& t);
 // "2026-11-23": the short date of the settings report and messages (a fixed form).
 std::string FormatShortDate(const LocalDateTime& t);
+// "20261123-140509": a time in a file name, which sorts as the times do.
+std::string FormatFileStamp(const LocalDateTime& t);
 // "2:05:09 PM": the "h:mm:ss AMPM" form of the run captions.
 std::string FormatClockAmPm(const LocalDateTime& t);
 // "###,##0.00" of the elapsed-time texts: 1234.5 -> "1,234.50".

@@ -89,7 +89,7 @@ TEST_F(CheckListsTest, EveryPrunedListIsKeptFirstTheNewestTenOfEach) {
   EXPECT_EQ(kept[0], "Download1-20260315-180100-2.csv");
   EXPECT_EQ(kept[1], "Download1-20260315-180100.csv");
   EXPECT_EQ(kept[9], "Download1-20260315-180500.csv");
-  EXPECT_EQ(kept[10], "Download3-20260315-180100.csv");
+  EXPECT_EQ(kept[10], "Download3-20260315-180100-2.csv");
   for (const std::string& name : kept) {
     EXPECT_EQ(ReadLines(t.lists("Copies/" + name)), name[8] == '1' ? full : other) << name;
   }
@@ -114,8 +114,10 @@ TEST_F(CheckListsTest, BrokenListsAreLeftAsTheyStoodWhileTheOthersAreChecked) {
   EXPECT_EQ(t.ReadList(2), dangling);
   EXPECT_EQ(t.ReadList(4), WithHeader({"NYSE,$NYA"}));
   ASSERT_EQ(t.shell.boxes.size(), 1u);
-  EXPECT_EQ(t.shell.boxes[0].text,
-            std::string(kReportStart) + "Download List 4 - Symbol:  $GONE\r");
+  EXPECT_EQ(t.shell.boxes[0].text, std::string(kReportStart) +
+                                       "Download List 4 - Symbol:  $GONE\r"
+                                       "Download List 4 as it was is kept in " +
+                                       t.lists("Copies/Download4-20000101-000000.csv") + "\r");
   const std::string log = t.LogText();
   EXPECT_NE(log.find("Download1.csv ends within its header; skipped"), std::string::npos);
   EXPECT_NE(log.find("Download2.csv has no symbol; skipped"), std::string::npos);
