@@ -54,10 +54,14 @@ class CliTest : public ::testing::Test {
 
   // Starts the built program from the start folder with HOME in the temporary folder; `args` and
   // `environment` ("NAME=value ...") are shell text. Standard error is kept apart from the output.
-  CliResult RunProcess(const std::string& args, const std::string& environment = "") const {
-    const std::string command =
-        "cd '" + start() + "' && HOME='" + dir.path() + "' CORVANET_BASE_DIR= " + environment +
-        " '" + BinaryPath("corvanet-cli") + "' " + args + " 2>'" + (dir / "stderr.txt") + "'";
+  // With `time_limit` (seconds), a program still running then is ended: status 124.
+  CliResult RunProcess(const std::string& args, const std::string& environment = "",
+                       int time_limit = 0) const {
+    const std::string limit = time_limit > 0 ? "timeout " + std::to_string(time_limit) : "";
+    const std::string command = "cd '" + start() + "' && HOME='" + dir.path() +
+                                "' CORVANET_BASE_DIR= " + environment + " " + limit + " '" +
+                                BinaryPath("corvanet-cli") + "' " + args + " 2>'" +
+                                (dir / "stderr.txt") + "'";
     CliResult result;
     std::FILE* pipe = ::popen(command.c_str(), "r");
     if (pipe == nullptr) return result;

@@ -2,6 +2,7 @@
 // corvanet-cli against the demo service with hostile bodies, master files and folders.
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -119,6 +120,36 @@ TEST_F(DataSafetyTest, ABadMasterFileNeverEmptiesTheLists) {
   EXPECT_TRUE(Contains(second.out, "Download List 2 as it was is kept in " + copies[0] + "\n"))
       << second.out;
   EXPECT_EQ(ReadLines(base() + "Lists/Download2.csv").size(), 6U);
+}
+
+// A FIFO where the program expects a file would hold open() for ever, and the run lock with it: the
+// run ends, a datafile that needs the path fails with a message, and the FIFO stays.
+TEST_F(DataSafetyTest, AFifoWhereAFileBelongsNeverHoldsARun) {
+  struct Case {
+    std::string path;
+    int code;
+    std::string said;
+  };
+  const Case cases[] = {
+      {data("Daily/$NYA.csv"), 3, "$NYA Daily: "},
+      {data("Base/SOXDaily-CompositeStats.csv"), 3, "CompositeStats.csv: not a regular file"},
+      {base() + "Lists/Download2.csv", 4, "Download2.csv, is missing"},
+      {base() + "Rondex/LogFile.txt", 0, "Datafiles failed: 0"},
+      {data("PX/Daily/$INDU.csv"), 0, "Datafiles failed: 0"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.path);
+    const std::string content = ReadFile(c.path);
+    fs::remove(c.path);
+    ASSERT_EQ(::mkfifo(c.path.c_str(), 0600), 0);
+    const CliResult run = RunProcess("--base-dir '" + base_arg() + "' --log run 2", "", 60);
+    EXPECT_EQ(run.code, c.code) << run.out << run.err;
+    EXPECT_TRUE(Contains(run.out, c.said)) << run.out;
+    if (fs::is_fifo(c.path)) {
+      fs::remove(c.path);
+      WriteFile(c.path, content);
+    }
+  }
 }
 
 // Clearing deletes datafiles only, and only in a folder the program owns.

@@ -299,6 +299,14 @@ bool AtomicFileWriter::Commit() {
     return false;
   }
   std::error_code ec;
+  // A FIFO, socket or device where the file belongs was put there by someone: it is not replaced.
+  const fs::file_type type = fs::symlink_status(target_, ec).type();
+  if (type == fs::file_type::fifo || type == fs::file_type::socket ||
+      type == fs::file_type::block || type == fs::file_type::character) {
+    error_ = "not a regular file";
+    Discard();
+    return false;
+  }
   fs::rename(temp_, target_, ec);
   if (ec) {
     error_ = ec.message();
