@@ -17,12 +17,16 @@ enum ExitCode : int {
 };
 
 struct CliEnvironment {
-  std::string start_directory;   // where RunListNum.txt and the first report go; "" = current
+  std::string start_directory;   // where RunListNum.txt is read; "" = current
   bool change_directory = true;  // make ProgramDirectory current after start-up
   // Standard error is a terminal: `run` and `stats` draw their progress line on `err` (with its
   // width in columns).
   bool progress_terminal = false;
   int terminal_width = 80;
+  // Where `settings --password-stdin` reads the password: nullptr = standard input, which is asked
+  // without echo when `input_terminal`.
+  std::istream* input = nullptr;
+  bool input_terminal = false;
 };
 
 // `args` excludes the program name.

@@ -124,8 +124,13 @@ void AddCommands(CLI::App& app, CommandLine& line) {
   CLI::App* settings = AddCommand(
       app, "settings", "Print the settings, or change some and save them",
       "Each KEY=VALUE sets a control as the window would; all are checked before any changes.\n"
-      "A relative folder is taken relative to the installation.");
+      "A relative folder is taken relative to the installation. The password is printed masked;\n"
+      "give it with --password-stdin rather than as Password=..., which other users of the\n"
+      "machine can see in the list of processes.");
   settings->add_option("KEY=VALUE", line.words, "the settings to change");
+  settings->add_flag("--password-stdin", line.password_stdin,
+                     "read the password from the first line of standard input (asked for without "
+                     "echo at a terminal)");
   CLI::App* stats =
       AddCommand(app, "stats", "Make the single-statistic files of download list N now",
                  "The files are made from the datafiles on disk; nothing is fetched.");

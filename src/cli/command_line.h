@@ -33,6 +33,7 @@ struct CommandLine {
   std::string command;             // "" = no command
   int list = 0;                    // the list number of run, stats, list and schedule
   std::vector<std::string> words;  // list edits, settings pairs
+  bool password_stdin = false;     // settings: the password is read from standard input
   ScheduleRequest schedule;
   IndicatorsRequest indicators;
 };

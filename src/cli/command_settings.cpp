@@ -1,25 +1,65 @@
-// settings [KEY=VALUE ...]: set controls as a user would, then save; with none, print them all.
+// settings [KEY=VALUE ...] [--password-stdin]: set controls as a user would, then save; with none,
+// print them all, the password masked.
+#include <iostream>
 #include <set>
 #include <vector>
 
 #include "cli/commands.h"
 #include "core/app/settings.h"
 #include "core/platform/paths.h"
+#include "core/platform/terminal.h"
 #include "core/stats/statistic_choices.h"
 
 namespace corvanet::cli {
 
+namespace {
+
+constexpr std::string_view kPasswordKey = "Password";
+
+// The password as printed: whether one is set, never its text nor its length. The initial text
+// and an empty one are shown as they are: neither is a secret, and both tell that none is set.
+std::string PrintedValue(const Session& session, const SettingDef& def) {
+  const std::string value = DisplayValue(session, def);
+  if (def.key != kPasswordKey || value.empty() || value == WindowState().Password) return value;
+  return "********";
+}
+
+// The first line of the input, without its line end; asked for without echo at a terminal.
+bool ReadPassword(CommandContext& context, std::string& password) {
+  const CliEnvironment& environment = context.environment;
+  bool read = false;
+  if (environment.input != nullptr) {
+    read = static_cast<bool>(std::getline(*environment.input, password));
+  } else if (environment.input_terminal) {
+    context.err << "Password: " << std::flush;
+    read = ReadLineWithoutEcho(password);
+  } else {
+    read = static_cast<bool>(std::getline(std::cin, password));
+  }
+  if (read && !password.empty() && password.back() == '\r') password.pop_back();
+  return read;
+}
+
+}  // namespace
+
 int SettingsCommand(CommandContext& context, const CommandLine& line) {
   Session& session = context.session;
-  const std::vector<std::string>& args = line.words;
-  if (args.empty()) {
+  std::vector<std::string> args = line.words;
+  if (args.empty() && !line.password_stdin) {
     std::set<std::string_view> printed;
     for (const SettingDef& def : SettingsTable()) {
       if (printed.insert(def.key).second) {
-        context.out << def.key << '=' << DisplayValue(session, def) << '\n';
+        context.out << def.key << '=' << PrintedValue(session, def) << '\n';
       }
     }
     return kExitOk;
+  }
+  if (line.password_stdin) {
+    std::string password;
+    if (!ReadPassword(context, password)) {
+      return UsageError(context, "settings", "--password-stdin found no line to read");
+    }
+    args.push_back(std::string(kPasswordKey) + "=" + password);
   }
   // Every pair is checked before any control changes, so a typo changes nothing.
   std::vector<std::pair<const SettingDef*, std::string>> changes;
@@ -34,7 +74,7 @@ int SettingsCommand(CommandContext& context, const CommandLine& line) {
     if (const std::string problem = SettingValueProblem(*def, value); !problem.empty()) {
       // A password is never echoed.
       const std::string shown =
-          def->key == "Password" ? std::string("this value") : '"' + value + '"';
+          def->key == kPasswordKey ? std::string("this value") : '"' + value + '"';
       return UsageError(context, "settings",
                         std::string(def->key) + " does not take " + shown + ": " + problem);
     }

@@ -13,5 +13,6 @@ int main(int argc, char** argv) {
   // Cron mail and log files get no progress line, only a person at a terminal does.
   environment.progress_terminal = ::isatty(STDERR_FILENO) == 1;
   if (environment.progress_terminal) environment.terminal_width = corvanet::cli::TerminalWidth();
+  environment.input_terminal = ::isatty(STDIN_FILENO) == 1;
   return corvanet::cli::RunCli(args, std::cout, std::cerr, environment);
 }
