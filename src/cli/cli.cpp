@@ -14,6 +14,7 @@
 #include "core/platform/clock.h"
 #include "core/platform/headless_shell.h"
 #include "core/platform/http.h"
+#include "core/platform/run_lock.h"
 #include "core/platform/text.h"
 #include "core/state/log.h"
 
@@ -28,6 +29,17 @@ long HttpTimeoutFromEnvironment() {
     if (ParseInteger(text, seconds) && seconds > 0) return seconds;
   }
   return 60;
+}
+
+// The commands that change the installation's files: like a run, they wait for no run of another
+// process, whose files those are.
+bool ChangesFiles(const CommandLine& line) {
+  const std::string& command = line.command;
+  if (command == "clear-datafiles" || command == "refresh-masterfile") return true;
+  if (command == "list") return !line.words.empty();
+  if (command == "settings") return !line.words.empty() || line.password_stdin;
+  if (command == "schedule") return !line.schedule.show;
+  return false;
 }
 
 bool ShowsProgress(const CommandLine& line) {
@@ -55,13 +67,25 @@ int StartAndRun(const CommandLine& line, std::ostream& out, std::ostream& err,
   std::optional<EarlyFetches> early_fetches;
   if (startup.may_run_unattended || startup.list_to_run != 0) early_fetches.emplace(session);
   if (!Form_Load(session, startup)) {
-    err << "corvanet-cli: start-up failed: could not create the installation in "
-        << session.app.ProgramDirectory << '\n';
+    err << "corvanet-cli: start-up failed: " << session.app.StartupProblem << '\n';
     return kExitStartupFailed;
+  }
+  RunLock lock;
+  if (ChangesFiles(line) &&
+      !lock.Acquire(session.app.ProgramDirectory, FormatTimeOfDay(session.clock.Now()))) {
+    err << "corvanet-cli " << line.command << ": " << lock.holder()
+        << " Nothing was changed; try again when it has ended.\n";
+    return kExitBusy;
   }
   if (line.log) {
     session.ui.GenerateLogFile = 1;
-    GenerateLogFile_Click(session);
+    // A fresh log, unless a run of another process is writing to it: then this start's lines go
+    // after the run's.
+    RunLock report_lock;
+    if (report_lock.AcquireUnlessHeld(session.app.ProgramDirectory,
+                                      FormatTimeOfDay(session.clock.Now()))) {
+      GenerateLogFile_Click(session);
+    }
   }
 
   std::optional<ProgressLine> progress;

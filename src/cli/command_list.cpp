@@ -7,6 +7,7 @@
 #include "core/app/settings_buttons.h"
 #include "core/lists/download_lists.h"
 #include "core/lists/list_editing.h"
+#include "core/platform/files.h"
 #include "core/platform/text.h"
 
 namespace corvanet::cli {
@@ -152,6 +153,11 @@ int ListCommand(CommandContext& context, const CommandLine& line) {
   Session& session = context.session;
   DownloadList_Click(session, line.list);
   if (edits.empty()) {
+    if (const std::string path = DownloadListPath(session, line.list); !FileExists(path)) {
+      context.err << "corvanet-cli list: download list " << line.list << " has no file: " << path
+                  << " is missing (a list is written when it is first saved).\n";
+      return kExitRefused;
+    }
     for (const std::string& item : session.ui.List6.items) context.out << item << '\n';
     return kExitOk;
   }

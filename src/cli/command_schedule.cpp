@@ -85,6 +85,10 @@ int Install(CommandContext& context, const CommandLine& line) {
   run.base_directory = context.session.app.BaseDirectory;
   run.program_directory = context.session.app.ProgramDirectory;
   std::ostream& out = context.out;
+  if (const std::string problem = ScheduleProblem(run); !problem.empty()) {
+    context.err << "corvanet-cli schedule: " << problem << "; nothing was scheduled.\n";
+    return kExitRefused;
+  }
   if (!UserSystemdRunning()) {
     out << "No systemd user instance runs here; add this line with 'crontab -e' instead:\n"
         << CrontabLine(run) << '\n';

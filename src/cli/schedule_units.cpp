@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "core/platform/paths.h"
 #include "core/platform/text.h"
 
 namespace corvanet::cli {
@@ -133,6 +134,16 @@ bool ParseTimeOfDay(std::string_view text, int& hour, int& minute) {
   hour = std::stoi(std::string(text.substr(0, colon)));
   minute = std::stoi(std::string(text.substr(colon + 1)));
   return hour <= 23 && minute <= 59;
+}
+
+std::string ScheduleProblem(const ScheduledRun& run) {
+  for (const std::string* path : {&run.program, &run.base_directory, &run.program_directory}) {
+    if (HasControlCharacter(*path)) {
+      return "a path of the run holds a line break or another control character; a unit file or "
+             "crontab line cannot hold it";
+    }
+  }
+  return {};
 }
 
 std::string UnitName(int list) {

@@ -26,6 +26,11 @@ struct ScheduledRun {
   std::string program_directory;  // where an unattended start finds its files
 };
 
+// Why the run cannot be written into a unit file or a crontab line (a path holding a line break or
+// another control character, which would end the line and start a command of its own); "" when
+// it can. The texts below are made only of runs it accepts.
+std::string ScheduleProblem(const ScheduledRun& run);
+
 // "corvanet-list-3": the timer and the service carry it with their suffixes.
 std::string UnitName(int list);
 // "Mon..Fri *-*-* 18:30:00"

@@ -87,9 +87,7 @@ int main(int argc, char** argv) {
       options.base_directory.empty() ? corvanet::DefaultBaseDirectory() : options.base_directory;
   if (!corvanet::Form_Load(session, startup)) {
     QMessageBox::critical(nullptr, "Corvanet",
-                          QString::fromStdString("Start-up failed: could not create the "
-                                                 "installation in " +
-                                                 session.app.ProgramDirectory));
+                          QString::fromStdString("Start-up failed: " + session.app.StartupProblem));
     return 1;
   }
   if (options.log) {

@@ -55,6 +55,14 @@ bool RunMayStart(Session& session) {
     return false;
   }
   if (ChosenVendor(ui) == nullptr) {
+    // A list file that is gone sets no vendor: that is what the user must hear of.
+    const std::string list_file = DownloadListPath(session, CurrentListNumber(session));
+    if (!FileExists(list_file)) {
+      session.shell.Notify("The file of " + DownLoadType(session) + ", " + list_file +
+                           ", is missing.\rChoose its data vendor, periods and issues, and save "
+                           "it again.");
+      return false;
+    }
     session.shell.Notify("Please select a Data Vendor!");
     return false;
   }
@@ -235,6 +243,7 @@ RunSummary DownLoadButton_Click(Session& session) {
 
   ui.DownLoadButton.bold = true;
   ui.RunProblems = {"", false};
+  MakeListFolder(session);  // a lists folder deleted by hand, so the list can be saved
   SaveDownloadList_Click(session);
   run.RunStartTimer = session.clock.Timer();
   run.RunStartTime = session.clock.Now();
@@ -309,7 +318,10 @@ RunSummary DownLoadButton_Click(Session& session) {
     // A failed fetch keeps the old copy on disk, but an old message is not shown again as new.
     const std::string message_file = GetSystemMessageFileName(session);
     message_fetched = RetrieveDataFile(session, message_file, message_file).ok();
-    RefreshMasterfile(session);
+    std::string held_back;
+    if (RefreshMasterfile(session, &held_back) == MasterfileRefresh::kHeldBack) {
+      summary.notes.push_back(std::move(held_back));
+    }
     ConvertPriceFiles(session, list, price_files.ledger(), summary);
   }
 

@@ -13,15 +13,14 @@
 
 namespace corvanet {
 
-namespace {
-
 // Everything but the sample datafiles, which go to the program folder.
-bool WriteResources(const std::string& lists_folder) {
+bool WriteListFolderFiles(const std::string& lists_folder, bool only_missing) {
   bool ok = true;
   for (const EmbeddedFile& file : EmbeddedResources()) {
     if (StartsWith(file.relative_path, "SampleData/")) continue;
     std::string path = lists_folder;
     for (const char c : file.relative_path) path += c == '/' ? kSep : c;
+    if (only_missing && FileExists(path)) continue;
     const auto slash = path.find_last_of(kSep);
     ok = CreateFolders(path.substr(0, slash)) && ok;
     ok = WriteWholeFile(path, file.content) && ok;
@@ -29,21 +28,27 @@ bool WriteResources(const std::string& lists_folder) {
   return ok;
 }
 
-}  // namespace
+std::string DefaultFolder(const Session& session, std::string_view key) {
+  const std::string& base = session.app.BaseDirectory;
+  if (key == "PathToDataFiles") return base + Folder("CSVFiles");
+  if (key == "PathToLists") return base + Folder("Lists");
+  if (key == "PathToMSPxFiles") return base + Folder("MetaStock");
+  return {};
+}
 
 bool EnsureInstallation(Session& session) {
   const AppState& app = session.app;
   if (DirectoryExists(app.ProgramDirectory)) return true;
   WindowState& ui = session.ui;
-  ui.PathToDataFiles = app.BaseDirectory + Folder("CSVFiles");
-  ui.PathToLists = app.BaseDirectory + Folder("Lists");
-  ui.PathToMSPxFiles = app.BaseDirectory + Folder("MetaStock");
+  ui.PathToDataFiles = DefaultFolder(session, "PathToDataFiles");
+  ui.PathToLists = DefaultFolder(session, "PathToLists");
+  ui.PathToMSPxFiles = DefaultFolder(session, "PathToMSPxFiles");
   bool ok = true;
   for (const char* folder : {"Base", "Daily", "Weekly", "Monthly", "Quarterly"}) {
     ok = CreateFolders(ui.PathToDataFiles + folder) && ok;
   }
   ok = CreateFolders(ui.PathToLists) && ok;
-  ok = WriteResources(ui.PathToLists) && ok;
+  ok = WriteListFolderFiles(ui.PathToLists, false) && ok;
   // The program folder is what marks an installation as made, so it comes last and goes again
   // when its settings file could not be written: the next start then tries afresh.
   ok = CreateFolders(app.ProgramDirectory) && ok;

@@ -2,11 +2,13 @@
 
 #include <cassert>
 
+#include "core/app/installation.h"
 #include "core/download/datafile_names.h"
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
 #include "core/platform/run_lock.h"
 #include "core/pricefiles/price_files.h"
+#include "core/state/log.h"
 #include "core/stats/single_stat_files.h"
 #include "core/stats/statistic_catalogue.h"
 
@@ -60,6 +62,18 @@ void MakeFolder(const std::string& folder, std::vector<std::string>& problems) {
 }
 
 }  // namespace
+
+bool MakeListFolder(Session& session) {
+  const std::string& folder = session.ui.PathToLists;
+  if (folder.empty() || DirectoryExists(folder)) return true;
+  if (!CreateFolders(folder) || !WriteListFolderFiles(folder, true)) {
+    Log(session,
+        "MakeListFolder - the lists folder " + folder + " is missing and could not be made");
+    return false;
+  }
+  Log(session, "MakeListFolder - the lists folder " + folder + " was missing and is made again");
+  return true;
+}
 
 std::vector<std::string> MakeRunFolders(Session& session) {
   const WindowState& ui = session.ui;

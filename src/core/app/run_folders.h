@@ -13,6 +13,10 @@ namespace corvanet {
 // folder that could not be made, naming its path.
 std::vector<std::string> MakeRunFolders(Session& session);
 
+// Makes the lists folder again, with the help pages and Stats.csv it carries, when a user deleted
+// it by hand. False (logged) when it could not be made.
+bool MakeListFolder(Session& session);
+
 // Removes the temporary files that a dead process left in every folder the program writes to
 // (never those a living writer holds). Returns how many were removed.
 int SweepTemporaryFiles(Session& session);

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "core/app/installation.h"
 #include "core/download/early_fetches.h"
 #include "core/download/refresh_masterfile.h"
 #include "core/lists/download_lists.h"
@@ -9,6 +10,7 @@
 #include "core/platform/field_reader.h"
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
+#include "core/platform/run_lock.h"
 #include "core/platform/text.h"
 #include "core/state/log.h"
 #include "core/ui/help_pages.h"
@@ -81,6 +83,11 @@ std::string StoredTextProblem(std::string_view text) {
   return {};
 }
 
+std::string PathTextProblem(std::string_view text) {
+  if (HasControlCharacter(text)) return "it holds a line break or another control character";
+  return {};
+}
+
 std::string SettingsFilePath(const Session& session) {
   return session.app.ProgramDirectory + "Rondex.ini";
 }
@@ -120,8 +127,9 @@ std::string SettingValueProblem(const SettingDef& def, std::string_view text) {
       if (ParseOption(text, option)) return {};
       return "option buttons take True or False";
     case SettingForm::kText:
-    case SettingForm::kPath:
       return StoredTextProblem(text);
+    case SettingForm::kPath:
+      return PathTextProblem(text);
   }
   return "unknown form";
 }
@@ -155,6 +163,8 @@ bool SetSetting(Session& session, const SettingDef& def, std::string_view text,
                               return true;
                             },
                             [&](std::string W::*m) {
+                              if (def.form == SettingForm::kPath && !PathTextProblem(text).empty())
+                                return false;
                               std::string value(text);
                               if (def.form == SettingForm::kPath &&
                                   source == ValueSource::kSettingsFile && !IsAbsolutePath(value)) {
@@ -174,6 +184,24 @@ void SetCheck(Session& session, std::string_view key, int value) {
     SetSetting(session, *def, std::to_string(value), ValueSource::kUser);
   }
 }
+
+namespace {
+
+// A folder of the settings file that holds a control character would end up in the converter
+// batches: the installation's own folder of that kind is used instead, and the user hears of it.
+void RefuseStoredFolder(Session& session, const SettingDef& def, const std::string& settings_file,
+                        const std::string& problem) {
+  const std::string folder = DefaultFolder(session, def.key);
+  session.ui.*std::get<std::string W::*>(def.control) = folder;
+  const std::string refused = "The folder " + std::string(def.key) + " in " + settings_file +
+                              " is not used: " + problem + ".";
+  Log(session, "LoadINI - " + refused);
+  session.shell.MessageBox(
+      refused + "\r" + folder + " is used instead; choose the folder again and save the settings.",
+      "Corvanet Settings", Buttons::kOk, Icon::kExclamation);
+}
+
+}  // namespace
 
 void LoadINI(Session& session) {
   LogEntry(session, "LoadINI");
@@ -216,6 +244,12 @@ void LoadINI(Session& session) {
                              std::string(def->key) + " has no value, skipped");
             continue;
           }
+          if (def->form == SettingForm::kPath) {
+            if (const std::string problem = PathTextProblem(fields[i + 1]); !problem.empty()) {
+              RefuseStoredFolder(session, *def, path, problem);
+              continue;
+            }
+          }
           if (!SetSetting(session, *def, fields[i + 1], ValueSource::kSettingsFile)) {
             Log(session, "LoadINI - line " + std::to_string(line_number) + " - " +
                              std::string(def->key) + " has a value of the wrong form, skipped");
@@ -239,7 +273,9 @@ void LoadINI(Session& session) {
 std::string UnstorableSetting(const Session& session) {
   for (const SettingDef& def : SettingsTable()) {
     if (def.form != SettingForm::kText && def.form != SettingForm::kPath) continue;
-    const std::string problem = StoredTextProblem(StoredValue(session, def));
+    const std::string value = StoredValue(session, def);
+    const std::string problem =
+        def.form == SettingForm::kPath ? PathTextProblem(value) : StoredTextProblem(value);
     if (!problem.empty()) return std::string(def.key) + " cannot be saved as typed: " + problem;
   }
   return {};
@@ -320,8 +356,14 @@ void LoadConfiguration_Click(Session& session) {
   session.ui.DownLoadButton.bold = true;
   SelectMasterfile(session);
   StartUpdateFilesOfList(session, session.app.RunListNum);
-  // A master file fetched for the first time must show at once, not at the next list click.
-  if (RefreshMasterfile(session) == MasterfileRefresh::kInstalled) LoadMasterfile(session);
+  // A master file fetched for the first time must show at once, not at the next list click. A run
+  // of another process refreshes it itself; installing one under it would change its lists.
+  RunLock lock;
+  if (lock.AcquireUnlessHeld(session.app.ProgramDirectory, FormatTimeOfDay(session.clock.Now()))) {
+    if (RefreshMasterfile(session) == MasterfileRefresh::kInstalled) LoadMasterfile(session);
+  } else {
+    Log(session, "LoadConfiguration_Click - " + lock.holder() + " The master file is left to it.");
+  }
   // The list in hand is shown again as its file holds it: an emptied box with the list still
   // selected would be saved over the file by the next download.
   if (const int list = CurrentListNumber(session); list != 0) DownloadList_Click(session, list);

@@ -53,6 +53,8 @@ bool SettingValueFits(const SettingDef& def, std::string_view text);
 // Why a text cannot be written to the settings file so that it reads back unchanged; empty when
 // it can (texts holding a comma or blanks at their ends are written in quotes).
 std::string StoredTextProblem(std::string_view text);
+// Why a folder cannot be taken (a line break or another control character); empty when it can.
+std::string PathTextProblem(std::string_view text);
 // The first text setting that cannot be saved as typed, with the reason; empty when all can.
 std::string UnstorableSetting(const Session& session);
 

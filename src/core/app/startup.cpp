@@ -7,12 +7,14 @@
 
 #include "core/app/download_run.h"
 #include "core/app/installation.h"
+#include "core/app/run_folders.h"
 #include "core/app/settings.h"
 #include "core/lists/download_lists.h"
 #include "core/platform/field_reader.h"
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
 #include "core/platform/process.h"
+#include "core/platform/run_lock.h"
 #include "core/platform/text.h"
 #include "core/state/log.h"
 #include "core/stats/statistic_choices.h"
@@ -31,6 +33,13 @@ std::string AbsoluteFolder(const std::string& folder) {
   const std::filesystem::path absolute = std::filesystem::absolute(folder, ec);
   if (ec) return WithTrailingSeparator(folder);
   return WithTrailingSeparator(absolute.lexically_normal().string());
+}
+// The text with its control characters shown as "?", fit for one line of a message.
+std::string Printable(std::string text) {
+  for (char& c : text) {
+    if (HasControlCharacter(std::string_view(&c, 1))) c = '?';
+  }
+  return text;
 }
 }  // namespace
 
@@ -77,29 +86,45 @@ bool Form_Load(Session& session, const StartupOptions& options) {
   app.StartDirectory =
       options.start_directory.empty() ? "" : WithTrailingSeparator(options.start_directory);
   app.BaseDirectory = AbsoluteFolder(options.base_directory);
-  app.ProgramDirectory.clear();  // the report below must go to the start folder
+  app.ProgramDirectory.clear();
+  app.StartupProblem.clear();
+  // Every path of the program starts with this one, and some go into batch and unit files.
+  if (HasControlCharacter(app.BaseDirectory)) {
+    app.StartupProblem = "the installation folder " + Printable(app.BaseDirectory) +
+                         " holds a line break or another control character; choose another";
+    return false;
+  }
   // Only a start that can carry out the unattended run takes the number: any other would lose a
   // scheduled run without a word.
   app.RunListNum = options.may_run_unattended
                        ? ReadAndResetRunListNum(app.StartDirectory + "RunListNum.txt")
                        : options.list_to_run;
   ui.PathToDataFiles = app.BaseDirectory + Folder("CSVFiles");
-  // Written before ProgramDirectory is known, so it goes to the start directory and shows the
-  // design state; kept in this order on purpose.
-  WriteSettingsReport(session);
   app.EditionDirectory = Folder(kEditionDirectory);
   app.VersionText = std::string(kVersionText);
   ui.WindowTitle = "Corvanet for Ovalith";
   ui.DisplayVersionNum.caption = "Version " + app.VersionText + " - For Ovalith Subscribers";
   app.ProgramDirectory = app.BaseDirectory + app.EditionDirectory;
-  if (!EnsureInstallation(session)) return false;
+  if (!EnsureInstallation(session)) {
+    app.StartupProblem = "could not create the installation in " + app.ProgramDirectory;
+    return false;
+  }
   if (options.change_directory) {
     std::error_code ec;
     std::filesystem::current_path(app.ProgramDirectory, ec);
   }
+  // Start-up rewrites the log and, by the master file refresh, the lists: not while a run of
+  // another process holds the installation, whose log and lists those are.
+  RunLock lock;
+  const bool installation_free =
+      lock.AcquireUnlessHeld(app.ProgramDirectory, FormatTimeOfDay(session.clock.Now()));
+  // The report shows the controls' design state. It goes beside the log in the program folder,
+  // never into the folder the program was started from, which is the user's own.
+  if (installation_free) WriteSettingsReport(session);
   app.CurrentListNumber = "0";
   ui.ProgressBar1.visible = false;
   LoadConfiguration_Click(session);
+  if (installation_free) MakeListFolder(session);
   SetUpOverview_Click(session);
   LoadStatisticChoices(session);
   return true;

@@ -34,7 +34,8 @@ int WholeNumberRead(std::string_view text);
 
 // Puts the window into its first state, loads the settings and the master file, and leaves the
 // choice between waiting for the user and an unattended run to the caller (RunListNum).
-// False when start-up failed (the installation could not be created).
+// False when start-up failed (an installation folder holding a control character, or one that
+// could not be created); AppState::StartupProblem then says why.
 bool Form_Load(Session& session, const StartupOptions& options);
 
 // Runs list RunListNum (1-7) as if its buttons were clicked; any other number runs nothing.

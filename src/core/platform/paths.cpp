@@ -21,13 +21,18 @@ bool IsAbsolutePath(std::string_view path) {
 #endif
 }
 
-bool IsSafeFileNamePart(std::string_view text) {
-  if (text.empty() || text.find("..") != std::string_view::npos) return false;
+bool HasControlCharacter(std::string_view text) {
   for (const char c : text) {
     const auto u = static_cast<unsigned char>(c);
-    if (c == '/' || c == '\\' || u < 0x20 || u == 0x7f) return false;
+    if (u < 0x20 || u == 0x7f) return true;
   }
-  return true;
+  return false;
+}
+
+bool IsSafeFileNamePart(std::string_view text) {
+  if (text.empty() || text.find("..") != std::string_view::npos) return false;
+  if (HasControlCharacter(text)) return false;
+  return text.find_first_of("/\\") == std::string_view::npos;
 }
 
 }  // namespace corvanet

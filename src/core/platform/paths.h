@@ -33,6 +33,11 @@ std::string BaseDirectoryFromProgramFolder(std::string_view program_folder);
 // "/x" on POSIX; "C:\x", "C:/x" or "\\server\x" on Windows.
 bool IsAbsolutePath(std::string_view path);
 
+// True when the text holds a line break, a tab or another control character. Paths holding one are
+// refused wherever they are taken in: written into a batch file, a unit file or a crontab line,
+// a line break would start a command of its own.
+bool HasControlCharacter(std::string_view text);
+
 // True when a symbol may be used as (part of) a file name: no separator of either kind, no "..",
 // no control character, not empty.
 bool IsSafeFileNamePart(std::string_view text);

@@ -16,6 +16,14 @@ namespace {
 constexpr const char* kLockFile = "RunLock.txt";
 }  // namespace
 
+bool RunLock::AcquireUnlessHeld(const std::string& folder, const std::string& started) {
+  if (HeldDescriptor() >= 0) {
+    holder_.clear();
+    return true;
+  }
+  return Acquire(folder, started);
+}
+
 #ifndef _WIN32
 
 namespace {

@@ -16,6 +16,9 @@ class RunLock {
   // Takes the lock in `folder` (the program folder) and notes this process and `started` (the
   // time of day, "18:02:11") in it. False when another process holds it; holder() then says who.
   bool Acquire(const std::string& folder, const std::string& started);
+  // The same, but true at once when this process holds the lock already: a change made outside a
+  // run (a list or settings saved, a master file refreshed) is also made by a run, under its lock.
+  bool AcquireUnlessHeld(const std::string& folder, const std::string& started);
   void Release();
   bool held() const { return fd_ >= 0; }
   // "Another run has been in progress since 18:02:11 (process 4242)." after a failed Acquire.

@@ -8,10 +8,7 @@
 namespace corvanet {
 
 std::string LogFilePath(const Session& session) {
-  // Before start-up fixes ProgramDirectory this is the directory the program was started in.
-  const std::string& folder = session.app.ProgramDirectory.empty() ? session.app.StartDirectory
-                                                                   : session.app.ProgramDirectory;
-  return folder + "LogFile.txt";
+  return session.app.ProgramDirectory + "LogFile.txt";
 }
 
 void WriteLogAlways(Session& session, std::string_view message) {
@@ -34,6 +31,9 @@ void AppendLogLine(Session& session, std::string line) {
     session.held_log_lines->push_back(std::move(line));
     return;
   }
+  // Nothing is written before start-up knows the program folder: the folder the program was
+  // started from belongs to the user.
+  if (session.app.ProgramDirectory.empty()) return;
   AppendLine(LogFilePath(session), line, FileAccess::kOwnerOnly);
 }
 
@@ -67,6 +67,7 @@ void WriteSettingsReport(Session& session) {
   line("SystemMessagesYes.Value:  ", option(ui.SystemMessagesYes));
   line("SystemMessagesNo.Value:  ", option(ui.SystemMessagesNo));
   line("", "");
+  if (session.app.ProgramDirectory.empty()) return;
   WriteWholeFile(LogFilePath(session), report, FileAccess::kOwnerOnly);
 }
 

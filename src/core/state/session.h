@@ -33,6 +33,7 @@ struct AppState {
   std::vector<std::string> ListItemsAsSaved;
   std::string MasterFileName;
   std::string DataSetURL;
+  std::string StartupProblem;  // why start-up failed, for the front end to say; "" when it did not
 };
 
 // The datafile in hand during a run.
