@@ -135,7 +135,7 @@ TEST_F(DataSafetyTest, AFifoWhereAFileBelongsNeverHoldsARun) {
       {data("Base/SOXDaily-CompositeStats.csv"), 3, "CompositeStats.csv: not a regular file"},
       {base() + "Lists/Download2.csv", 4, "Download2.csv, is missing"},
       {base() + "Rondex/LogFile.txt", 0, "Datafiles failed: 0"},
-      {data("PX/Daily/$INDU.csv"), 0, "Datafiles failed: 0"},
+      {data("PX/Daily/$INDU.csv"), 3, "$INDU.csv: not a regular file"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.path);
