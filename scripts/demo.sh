@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# The main job, end to end on this machine: a demo data service on a free loopback port, an
-# installation pointed at it, an unattended run of "All Periods" with price files converted to
+# The main job, end to end on this machine: a demo data service on a free loopback port, speaking
+# HTTPS with a certificate of an authority made for the demo alone, an installation pointed at it
+# and trusting that authority, an unattended run of "All Periods" with price files converted to
 # MetaStock format, one new bar, and a second run that merges it.
 set -euo pipefail
 build=${1:-build}
@@ -17,19 +18,33 @@ mkdir -p "$service_root" "$install"
 echo "== Generating a demo data set"
 "$bin/corvanet-demo-service" generate --root "$service_root" --composites 60 --years 10 --seed 1
 
+echo "== Making a throw-away authority and the service's certificate"
+tls="$demo/tls"
+mkdir -p "$tls"
+openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -days 30 \
+  -subj "/CN=Corvanet demo authority" -keyout "$tls/authority.key" -out "$tls/authority.pem" \
+  -addext "basicConstraints=critical,CA:TRUE" -addext "keyUsage=critical,keyCertSign" 2>/dev/null
+openssl req -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -subj "/CN=127.0.0.1" \
+  -keyout "$tls/service.key" -out "$tls/service.csr" 2>/dev/null
+printf 'subjectAltName=IP:127.0.0.1,DNS:localhost\nextendedKeyUsage=serverAuth\n' >"$tls/service.ext"
+openssl x509 -req -in "$tls/service.csr" -CA "$tls/authority.pem" -CAkey "$tls/authority.key" \
+  -CAcreateserial -days 30 -extfile "$tls/service.ext" -out "$tls/service.pem" 2>/dev/null
+
 port_file="$demo/port"
 "$bin/corvanet-demo-service" serve --root "$service_root" --host 127.0.0.1 --port 0 \
-  --port-file "$port_file" --user "$user" --password "$password" 2>"$demo/service.log" &
+  --port-file "$port_file" --user "$user" --password "$password" \
+  --tls-cert "$tls/service.pem" --tls-key "$tls/service.key" 2>"$demo/service.log" &
 service_pid=$!
 trap 'kill $service_pid 2>/dev/null || true; wait $service_pid 2>/dev/null || true' EXIT
 for _ in $(seq 1 100); do [ -s "$port_file" ] && break; sleep 0.05; done
 [ -s "$port_file" ] || { echo "the demo service did not start"; cat "$demo/service.log"; exit 1; }
 port=$(cat "$port_file")
-echo "== Demo service listening on 127.0.0.1:$port"
+echo "== Demo service listening on https://127.0.0.1:$port"
 
 cli=("$bin/corvanet-cli" --base-dir "$install")
 cd "$demo"   # RunListNum.txt and the first report live in the start folder
-"${cli[@]}" settings "UserName=$user" "Password=$password" "IPAddress=127.0.0.1:$port" >/dev/null
+"${cli[@]}" settings "UserName=$user" "Password=$password" "IPAddress=https://127.0.0.1:$port" \
+  "CAFile=$tls/authority.pem" >/dev/null
 # Traditional and equal-weight price files, converted to MetaStock format after each run.
 "${cli[@]}" settings ImplementSpecialFunctions=1 MakeMetaStockPxFiles=1 OHLCVV=1 EqWtOHLCVV=1 \
   >/dev/null
@@ -52,4 +67,5 @@ echo "Converter log:  ${install}Rondex/MSXlog.txt"
 echo "Settings:       ${install}Rondex/Rondex.ini"
 echo "Download lists: ${install}Lists/"
 echo "Service log:    $demo/service.log"
+echo "Authority:      $tls/authority.pem (the setting CAFile; the service's certificate: $tls/service.pem)"
 exit $status

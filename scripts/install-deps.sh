@@ -7,7 +7,7 @@ set -euo pipefail
 packages=(
   build-essential cmake make pkg-config git
   libgtest-dev libgmock-dev
-  libcurl4-openssl-dev libcpp-httplib-dev libcli11-dev
+  libcurl4-openssl-dev libssl-dev openssl libcpp-httplib-dev libcli11-dev
   qt6-base-dev
   # The chart page; its CMake package needs the OpenGL one, which it does not pull in.
   qt6-charts-dev libqt6opengl6-dev

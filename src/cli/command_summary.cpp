@@ -19,7 +19,7 @@ void PrintInstallationSummary(CommandContext& context) {
       << "Datafiles:        " << ui.PathToDataFiles << '\n'
       << "Download lists:   " << ui.PathToLists << '\n'
       << "MetaStock files:  " << ui.PathToMSPxFiles << '\n'
-      << "Data service:     http://" << app.DataSetURL << '\n'
+      << "Data service:     " << ServiceUrl(app.DataSetURL, "") << '\n'
       << "Master file:      " << MasterFilePath(session) << " (" << ui.List5.size() << " issues)\n"
       << "User name:        " << ui.UserName << '\n';
 }

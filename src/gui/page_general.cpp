@@ -86,11 +86,23 @@ class GeneralPage final : public Page {
     auto* server = new QGridLayout;
     server->addWidget(new QLabel("Data Service Address"), 0, 0);
     server->addWidget(bind_.SettingText("IPAddress"), 0, 1);
-    server->addWidget(Note("Host name or address and port, such as 127.0.0.1:8080."), 1, 1);
-    server->addWidget(new QLabel("Retries"), 2, 0);
+    server->addWidget(Note("Such as https://data.example.com; a host and port alone, such as "
+                           "127.0.0.1:8080, is plain HTTP."),
+                      1, 1);
+    server->addWidget(new QLabel("Own Authority (PEM)"), 2, 0);
+    server->addWidget(bind_.SettingText("CAFile"), 2, 1);
+    server->addWidget(Note("Only for a service whose certificate comes from an authority of its "
+                           "own: that authority's certificate file, trusted besides this "
+                           "computer's."),
+                      3, 1);
+    server->addWidget(new QLabel("Retries"), 4, 0);
     auto* retries = bind_.SettingText("RetryNumber");
     retries->setMaximumWidth(80);
-    server->addWidget(retries, 2, 1, Qt::AlignLeft);
+    server->addWidget(retries, 4, 1, Qt::AlignLeft);
+    server->addWidget(new QLabel("Largest Download (MiB)"), 5, 0);
+    auto* largest = bind_.SettingText("MaxDownloadMB");
+    largest->setMaximumWidth(80);
+    server->addWidget(largest, 5, 1, Qt::AlignLeft);
     left->addWidget(Group("FrameServer", "Data Service", server));
     left->addStretch();
 

@@ -19,7 +19,7 @@ class RunTest : public CliTest {
   void SetUp() override {
     // Message boxes at the end of a run are tested on their own; here they would only add noise.
     ASSERT_EQ(RunIn({"settings", "UserName=" + service.user(), "Password=" + service.password(),
-                     "IPAddress=" + service.host_and_port(), "DownloadCompleteMessageNo=True",
+                     "IPAddress=" + service.address(), "DownloadCompleteMessageNo=True",
                      "SystemMessagesNo=True"})
                   .code,
               0);

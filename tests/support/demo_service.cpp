@@ -99,8 +99,13 @@ std::string DemoService::host_and_port() const {
   return "127.0.0.1:" + std::to_string(port_);
 }
 
+std::string DemoService::address() const {
+  return (options_.tls_certificate.empty() ? "" : "https://") + host_and_port();
+}
+
 std::string DemoService::url(std::string_view path) const {
-  return "http://" + host_and_port() + std::string(path);
+  return (options_.tls_certificate.empty() ? "http://" : "https://") + host_and_port() +
+         std::string(path);
 }
 
 void DemoService::SetFaults(const std::vector<std::string>& rules) {
@@ -124,11 +129,16 @@ void DemoService::Start() {
 
 bool DemoService::StartOn(int port) {
   ::unlink(port_file_.c_str());
-  pid_ = Spawn(ToolPath(),
-               {"serve", "--root", root_, "--host", "127.0.0.1", "--port", std::to_string(port),
-                "--user", options_.user, "--password", options_.password, "--faults", faults_file_,
-                "--port-file", port_file_},
-               dir_ / "serve.out", log_file_);
+  std::vector<std::string> args = {"serve",      "--root",         root_,
+                                   "--host",     "127.0.0.1",      "--port",
+                                   std::to_string(port), "--user", options_.user,
+                                   "--password", options_.password, "--faults",
+                                   faults_file_, "--port-file",    port_file_};
+  if (!options_.tls_certificate.empty()) {
+    args.insert(args.end(), {"--tls-cert", options_.tls_certificate, "--tls-key",
+                             options_.tls_key});
+  }
+  pid_ = Spawn(ToolPath(), args, dir_ / "serve.out", log_file_);
   int status = 0;
   bool exited = false;
   WaitFor([&] {

@@ -38,6 +38,9 @@ struct DemoServiceOptions {
   std::string password = "pa:ss@w/rd";   // the characters that break credentials in a URL
   std::vector<std::string> faults = {};  // fault rules in force from the start
   bool start = true;                     // false: generate only; call Start() later
+  // Both set: the service speaks HTTPS with this certificate (PEM) and key.
+  std::string tls_certificate;
+  std::string tls_key;
 };
 
 class DemoService {
@@ -51,10 +54,13 @@ class DemoService {
 
   // A data set's folder on disk: "data", "DataAll" or "DataUS".
   std::string data_set_folder(std::string_view data_set = "data") const;
-  // "127.0.0.1:43121": what the client's IP address setting holds.
+  // "127.0.0.1:43121".
   std::string host_and_port() const;
+  // What the client's IP address setting holds: host_and_port(), with "https://" in front when
+  // the service speaks HTTPS.
+  std::string address() const;
   int port() const { return port_; }
-  // "http://127.0.0.1:43121" + path.
+  // "http://127.0.0.1:43121" (or https://) + path.
   std::string url(std::string_view path) const;
   const std::string& user() const { return options_.user; }
   const std::string& password() const { return options_.password; }

@@ -32,11 +32,24 @@ std::string Base64(std::string_view text) {
 
 StubService::StubService(std::string user, std::string password)
     : user_(std::move(user)), password_(std::move(password)), server_(new httplib::Server) {
+  Start();
+}
+
+StubService::StubService(const Tls& tls, std::string user, std::string password)
+    : user_(std::move(user)),
+      password_(std::move(password)),
+      server_(new httplib::SSLServer(tls.certificate.c_str(), tls.key.c_str())),
+      secure_(true) {
+  Start();
+}
+
+void StubService::Start() {
   server_->Get(".*", [this](const httplib::Request& request, httplib::Response& response) {
     std::string path = request.path;
     for (std::size_t pos; (pos = path.find("//")) != std::string::npos;) path.erase(pos, 1);
     std::lock_guard lock(mutex_);
     ++requests_[path];
+    client_ports_.insert(request.remote_port);
     const std::string expected = "Basic " + Base64(user_ + ":" + password_);
     if (request.get_header_value("Authorization") != expected) {
       response.status = 401;
@@ -45,13 +58,44 @@ StubService::StubService(std::string user, std::string password)
       return;
     }
     const auto it = files_.find(path);
+    if (it != files_.end() && !it->second.location.empty()) {
+      response.status = 302;
+      response.set_header("Location", it->second.location);
+      return;
+    }
     if (it == files_.end() || it->second.status != 200) {
       response.status = it == files_.end() ? 404 : it->second.status;
       response.set_content(
           "<html><body>Error " + std::to_string(response.status) + "</body></html>", "text/html");
       return;
     }
-    response.set_content(it->second.content, "text/csv");
+    const Entry& entry = it->second;
+    switch (entry.body) {
+      case Entry::Body::kWhole:
+        response.set_content(entry.content, "text/csv");
+        break;
+      case Entry::Body::kUnsized:
+        response.set_chunked_content_provider(
+            "text/csv", [content = entry.content](std::size_t, httplib::DataSink& sink) {
+              sink.write(content.data(), content.size());
+              sink.done();
+              return true;
+            });
+        break;
+      case Entry::Body::kStalled:
+        response.set_content_provider(
+            entry.content.size(), "text/csv",
+            [this, content = entry.content](std::size_t offset, std::size_t,
+                                            httplib::DataSink& sink) {
+              if (offset == 0) return sink.write(content.data(), content.size() / 2);
+              std::unique_lock wait(mutex_);
+              while (!stopping_ && sink.is_writable()) {
+                stop_.wait_for(wait, std::chrono::milliseconds(50));
+              }
+              return false;
+            });
+        break;
+    }
   });
   port_ = server_->bind_to_any_port("127.0.0.1");
   thread_ = std::thread([this] { server_->listen_after_bind(); });
@@ -59,6 +103,11 @@ StubService::StubService(std::string user, std::string password)
 }
 
 StubService::~StubService() {
+  {
+    std::lock_guard lock(mutex_);
+    stopping_ = true;
+  }
+  stop_.notify_all();
   server_->stop();
   thread_.join();
 }
@@ -69,7 +118,9 @@ std::string StubService::host_and_port() const {
 
 void StubService::SetFile(const std::string& path, std::string content) {
   std::lock_guard lock(mutex_);
-  files_[path] = {std::move(content), 200};
+  Entry entry;
+  entry.content = std::move(content);
+  files_[path] = std::move(entry);
 }
 
 void StubService::RemoveFile(const std::string& path) {
@@ -80,6 +131,30 @@ void StubService::RemoveFile(const std::string& path) {
 void StubService::SetStatus(const std::string& path, int status) {
   std::lock_guard lock(mutex_);
   files_[path].status = status;
+}
+
+void StubService::SetRedirect(const std::string& path, std::string location) {
+  std::lock_guard lock(mutex_);
+  files_[path].location = std::move(location);
+}
+
+void StubService::SetUnsized(const std::string& path) {
+  std::lock_guard lock(mutex_);
+  files_[path].body = Entry::Body::kUnsized;
+}
+
+void StubService::SetStalled(const std::string& path) {
+  std::lock_guard lock(mutex_);
+  files_[path].body = Entry::Body::kStalled;
+}
+
+std::string StubService::url(const std::string& path) const {
+  return (secure_ ? "https://" : "http://") + host_and_port() + path;
+}
+
+int StubService::connections() const {
+  std::lock_guard lock(mutex_);
+  return static_cast<int>(client_ports_.size());
 }
 
 int StubService::requests(const std::string& path) const {

@@ -76,11 +76,20 @@ bool ParseFaultRule(std::string_view text, FaultRule& rule, std::string& error) 
     ++next;
   } else if (action == "truncate") {
     rule.action = FaultAction::kTruncate;
+  } else if (action == "stall") {
+    rule.action = FaultAction::kStall;
   } else if (action == "drop") {
     rule.action = FaultAction::kDrop;
+  } else if (action == "redirect") {
+    rule.action = FaultAction::kRedirect;
+    if (next >= words.size()) {
+      error = "redirect wants the URL to point to: '" + rule.text + "'";
+      return false;
+    }
+    rule.location = std::string(words[next++]);
   } else {
     error = "unknown fault action '" + std::string(action) +
-            "' (status, delay, truncate or drop): '" + rule.text + "'";
+            "' (status, delay, truncate, stall, drop or redirect): '" + rule.text + "'";
     return false;
   }
   if (next < words.size() && words[next] == "times") {

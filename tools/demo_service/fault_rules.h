@@ -5,9 +5,10 @@
 //
 // PATTERN is a glob over the request path ('*' any run of characters, '/' included; '?' one
 // character). ACTION is `status CODE` (answer CODE, 400-599, with an HTML page), `delay MS`
-// (wait before answering), `truncate` (announce the whole length, send half, close) or `drop`
-// (close the connection without an answer). `times N` limits the rule to the first N matching
-// requests. In a rules file, blank lines and lines starting with '#' are skipped.
+// (wait before answering), `truncate` (announce the whole length, send half, close), `stall`
+// (announce the whole length, send half, then send nothing more while keeping the connection
+// open), `drop` (close the connection without an answer) or `redirect URL` (answer 302 with the
+// URL as its Location). `times N` limits the rule to the first N matching requests. In a rules file, blank lines and lines starting with '#' are skipped.
 //
 // Every matching delay applies; the first matching status, truncate or drop rule decides the
 // answer. Rules from the command line come before the rules file's.
@@ -20,12 +21,13 @@
 
 namespace corvanet::demo {
 
-enum class FaultAction { kStatus, kDelay, kTruncate, kDrop };
+enum class FaultAction { kStatus, kDelay, kTruncate, kStall, kDrop, kRedirect };
 
 struct FaultRule {
   std::string pattern;
   FaultAction action = FaultAction::kStatus;
   int value = 0;     // the status code, or the delay in milliseconds
+  std::string location;  // where a redirect points
   int times = 0;     // 0: every matching request
   std::string text;  // the rule as written, for log lines
 };
@@ -38,7 +40,7 @@ bool ParseFaultRules(std::string_view content, std::vector<FaultRule>& rules, st
 // What to do with one request.
 struct FaultPlan {
   int delay_ms = 0;
-  std::optional<FaultRule> answer;  // status, truncate or drop; none: answer normally
+  std::optional<FaultRule> answer;  // any action but delay; none: answer normally
   std::string note;                 // set when a changed rules file could not be read; for the log
 };
 

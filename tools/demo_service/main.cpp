@@ -17,9 +17,10 @@ constexpr const char* kUsage =
     "  corvanet-demo-service advance  --root DIR [--bars K]\n"
     "  corvanet-demo-service serve    --root DIR [--host 127.0.0.1] [--port P] --user U\n"
     "                                 --password PW [--faults FILE] [--fault RULE ...]\n"
-    "                                 [--port-file F]\n"
+    "                                 [--port-file F] [--tls-cert PEM --tls-key PEM]\n"
     "A fault rule is PATTERN ACTION [VALUE] [times N]; ACTION is status CODE, delay MS,\n"
-    "truncate or drop; PATTERN is a glob over the request path, e.g. '*/Update-Daily.csv'.\n"
+    "truncate, stall, drop or redirect URL; PATTERN is a glob over the request path, e.g.\n"
+    "'*/Update-Daily.csv'. With --tls-cert and --tls-key the service speaks HTTPS.\n"
     "--port 0 picks a free port; the port is printed and written to the --port-file.\n";
 
 }  // namespace

@@ -17,11 +17,15 @@ namespace corvanet::demo {
 namespace {
 
 constexpr std::size_t kChunk = 64 * 1024;
+// A stalled answer holds its connection at most this long, or until the server stops.
+constexpr int kLongestStallMs = 10 * 60 * 1000;
 
 const char* Reason(int status) {
   switch (status) {
     case 400:
       return "Bad Request";
+    case 302:
+      return "Found";
     case 401:
       return "Unauthorized";
     case 403:
@@ -78,7 +82,7 @@ bool StopSignal::Wait(int ms) {
   return !changed_.wait_for(lock, std::chrono::milliseconds(ms), [this] { return stopped_; });
 }
 
-std::optional<std::uint64_t> RequestHandler::ServeFile(const std::string& path, bool truncate,
+std::optional<std::uint64_t> RequestHandler::ServeFile(const std::string& path, Cut cut,
                                                        httplib::Response& response) {
   const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) return std::nullopt;
@@ -90,8 +94,10 @@ std::optional<std::uint64_t> RequestHandler::ServeFile(const std::string& path, 
   // The length is fixed when the request arrives, so a file that `advance` appends to meanwhile
   // still goes out whole and consistent.
   const auto size = static_cast<std::size_t>(info.st_size);
-  const std::size_t announced = truncate ? std::max<std::size_t>(size, 1) : size;
-  const std::size_t sent = truncate ? size / 2 : size;
+  const bool cut_short = cut != Cut::kNone;
+  const std::size_t announced = cut_short ? std::max<std::size_t>(size, 1) : size;
+  const std::size_t sent = cut_short ? size / 2 : size;
+  StopSignal* stall_until = cut == Cut::kStall ? &stop_ : nullptr;
   auto file = std::shared_ptr<int>(new int(fd), [](int* f) {
     ::close(*f);
     delete f;
@@ -99,9 +105,12 @@ std::optional<std::uint64_t> RequestHandler::ServeFile(const std::string& path, 
   response.status = 200;
   response.set_content_provider(
       announced, ContentType(path),
-      [file, sent](std::size_t offset, std::size_t, httplib::DataSink& sink) {
+      [file, sent, stall_until](std::size_t offset, std::size_t, httplib::DataSink& sink) {
         // Returning false ends the connection: for a truncated answer, after `sent` bytes.
-        if (offset >= sent) return false;
+        if (offset >= sent) {
+          if (stall_until != nullptr) stall_until->Wait(kLongestStallMs);
+          return false;
+        }
         char buffer[kChunk];
         const std::size_t want = std::min(kChunk, sent - offset);
         const ssize_t got = ::pread(*file, buffer, want, static_cast<off_t>(offset));
@@ -128,7 +137,7 @@ void RequestHandler::Handle(const httplib::Request& request, httplib::Response& 
   const FaultPlan plan = faults_.Plan(path);
   if (!plan.note.empty()) log_.Note(plan.note);
   if (plan.delay_ms > 0) stop_.Wait(plan.delay_ms);
-  bool truncate = false;
+  Cut cut = Cut::kNone;
   std::string note = plan.delay_ms > 0 ? "delayed " + std::to_string(plan.delay_ms) + " ms" : "";
   if (plan.answer) {
     note += note.empty() ? "" : "; ";
@@ -142,8 +151,15 @@ void RequestHandler::Handle(const httplib::Request& request, httplib::Response& 
         ShutdownConnection(request.local_port, request.remote_addr, request.remote_port);
         log_.Request(request.method, path, 0, 0, note);
         return;
+      case FaultAction::kRedirect:
+        response.set_header("Location", plan.answer->location);
+        log_.Request(request.method, path, 302, ErrorPage(response, 302), note);
+        return;
       case FaultAction::kTruncate:
-        truncate = true;
+        cut = Cut::kTruncate;
+        break;
+      case FaultAction::kStall:
+        cut = Cut::kStall;
         break;
       case FaultAction::kDelay:
         break;
@@ -152,7 +168,7 @@ void RequestHandler::Handle(const httplib::Request& request, httplib::Response& 
 
   const std::optional<std::string> local = LocalPath(root_, path);
   const std::optional<std::uint64_t> bytes =
-      local ? ServeFile(*local, truncate, response) : std::nullopt;
+      local ? ServeFile(*local, cut, response) : std::nullopt;
   if (!bytes) {
     log_.Request(request.method, path, 404, ErrorPage(response, 404), note);
     return;

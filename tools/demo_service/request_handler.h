@@ -42,9 +42,12 @@ class RequestHandler {
   void Handle(const httplib::Request& request, httplib::Response& response);
 
  private:
-  // Streams the file; with `truncate`, announces its length but sends half and ends the
-  // connection. Returns the bytes to be sent, or nullopt when there is no such file.
-  std::optional<std::uint64_t> ServeFile(const std::string& path, bool truncate,
+  // How much of a file's answer goes out.
+  enum class Cut { kNone, kTruncate, kStall };
+  // Streams the file; cut short, announces its length but sends half, then ends the connection
+  // (kTruncate) or holds it open until the server stops (kStall). Returns the bytes to be sent,
+  // or nullopt when there is no such file.
+  std::optional<std::uint64_t> ServeFile(const std::string& path, Cut cut,
                                          httplib::Response& response);
 
   std::string root_;

@@ -1,5 +1,5 @@
-// `serve`: the data tree over HTTP with basic authentication and fault injection, until SIGINT or
-// SIGTERM.
+// `serve`: the data tree over HTTP, or HTTPS with a certificate given, with basic authentication
+// and fault injection, until SIGINT or SIGTERM.
 #include <pthread.h>
 #include <signal.h>
 #include <sys/socket.h>
@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <memory>
 #include <ostream>
 #include <thread>
 
@@ -66,6 +67,21 @@ int Bind(httplib::Server& server, const std::string& host, int port) {
                  (error != 0 ? std::strerror(error) : "address in use or not available"));
 }
 
+// Plain HTTP, or HTTPS when both --tls-cert and --tls-key are given.
+std::unique_ptr<httplib::Server> MakeServer(const Options& options) {
+  if (!options.Has("tls-cert") && !options.Has("tls-key")) {
+    return std::make_unique<httplib::Server>();
+  }
+  const std::string& certificate = options.Required("tls-cert");
+  const std::string& key = options.Required("tls-key");
+  auto server = std::make_unique<httplib::SSLServer>(certificate.c_str(), key.c_str());
+  if (!server->is_valid()) {
+    throw RunError("cannot serve HTTPS with the certificate " + certificate + " and the key " +
+                   key + " (a PEM certificate, its chain after it, and its unencrypted key)");
+  }
+  return server;
+}
+
 }  // namespace
 
 int Serve(const std::vector<std::string>& args, std::ostream& out, std::ostream& log) {
@@ -76,7 +92,9 @@ int Serve(const std::vector<std::string>& args, std::ostream& out, std::ostream&
                                {"password"},
                                {"faults"},
                                {"fault", true},
-                               {"port-file"}});
+                               {"port-file"},
+                               {"tls-cert"},
+                               {"tls-key"}});
   const std::string root = RootFolder(options);
   const std::string host = options.Text("host", "127.0.0.1");
   const int port = static_cast<int>(options.Integer("port", 8080, 0, 65535));
@@ -99,7 +117,8 @@ int Serve(const std::vector<std::string>& args, std::ostream& out, std::ostream&
   StopSignal stop;
   RequestHandler handler(root, std::move(credentials), faults, request_log, stop);
 
-  httplib::Server server;
+  const std::unique_ptr<httplib::Server> served = MakeServer(options);
+  httplib::Server& server = *served;
   server.new_task_queue = [] { return new httplib::ThreadPool(kWorkers); };
   // Only SO_REUSEADDR: the library's default also sets SO_REUSEPORT, with which a second server
   // on a port already in use would start without an error.
@@ -126,7 +145,8 @@ int Serve(const std::vector<std::string>& args, std::ostream& out, std::ostream&
   if (!port_file.empty() && !WriteWholeFile(port_file, std::to_string(bound) + "\n")) {
     throw RunError("cannot write the port file " + port_file);
   }
-  out << "listening on " << host << ":" << bound << std::endl;
+  out << "listening on " << (options.Has("tls-cert") ? "https://" : "http://") << host << ":"
+      << bound << std::endl;
 
   std::atomic<bool> listening_done{false};
   std::atomic<int> stopped_by{0};

@@ -114,6 +114,18 @@ void PrepareFolders(Session& session, RunSummary& summary) {
   }
 }
 
+// Said once per run, in its summary, its log and the window's status line, when the password
+// would cross a network in clear. A service on this computer is exempt: nothing leaves it.
+void WarnOfPlainHttp(Session& session, RunSummary& summary) {
+  const std::optional<ServiceAddress> address = ParseServiceAddress(session.app.DataSetURL);
+  if (!address || !address->exposes_password()) return;
+  const std::string warning =
+      "the password is sent unencrypted; use https:// if the service offers it";
+  Log(session, "DownLoadButton_Click - " + warning);
+  session.ui.StatusText = warning;
+  summary.warnings.push_back(warning);
+}
+
 // While it lives, the walk writes the price files of each datafile it brings up to date, when the
 // price files are ticked, and keeps the ledger of what it handed to the converter.
 class PriceFilesOfTheWalk {
@@ -155,7 +167,7 @@ std::string ProblemsText(const RunSummary& summary) {
   }
   for (const std::string& problem : summary.period_problems) add(problem);
   if (summary.stopped) add("the run was stopped");
-  if (summary.service_silent) add("the data service does not answer; run stopped");
+  if (!summary.service_unusable.empty()) add(summary.service_unusable + "; run stopped");
   if (!summary.price_file_failures.empty()) {
     add(std::to_string(summary.price_file_failures.size()) + " price file(s) could not be written");
   }
@@ -186,7 +198,7 @@ int FailureCount(const RunSummary& summary) {
 
 // A run that did not update everything never says "complete".
 RunEnding EndingOf(const RunSummary& summary) {
-  if (summary.stopped || summary.service_silent) return {"stopped", false};
+  if (summary.stopped || !summary.service_unusable.empty()) return {"stopped", false};
   if (!summary.has_failures()) return {};
   return {"finished with " + std::to_string(FailureCount(summary)) + " failure(s)", false};
 }
@@ -201,7 +213,7 @@ void ShowCompletion(Session& session, int list, const RunSummary& summary) {
   ui.ButtonBarFrame.caption = "Select a Download List";
   const std::string verb = list <= 5 ? "Update" : "Download";
   std::string ended = "Complete";
-  if (summary.stopped || summary.service_silent) {
+  if (summary.stopped || !summary.service_unusable.empty()) {
     ended = "Stopped";
   } else if (summary.has_failures()) {
     ended = "Finished With " + std::to_string(FailureCount(summary)) + " Failure(s)";
@@ -258,12 +270,13 @@ RunSummary DownLoadButton_Click(Session& session) {
   session.NotifyObserver();
   if (ui.MakeMetaStockPxFiles != 0) StartConverterBatches(session);
   SelectMasterfile(session);
+  WarnOfPlainHttp(session, summary);
   const int run_total = CountRunDatafiles(session);
   PrepareFolders(session, summary);
 
   run.DatafileCounter = 0;
   run.time_outs_in_a_row = 0;
-  run.service_silent = false;
+  run.service_unusable.clear();
   run.retry_after_seconds = 0;
   PriceFilesOfTheWalk price_files(session);
   MergeIndex merge_index(session);
@@ -286,23 +299,23 @@ RunSummary DownLoadButton_Click(Session& session) {
     DetermineInterval(session, period);
     if (run.DataPeriod.empty()) continue;
     RunPeriod(session, run_total, summary, update_rows);
-    summary.service_silent = run.service_silent;
+    summary.service_unusable = run.service_unusable;
     if (summary.stopped) break;
   }
-  // Stopped between datafiles, by the user or by a silent service: what was written stays, and
-  // nothing more is started. A silent service is asked nothing more, but the walks go on with
-  // what is on disk, and so many datafiles as needed a request were not tried.
+  // Stopped between datafiles, by the user or by a service that cannot be used: what was written
+  // stays, and nothing more is started. Such a service is asked nothing more, but the walks go on
+  // with what is on disk, and so many datafiles as needed a request were not tried.
   if (summary.stopped) {
     summary.not_tried = std::max(0, run_total - run.DatafileCounter);
   } else {
-    if (!summary.service_silent) RetryTransientFailures(session, summary);
+    if (summary.service_unusable.empty()) RetryTransientFailures(session, summary);
     MergeWithKeptUpdateFiles(session, run_total, summary);
-    summary.service_silent = run.service_silent;
-    if (summary.service_silent) {
-      Log(session, "DownLoadButton_Click - the data service does not answer; run stopped");
+    summary.service_unusable = run.service_unusable;
+    if (!summary.service_unusable.empty()) {
+      Log(session, "DownLoadButton_Click - " + summary.service_unusable + "; run stopped");
     }
   }
-  const bool cut_short = summary.stopped || summary.service_silent;
+  const bool cut_short = summary.stopped || !summary.service_unusable.empty();
   bool message_fetched = false;
   summary.price_file_failures = price_files.ledger().failures;
   if (!merge_index.Save()) {

@@ -5,6 +5,7 @@
 #include "core/app/installation.h"
 #include "core/download/early_fetches.h"
 #include "core/download/refresh_masterfile.h"
+#include "core/download/retrieve.h"
 #include "core/lists/download_lists.h"
 #include "core/lists/masterfile.h"
 #include "core/platform/field_reader.h"
@@ -345,6 +346,16 @@ void RetryNumber_Change(Session& session) {
       kDefaultTitle, Buttons::kOk, Icon::kNone);
   // Assigned directly: the handler of the reset value would find nothing to refuse.
   session.ui.RetryNumber = "3";
+}
+
+void MaxDownloadMB_Change(Session& session) {
+  LogEntry(session, "MaxDownloadMB_Change");
+  if (MaxBodyBytes(session.ui) != 0) return;
+  session.shell.MessageBox(
+      "Please enter the largest download as a whole number of MiB.\rIt will "
+      "now be reset to the default value.",
+      kDefaultTitle, Buttons::kOk, Icon::kNone);
+  session.ui.MaxDownloadMB = std::to_string(kDefaultMaxBodyMiB);
 }
 
 void LoadConfiguration_Click(Session& session) {

@@ -29,7 +29,7 @@ struct SettingDef {
   ChangeHandler on_change = nullptr;
 };
 
-// The 89 rows in the order they are written ("Stat1File3" stands twice; "Stat2File3" never).
+// The 91 rows in the order they are written ("Stat1File3" stands twice; "Stat2File3" never).
 std::span<const SettingDef> SettingsTable();
 // The first row with this key (exact, case-sensitive); nullptr for an unknown key.
 const SettingDef* FindSetting(std::string_view key);
@@ -67,9 +67,11 @@ bool SaveToINI_Click(Session& session);
 void SaveSettings_Click(Session& session);
 void SaveSettings2_Click(Session& session);
 void RetryNumber_Change(Session& session);
+// A largest download that is no whole number of MiB from 1 on goes back to 64, with a message.
+void MaxDownloadMB_Change(Session& session);
 void LoadConfiguration_Click(Session& session);
 
-// Writes the 89 lines without the user-name guard (a new installation's defaults). False when the
+// Writes the 91 lines without the user-name guard (a new installation's defaults). False when the
 // file could not be written; the old file then stays as it was.
 bool WriteSettingsFile(Session& session);
 std::string SettingsFilePath(const Session& session);

@@ -130,9 +130,13 @@ const SettingDef kSettings[] = {
     Check("AllDailyForceFull", &W::AllDailyForceFull),
     Check("AllPeriodsForceFull", &W::AllPeriodsForceFull),
     Check("AutoCreateOneStatFiles", &W::AutoCreateOneStatFiles),
+    // Added after the first 89 lines, so a file written before them still reads line for line;
+    // such a file leaves them at their design values.
+    Text("CAFile", &W::CAFile),
+    Text("MaxDownloadMB", &W::MaxDownloadMB, &Call<MaxDownloadMB_Change>),
 };
 
-static_assert(std::size(kSettings) == 89, "the settings file has 89 lines");
+static_assert(std::size(kSettings) == 91, "the settings file has 91 lines");
 
 }  // namespace
 

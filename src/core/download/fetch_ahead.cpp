@@ -128,7 +128,7 @@ void FetchAhead::Plan(Record& record) {
 bool FetchAhead::NeedsWholeFile(std::string_view listed_symbol, const std::string& web_symbol,
                                 const std::string& local_path, bool claimed_earlier) const {
   // A service that does not answer is asked nothing more.
-  if (session_.run.service_silent) return false;
+  if (!session_.run.service_unusable.empty()) return false;
   if (session_.ui.ForceFullDownload != 0) return true;
   if (claimed_earlier) return false;
   // Merged with a kept update file, a datafile fetches only a missing base copy.

@@ -1,12 +1,14 @@
 #include "core/download/retrieve.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <optional>
 
 #include "core/download/early_fetches.h"
 #include "core/download/fetch_ahead.h"
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
+#include "core/platform/text.h"
 #include "core/state/log.h"
 
 namespace corvanet {
@@ -17,6 +19,11 @@ std::string BaseFolder(const Session& session) {
 
 void NoteHowTheServiceAnswered(RunState& run, const FetchResult& result) {
   run.last_fetch_transient = !result.ok() && result.transient();
+  // A service that cannot prove who it is gets nothing more of this run, the password least.
+  if (result.status == FetchStatus::kUntrustedCertificate) {
+    run.service_unusable = result.Describe();
+    return;
+  }
   if (run.last_fetch_transient) {
     run.retry_after_seconds = std::max(run.retry_after_seconds, result.retry_after_seconds);
   }
@@ -25,13 +32,33 @@ void NoteHowTheServiceAnswered(RunState& run, const FetchResult& result) {
   } else if (++run.time_outs_in_a_row >= kTimeOutsBeforeStopping) {
     // Each further request would wait the whole time-out too: a silent service can hold a run
     // of a few hundred datafiles for hours.
-    run.service_silent = true;
+    run.service_unusable = "the data service does not answer";
   }
 }
 
+std::uint64_t MaxBodyBytes(const WindowState& ui) {
+  int mib = 0;
+  if (!ParseInteger(ui.MaxDownloadMB, mib) || mib < 1) return 0;
+  return static_cast<std::uint64_t>(mib) * kMiB;
+}
+
 FetchRequest ServiceRequest(const Session& session, std::string_view remote_path) {
-  return {ServiceUrl(session.app.DataSetURL, remote_path), session.ui.UserName, session.ui.Password,
-          session.http_timeout_seconds};
+  FetchRequest request;
+  request.url = ServiceUrl(session.app.DataSetURL, remote_path);
+  request.user = session.ui.UserName;
+  request.password = session.ui.Password;
+  request.timeout_seconds = session.http_timeout_seconds;
+  // Both add to the system's authorities: one in the settings, one for a whole machine.
+  if (const std::string file = TrimCopy(session.ui.CAFile); !file.empty()) {
+    request.extra_authorities.push_back(file);
+  }
+  if (const char* file = std::getenv("CORVANET_CA_FILE"); file != nullptr && *file != '\0') {
+    request.extra_authorities.emplace_back(file);
+  }
+  if (const std::uint64_t limit = MaxBodyBytes(session.ui); limit != 0) {
+    request.max_body_bytes = limit;
+  }
+  return request;
 }
 
 std::string BaseFilePath(const Session& session, std::string_view local_name) {
@@ -45,10 +72,11 @@ FetchResult RetrieveDataFile(Session& session, std::string_view remote_path,
                              std::string_view local_name) {
   // The fetch steps of a run log the period in hand as their lines' middle field.
   WriteLog(session, "RetrieveDataFile");
-  if (session.run.service_silent) {
-    // Each request would only wait out its time-out: nothing more is asked of the service.
+  if (!session.run.service_unusable.empty()) {
+    // Each request would only wait out its time-out, or go to a service that cannot prove who it
+    // is: nothing more is asked of it.
     FetchResult not_asked;
-    not_asked.detail = "not asked, the data service does not answer";
+    not_asked.detail = "not asked, " + session.run.service_unusable;
     return not_asked;
   }
   if (session.run.GetFileCount < INT16_MAX) ++session.run.GetFileCount;

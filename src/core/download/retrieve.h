@@ -1,5 +1,6 @@
 #pragma once
 // The one way a file comes from the data service.
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -11,8 +12,12 @@ namespace corvanet {
 // PathToDataFiles + "Base/", where every fetched file lands first.
 std::string BaseFolder(const Session& session);
 
-// The request for DataSetURL + remote path, with the session's credentials and time limit.
+// The request for DataSetURL + remote path, with the session's credentials, time limit, largest
+// body and the authorities the user added (the setting CAFile, then CORVANET_CA_FILE).
 FetchRequest ServiceRequest(const Session& session, std::string_view remote_path);
+// The largest body a fetch keeps, from the setting MaxDownloadMB; 0 when the setting is no whole
+// number of MiB from 1 on.
+std::uint64_t MaxBodyBytes(const WindowState& ui);
 // Where a fetched file named `local_name` is saved: in the Base folder.
 std::string BaseFilePath(const Session& session, std::string_view local_name);
 

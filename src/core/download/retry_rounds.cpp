@@ -169,7 +169,7 @@ void RetryTransientFailures(Session& session, RunSummary& summary) {
     std::vector<UnfetchedUpdateFile> update_files =
         std::exchange(summary.transient_update_files, {});
     const int files = static_cast<int>(datafiles.size() + update_files.size());
-    if (files == 0 || run.service_silent) break;
+    if (files == 0 || !run.service_unusable.empty()) break;
     const double pause =
         std::min(kLongestPauseSeconds, std::max(std::ldexp(FirstPauseSeconds(), round - 1),
                                                 static_cast<double>(run.retry_after_seconds)));
@@ -193,7 +193,7 @@ void RetryTransientFailures(Session& session, RunSummary& summary) {
     for (const UnfetchedUpdateFile& file : update_files) tried.push_back({"", "", file.period});
     run.DatafileCounter = 0;
     UpdateFileIndex update_rows;
-    for (int period = 1; period <= 4 && !run.service_silent; ++period) {
+    for (int period = 1; period <= 4 && run.service_unusable.empty(); ++period) {
       DetermineInterval(session, period);
       if (run.DataPeriod.empty()) continue;
       const bool whole_period = std::any_of(

@@ -102,7 +102,7 @@ void RunPeriod(Session& session, int run_total, RunSummary& summary, UpdateFileI
     SingleFileUpdate(session, list, run_total, records, update_rows, summary);
     return;
   }
-  if (fetched.ok() || !fetched.transient() || session.run.service_silent ||
+  if (fetched.ok() || !fetched.transient() || !session.run.service_unusable.empty() ||
       RetryRoundsWanted(session.ui) == 0) {
     WalkWithKeptUpdateFile(session, list, run_total, summary, update_rows, cause);
     return;

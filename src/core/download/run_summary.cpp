@@ -1,5 +1,7 @@
 #include "core/download/run_summary.h"
 
+#include <cctype>
+
 namespace corvanet {
 
 std::vector<std::string> RunSummary::Lines() const {
@@ -37,9 +39,11 @@ std::vector<std::string> RunSummary::Lines() const {
     lines.push_back("Run stopped at the user's request: " + std::to_string(not_tried) +
                     " datafile(s) not tried");
   }
-  if (service_silent) {
-    lines.push_back("The data service does not answer; run stopped: " + std::to_string(not_tried) +
-                    " datafile(s) not tried");
+  if (!service_unusable.empty()) {
+    std::string line =
+        service_unusable + "; run stopped: " + std::to_string(not_tried) + " datafile(s) not tried";
+    line[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(line[0])));
+    lines.push_back(std::move(line));
   }
   if (!price_file_failures.empty()) {
     lines.push_back("Price files failed: " + std::to_string(price_file_failures.size()));
@@ -60,6 +64,7 @@ std::vector<std::string> RunSummary::Lines() const {
     for (const std::string& call : batch.not_converted) lines.push_back("  " + call);
   }
   for (const std::string& problem : period_problems) lines.push_back("Problem: " + problem);
+  for (const std::string& warning : warnings) lines.push_back("Warning: " + warning);
   if (!elapsed.empty()) lines.push_back("Elapsed time: " + elapsed);
   return lines;
 }

@@ -66,8 +66,11 @@ struct RunSummary {
   // Stopped at the user's request between datafiles; so many of the run's total were not tried.
   bool stopped = false;
   int not_tried = 0;
-  // Stopped because the data service stopped answering: so many time-outs came in a row.
-  bool service_silent = false;
+  // Why the run stopped for the data service's sake: it stopped answering (so many time-outs came
+  // in a row) or its certificate is not trusted. Empty when it did not.
+  std::string service_unusable;
+  // What a user should change though nothing failed, each said once per run.
+  std::vector<std::string> warnings;
   std::string elapsed;  // the elapsed-time text of the run
 
   // What failed for a reason that may pass (the network, a time-out, a cut body, 429, 5xx), to be
@@ -78,7 +81,7 @@ struct RunSummary {
   int recovered = 0;  // of those, the ones a retry brought in
 
   bool has_failures() const {
-    return stopped || service_silent || !failures.empty() || not_updated > 0 ||
+    return stopped || !service_unusable.empty() || !failures.empty() || not_updated > 0 ||
            !rejected_rows.empty() || !period_problems.empty() || !statistic_failures.empty() ||
            !price_file_failures.empty() || !converter_problem.empty() ||
            std::any_of(conversions.begin(), conversions.end(), [](const ConversionOutcome& c) {

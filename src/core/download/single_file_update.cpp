@@ -105,8 +105,8 @@ void SingleFileUpdate(Session& session, FieldReader& list, int run_total, int& r
       continue;
     }
     // A service that does not answer is asked nothing more, but what needs no request is merged.
-    if (run.service_silent && NeedsRequest(session)) {
-      summary.service_silent = true;
+    if (!run.service_unusable.empty() && NeedsRequest(session)) {
+      summary.service_unusable = run.service_unusable;
       ++summary.not_tried;
       continue;
     }

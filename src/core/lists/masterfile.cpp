@@ -24,13 +24,18 @@ const DataSet& ChosenDataSet(const WindowState& ui) {
 
 std::string ServiceHost(std::string_view address) {
   std::string_view host = Trim(address);
-  // Users paste the address from a browser; the program puts the scheme and the path itself.
-  constexpr std::string_view kScheme = "http://";
-  if (host.size() >= kScheme.size() && ToLower(host.substr(0, kScheme.size())) == kScheme) {
-    host.remove_prefix(kScheme.size());
+  // Users paste the address from a browser; the program puts the path itself. "http://" is
+  // what an address without a scheme means, so it is dropped; "https://" is kept.
+  std::string scheme;
+  for (const std::string_view known : {"http://", "https://"}) {
+    if (host.size() >= known.size() && ToLower(host.substr(0, known.size())) == known) {
+      host.remove_prefix(known.size());
+      if (known == "https://") scheme = known;
+      break;
+    }
   }
   while (!host.empty() && host.back() == '/') host.remove_suffix(1);
-  return std::string(host);
+  return scheme + std::string(host);
 }
 
 std::string MasterFilePath(const Session& session) {

@@ -16,8 +16,9 @@ struct DataSet {
 // The data set the two boxes choose: US wins over Plus, Plus over the standard set.
 const DataSet& ChosenDataSet(const WindowState& ui);
 
-// The host and port of the IPAddress text ("127.0.0.1:8080"), without a leading "http://" or
-// trailing slashes, which the service's URLs already have.
+// The host and port of the IPAddress text ("127.0.0.1:8080", "https://data.example.com"), with
+// "https://" kept in front and without a leading "http://" or trailing slashes, which the
+// service's URLs already have.
 std::string ServiceHost(std::string_view address);
 
 // Sets MasterFileName, DataSetURL and the FullPath caption from the data-set boxes, then reloads

@@ -4,24 +4,39 @@
 // part of the program sees libcurl.
 #include <curl/curl.h>
 
-#include "core/platform/files.h"
+#include <cstdint>
+
+#include "core/platform/atomic_file_writer.h"
 #include "core/platform/http.h"
 
 namespace corvanet::curl {
 
 void GlobalInitOnce();
 
-// Sets every option of one GET of `request` on a handle that was reset (a reused handle keeps the
-// previous request's options otherwise); the body goes to `body`, libcurl's words to
-// `error_text` (CURL_ERROR_SIZE bytes, kept alive until the transfer ends).
-void SetFetchOptions(CURL* handle, const FetchRequest& request, AtomicFileWriter& body,
-                     char* error_text);
+// One fetch under way: the request, where its body goes and how much of it came. Lives at one
+// address from SetFetchOptions until the transfer has ended, as libcurl keeps pointers into it.
+struct Transfer {
+  explicit Transfer(FetchRequest fetch) : request(std::move(fetch)) {}
+  Transfer(const Transfer&) = delete;
+  Transfer& operator=(const Transfer&) = delete;
+
+  FetchRequest request;
+  AtomicFileWriter body;  // opened by the caller
+  std::uint64_t received = 0;
+  bool over_limit = false;
+  std::string unusable_authority_file;  // an added authority file that could not be loaded
+  char error_text[CURL_ERROR_SIZE] = {};
+};
+
+// Sets every option of one GET of the transfer's request on a handle that was reset (a reused
+// handle keeps the previous request's options otherwise).
+void SetFetchOptions(CURL* handle, Transfer& transfer);
 
 // The outcome of a finished transfer as FetchResult says it; a body that is complete and 2xx is
 // still only in its temporary file.
-FetchResult ResultOf(CURL* handle, CURLcode code, const char* error_text);
+FetchResult ResultOf(CURL* handle, CURLcode code, const Transfer& transfer);
 
 // Renames a good body over its target; anything else leaves the target alone.
-void CommitBody(FetchResult& result, AtomicFileWriter& body);
+void CommitBody(FetchResult& result, Transfer& transfer);
 
 }  // namespace corvanet::curl

@@ -20,14 +20,14 @@ constexpr int kIdleWaitMs = 1000;
 
 struct Job {
   enum class Stage { kWaiting, kRunning, kEnded };
-  FetchRequest request;
+  Job(FetchRequest request, std::string path)
+      : transfer(std::move(request)), local_path(std::move(path)) {}
+  curl::Transfer transfer;
   std::string local_path;
-  AtomicFileWriter body;
   FetchResult result;
   Stage stage = Stage::kWaiting;
   bool cancelled = false;
   CURL* handle = nullptr;
-  char error_text[CURL_ERROR_SIZE] = {};
 };
 
 }  // namespace
@@ -90,7 +90,7 @@ struct FetchPool::State {
         const CURLcode code = message->data.result;
         Job* job = nullptr;
         curl_easy_getinfo(handle, CURLINFO_PRIVATE, &job);
-        FetchResult result = curl::ResultOf(handle, code, job->error_text);
+        FetchResult result = curl::ResultOf(handle, code, job->transfer);
         Release(*job);
         End(*job, std::move(result));
         connection_freed = true;
@@ -115,10 +115,10 @@ struct FetchPool::State {
   }
 
   void Start(Job& job) {
-    if (!job.body.Open(job.local_path)) {
+    if (!job.transfer.body.Open(job.local_path)) {
       FetchResult result;
       result.status = FetchStatus::kLocalWriteFailed;
-      result.detail = job.local_path + ": " + job.body.error();
+      result.detail = job.local_path + ": " + job.transfer.body.error();
       End(job, std::move(result));
       return;
     }
@@ -137,7 +137,7 @@ struct FetchPool::State {
       End(job, std::move(result));
       return;
     }
-    curl::SetFetchOptions(handle, job.request, job.body, job.error_text);
+    curl::SetFetchOptions(handle, job.transfer);
     curl_easy_setopt(handle, CURLOPT_PRIVATE, &job);
     if (curl_multi_add_handle(multi, handle) != CURLM_OK) {
       handles.push_back(std::exchange(job.handle, nullptr));
@@ -157,7 +157,7 @@ struct FetchPool::State {
 
   void End(Job& job, FetchResult result) {
     // A body that will never be committed gives its file back at once.
-    if (!result.ok()) job.body.Discard();
+    if (!result.ok()) job.transfer.body.Discard();
     const std::lock_guard lock(mutex);
     --running;
     job.result = std::move(result);
@@ -191,9 +191,7 @@ int FetchPool::connections() const {
 }
 
 FetchPool::Ticket FetchPool::Add(FetchRequest request, std::string local_path) {
-  auto job = std::make_unique<Job>();
-  job->request = std::move(request);
-  job->local_path = std::move(local_path);
+  auto job = std::make_unique<Job>(std::move(request), std::move(local_path));
   Ticket ticket = 0;
   {
     const std::lock_guard lock(state_->mutex);
@@ -219,7 +217,7 @@ FetchResult FetchPool::Commit(Ticket ticket) {
     state_->jobs.erase(it);
   }
   FetchResult result = std::move(job->result);
-  curl::CommitBody(result, job->body);
+  curl::CommitBody(result, job->transfer);
   return result;
 }
 

@@ -2,21 +2,59 @@
 // One small HTTP interface. A fetch either stores the whole body at the local path or leaves the
 // local file untouched, and its result tells apart "could not connect", "timed out", an HTTP status
 // other than 2xx and a body cut short, so callers and run summaries can say what went wrong.
+//
+// What every client honours, whatever library it is built on: an https:// address is reached over
+// TLS with the certificate checked against the system's authorities (and any the request adds)
+// and the host name, before anything of the request is sent; there is no way to skip the check.
+// Redirects are never followed. A body over the request's limit, or one that stops coming, fails.
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace corvanet {
+
+// Far above any real datafile: a guard against a runaway answer filling the disk, not a quota.
+inline constexpr std::uint64_t kDefaultMaxBodyMiB = 64;
+inline constexpr std::uint64_t kMiB = 1024 * 1024;
+// A transfer that moves no byte for this long is taken for hung.
+inline constexpr long kDefaultStallSeconds = 30;
 
 struct FetchRequest {
   std::string url;       // never holds credentials
   std::string user;      // sent as basic-auth user name
   std::string password;  // sent as basic-auth password; any character works
   long timeout_seconds = 60;
+  // PEM files of authorities trusted besides the system's own (a service with a private one).
+  std::vector<std::string> extra_authorities;
+  std::uint64_t max_body_bytes = kDefaultMaxBodyMiB * kMiB;  // 0: no limit
+  long stall_seconds = kDefaultStallSeconds;
 
   bool operator==(const FetchRequest&) const = default;
 };
+
+// The data service's address as a user types it, or a whole request URL: "host[:port]" and
+// "http://host[:port]" mean plain HTTP, "https://host[:port]" TLS. Both clients take the scheme,
+// host and port from here, so they agree on what an address means.
+struct ServiceAddress {
+  bool secure = false;
+  std::string host;  // a name or an address; an IPv6 address keeps its brackets
+  int port = 0;      // as given, else 443 or 80
+  std::string path;  // from the first '/' after the host on; may be empty
+
+  // The host names this computer itself ("localhost", 127.0.0.0/8, [::1]): nothing sent to it
+  // crosses a network.
+  bool loopback() const;
+  // Credentials sent to this address can be read on the way.
+  bool exposes_password() const { return !secure && !loopback(); }
+};
+
+// nullopt, with `error` saying why when given, for another scheme, an empty host or a port that
+// is not a number from 1 to 65535.
+std::optional<ServiceAddress> ParseServiceAddress(std::string_view text,
+                                                  std::string* error = nullptr);
 
 enum class FetchStatus {
   kOk,
@@ -26,7 +64,19 @@ enum class FetchStatus {
   kTruncated,  // the connection ended before the announced body was complete
   kDropped,    // the connection was closed with no (complete) answer
   kLocalWriteFailed,
-  kFailed,  // anything else the transfer reported
+  kUntrustedCertificate,  // the TLS check of the service failed; nothing of the request was sent
+  kTooLarge,              // the body is larger than the request's limit
+  kFailed,                // anything else the transfer reported
+};
+
+// Why a service's certificate failed its check.
+enum class CertificateProblem {
+  kNone,
+  kUnknownAuthority,  // no authority this computer trusts signed it (self-signed, private)
+  kWrongName,         // made out for another host than the address names
+  kExpired,           // out of its validity dates
+  kAuthorityFileUnusable,  // an added authority file cannot be read or holds no certificate
+  kOther,
 };
 
 struct FetchResult {
@@ -35,6 +85,8 @@ struct FetchResult {
   std::uint64_t bytes = 0;
   std::string detail;            // the transfer library's words, for log lines
   long retry_after_seconds = 0;  // how long the service asked to wait (Retry-After), 0: not said
+  CertificateProblem certificate = CertificateProblem::kNone;
+  std::string redirected_to;  // where a 3xx answer pointed; never followed
   bool ok() const { return status == FetchStatus::kOk; }
   // A failure that asking again later may cure: the network, a time-out, a cut body, 429 or 5xx.
   // Any other 4xx is the service's considered answer and a local write failure is ours.
@@ -56,8 +108,9 @@ class HttpClient {
   virtual std::unique_ptr<FetchPool> OpenPool(int connections);
 };
 
-// "http://" + data set address + remote path, a backslash in the path becoming '/' and each part of
-// the path percent-encoded ("BRK B" -> "BRK%20B").
+// The data set address (with its scheme, or "http://" put in front when it has none) + remote
+// path, a backslash in the path becoming '/' and each part of the path percent-encoded
+// ("BRK B" -> "BRK%20B").
 std::string ServiceUrl(std::string_view data_set_url, std::string_view remote_path);
 
 // The libcurl client. One handle is kept, so a run reuses its connection.

@@ -56,7 +56,9 @@ struct RunState {
   bool last_fetch_transient = false;  // the last fetch failed for a reason that may pass
   long retry_after_seconds = 0;       // what it asked for, when it said how long to wait
   int time_outs_in_a_row = 0;
-  bool service_silent = false;  // so many time-outs in a row that the run stops
+  // Why the run stops for the data service's sake (so many time-outs in a row, a certificate
+  // that is not trusted); empty while it serves.
+  std::string service_unusable;
 };
 
 // Told whenever a run changes what the window shows, and at every pause, so a window on another

@@ -68,6 +68,9 @@ struct WindowState {
   bool SystemMessagesYes = true;
   bool SystemMessagesNo = false;
   std::string IPAddress;
+  // A PEM file of an authority trusted besides the system's, for a service with its own.
+  std::string CAFile;
+  std::string MaxDownloadMB = "64";  // the largest body a fetch keeps, in MiB
   int GenerateLogFile = 0;  // never saved: chosen anew on each start
 
   // --- Statistic boxes, in catalogue order ---

@@ -30,6 +30,7 @@ void GiveEveryControlAValue(Session& s) {
     }
   }
   s.ui.RetryNumber = "7";
+  s.ui.MaxDownloadMB = "128";
   s.ui.Stat2File3 = "v-Stat2File3";
 }
 
@@ -90,6 +91,36 @@ TEST(SettingsFileTest, PathsReadBackAsSavedInsideTheInstallationOrNot) {
   EXPECT_EQ(fresh.ui.PathToDataFiles, elsewhere);
   EXPECT_EQ(fresh.ui.PathToMSPxFiles, "/short/");
   EXPECT_EQ(fresh.ui.PathToLists, s.ui.PathToLists);
+}
+
+// A file of the 89 lines written before the authority file and the download limit were kept loads
+// as it stands and leaves both at their design values; a limit that is no whole number of MiB is
+// refused with a message.
+TEST(SettingsFileTest, AFileWithoutTheLaterKeysLoadsAndTheLimitIsChecked) {
+  TestSession t;
+  GiveEveryControlAValue(t.session);
+  SaveToINI_Click(t.session);
+  std::vector<std::string> lines = ReadLines(SettingsFile(t));
+  ASSERT_EQ(lines.size(), 91u);
+  EXPECT_EQ(lines[89], "CAFile,v-CAFile");
+  EXPECT_EQ(lines[90], "MaxDownloadMB,128");
+  lines.resize(89);
+  WriteLines(SettingsFile(t), lines);
+
+  Session fresh = FreshSession(t, false);
+  LoadINI(fresh);
+  EXPECT_EQ(DifferingKeys(t.session, fresh),
+            (std::vector<std::string>{"CAFile", "MaxDownloadMB"}));
+  EXPECT_EQ(fresh.ui.CAFile, "");
+  EXPECT_EQ(fresh.ui.MaxDownloadMB, "64");
+  EXPECT_TRUE(t.shell.boxes.empty());
+
+  for (const char* bad : {"0", "-5", "ten", "1.5"}) {
+    SCOPED_TRACE(bad);
+    ASSERT_TRUE(SetSetting(fresh, *FindSetting("MaxDownloadMB"), bad, ValueSource::kUser));
+    EXPECT_EQ(fresh.ui.MaxDownloadMB, "64");
+  }
+  EXPECT_EQ(t.shell.boxes.size(), 4u);
 }
 
 TEST(SettingsBadInputTest, UnusableLinesAreSkippedAndTheRestRead) {

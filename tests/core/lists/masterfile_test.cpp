@@ -17,7 +17,7 @@ TEST(MasterfileTest, TheServiceAddressTakesWhatABrowserShows) {
       {"http://127.0.0.1:8080/", "127.0.0.1:8080"},
       {"HTTP://data.example:81//", "data.example:81"},
       {"  127.0.0.1:8080  ", "127.0.0.1:8080"},
-      {"https://data.example", "https://data.example"},  // not the scheme the service speaks
+      {"HTTPS://data.example:8443/", "https://data.example:8443"},
       {"", ""},
   };
   for (const Case& c : cases) EXPECT_EQ(ServiceHost(c.typed), c.host) << c.typed;
@@ -27,6 +27,10 @@ TEST(MasterfileTest, TheServiceAddressTakesWhatABrowserShows) {
   SelectMasterfile(t.session);
   EXPECT_EQ(t.session.app.DataSetURL, "127.0.0.1:8080/ovalith/data/");
   EXPECT_EQ(t.session.ui.IPAddress, "http://127.0.0.1:8080/") << "the field keeps what was typed";
+  t.session.ui.IPAddress = "https://data.example";
+  SelectMasterfile(t.session);
+  EXPECT_EQ(ServiceUrl(t.session.app.DataSetURL, "Masterfile2.csv"),
+            "https://data.example/ovalith/data/Masterfile2.csv");
 }
 
 }  // namespace

@@ -19,7 +19,12 @@ constexpr const char* kData = "/ovalith/data/";
 class FetchPoolTest : public ::testing::Test {
  protected:
   FetchRequest Request(const std::string& name, long timeout_seconds = 10) const {
-    return {service.url(kData + name), service.user(), service.password(), timeout_seconds};
+    FetchRequest request;
+    request.url = service.url(kData + name);
+    request.user = service.user();
+    request.password = service.password();
+    request.timeout_seconds = timeout_seconds;
+    return request;
   }
   std::string ServiceFile(const std::string& name) const {
     return service.data_set_folder("data") + name;

@@ -1,0 +1,82 @@
+// Runs against the demo service speaking HTTPS with a certificate of a throw-away authority: the
+// run that trusts the authority updates its datafiles, one that does not stops before sending
+// anything and keeps every file, and an answer that points to plain HTTP is refused.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "cli/run_fixture.h"
+#include "support/test_certificates.h"
+
+namespace corvanet::test {
+namespace {
+
+// Made before the service, which serves its certificate.
+struct ThrowAwayAuthority {
+  TestAuthority authority;
+  TestAuthority::Issued issued = authority.Issue({"IP:127.0.0.1", "DNS:localhost"});
+};
+
+class HttpsRunTest : protected ThrowAwayAuthority, public RunTest {
+ protected:
+  HttpsRunTest()
+      : RunTest(DemoServiceOptions{.tls_certificate = issued.certificate,
+                                   .tls_key = issued.key}) {}
+  ~HttpsRunTest() override { ::unsetenv("CORVANET_CA_FILE"); }
+
+  int BaseFiles() const {
+    int count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(data("Base"))) {
+      count += entry.path().filename() != "MergeIndex.txt" ? 1 : 0;
+    }
+    return count;
+  }
+};
+
+TEST_F(HttpsRunTest, OnlyATrustedCertificateGetsTheRequests) {
+  // Trusted through the setting: the datafiles come over TLS, and nothing warns of plain HTTP.
+  ASSERT_EQ(RunIn({"settings", "CAFile=" + authority.certificate()}).code, 0);
+  MakeList(2, "eSignal", "D", {"$NYA", "$INDU", "$SOX"});
+  const CliResult first = RunList(2);
+  ASSERT_EQ(first.code, 0) << first.out << first.err;
+  EXPECT_FALSE(Contains(first.out, "unencrypted")) << first.out;
+  EXPECT_EQ(ValidateDatafile(data("Daily/$NYA.csv")), std::vector<std::string>{});
+  EXPECT_TRUE(Contains(RunIn({}).out, "Data service:     https://127.0.0.1:")) << RunIn({}).out;
+
+  // Not trusted any more: the run stops at its first fetch, says why and how to fix it, exits 3,
+  // and neither the service nor the files on disk see anything of it.
+  ASSERT_EQ(RunIn({"settings", "CAFile="}).code, 0);
+  service.Advance(1);
+  const auto before = Snapshot("Daily");
+  const int base_files = BaseFiles();
+  const int requests = Requests("/ovalith/");
+  const CliResult untrusted = RunList(2);
+  EXPECT_EQ(untrusted.code, 3) << untrusted.out;
+  EXPECT_TRUE(Contains(untrusted.out,
+                       "The data service's certificate is not trusted: no authority this "
+                       "computer trusts signed it"))
+      << untrusted.out;
+  EXPECT_TRUE(Contains(untrusted.out, "CORVANET_CA_FILE")) << untrusted.out;
+  EXPECT_EQ(Requests("/ovalith/"), requests) << "no request reached the service";
+  EXPECT_EQ(Snapshot("Daily"), before);
+  EXPECT_EQ(BaseFiles(), base_files);
+
+  // The authority named in the environment: trusted again.
+  ::setenv("CORVANET_CA_FILE", authority.certificate().c_str(), 1);
+  const CliResult again = RunList(2);
+  EXPECT_EQ(again.code, 0) << again.out;
+  EXPECT_NE(Snapshot("Daily"), before);
+
+  // An answer that sends the client to plain HTTP is not followed.
+  service.Advance(1);
+  service.SetFaults({"*/Update-Daily.csv redirect http://" + service.host_and_port() +
+                     "/ovalith/data/Update-Daily.csv"});
+  const CliResult redirected = RunList(2);
+  EXPECT_EQ(redirected.code, 3) << redirected.out;
+  EXPECT_TRUE(Contains(redirected.out, "HTTP 302 (the data service redirects to a plain-HTTP "
+                                       "address"))
+      << redirected.out;
+}
+
+}  // namespace
+}  // namespace corvanet::test
