@@ -74,6 +74,9 @@ scaling_section() {
   BUILD="$build" bash "$here/scaling_bench.sh" "${YEARS:-10}" "${DELAY:-20}" \
     ${SIZES:-100 300 1000} | sed 's/^/  /'
 }
+https_section() {
+  BUILD="$build" bash "$here/https_bench.sh" "${COMPOSITES:-300}" "${YEARS:-10}" "${DELAY:-20}"
+}
 check_lists_section() {
   echo "list check against a new master file:"
   "$bin/check_lists_bench" | sed 's/^/  /'
@@ -92,7 +95,7 @@ chart_section() {
   "$bin/chart_bench" "${BARS:-2600}" 2>/dev/null | sed 's/^/  /'
 }
 
-sections=${BENCH_SECTIONS:-"check_lists download scaling stat_files metastock chart"}
+sections=${BENCH_SECTIONS:-"check_lists download https scaling stat_files metastock chart"}
 for section in $sections; do
   "${section}_section"
 done

@@ -20,8 +20,7 @@ struct ThrowAwayAuthority {
 class HttpsRunTest : protected ThrowAwayAuthority, public RunTest {
  protected:
   HttpsRunTest()
-      : RunTest(DemoServiceOptions{.tls_certificate = issued.certificate,
-                                   .tls_key = issued.key}) {}
+      : RunTest(DemoServiceOptions{.tls_certificate = issued.certificate, .tls_key = issued.key}) {}
   ~HttpsRunTest() override { ::unsetenv("CORVANET_CA_FILE"); }
 
   int BaseFiles() const {
@@ -73,8 +72,9 @@ TEST_F(HttpsRunTest, OnlyATrustedCertificateGetsTheRequests) {
                      "/ovalith/data/Update-Daily.csv"});
   const CliResult redirected = RunList(2);
   EXPECT_EQ(redirected.code, 3) << redirected.out;
-  EXPECT_TRUE(Contains(redirected.out, "HTTP 302 (the data service redirects to a plain-HTTP "
-                                       "address"))
+  EXPECT_TRUE(Contains(redirected.out,
+                       "HTTP 302 (the data service redirects to a plain-HTTP "
+                       "address"))
       << redirected.out;
 }
 

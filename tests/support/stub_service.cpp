@@ -97,6 +97,8 @@ void StubService::Start() {
         break;
     }
   });
+  // A client keeps its connection for a whole run; the library would close it after five answers.
+  server_->set_keep_alive_max_count(1000);
   port_ = server_->bind_to_any_port("127.0.0.1");
   thread_ = std::thread([this] { server_->listen_after_bind(); });
   WaitFor([this] { return server_->is_running(); });

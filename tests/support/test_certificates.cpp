@@ -63,10 +63,9 @@ Certificate NewCertificate(EVP_PKEY* key, const std::string& common_name, long s
 void WritePem(const std::string& path, X509* certificate, EVP_PKEY* key) {
   std::FILE* file = std::fopen(path.c_str(), "w");
   Check(file != nullptr, "opening a PEM file");
-  const bool written = certificate != nullptr
-                           ? PEM_write_X509(file, certificate) == 1
-                           : PEM_write_PrivateKey(file, key, nullptr, nullptr, 0, nullptr,
-                                                  nullptr) == 1;
+  const bool written = certificate != nullptr ? PEM_write_X509(file, certificate) == 1
+                                              : PEM_write_PrivateKey(file, key, nullptr, nullptr, 0,
+                                                                     nullptr, nullptr) == 1;
   std::fclose(file);
   Check(written, "writing a PEM file");
 }
@@ -91,7 +90,8 @@ Key ReadKey(const std::string& path) {
 
 }  // namespace
 
-TestAuthority::TestAuthority() : certificate_(dir_ / "authority.pem"), key_(dir_ / "authority.key") {
+TestAuthority::TestAuthority()
+    : certificate_(dir_ / "authority.pem"), key_(dir_ / "authority.key") {
   const Key key = NewKey();
   const Certificate certificate = NewCertificate(key.get(), "Corvanet Test Authority", 1,
                                                  std::chrono::hours(-1), std::chrono::hours(48));
@@ -114,9 +114,8 @@ TestAuthority::Issued TestAuthority::Issue(const std::vector<std::string>& names
   for (const std::string& name : names) {
     alternative_names += (alternative_names.empty() ? "" : ",") + name;
   }
-  const Certificate certificate =
-      NewCertificate(key.get(), "server " + std::to_string(number), number + 1, valid_from,
-                     valid_until);
+  const Certificate certificate = NewCertificate(key.get(), "server " + std::to_string(number),
+                                                 number + 1, valid_from, valid_until);
   X509_set_issuer_name(certificate.get(), X509_get_subject_name(authority.get()));
   AddExtension(certificate.get(), authority.get(), NID_basic_constraints, "CA:FALSE");
   AddExtension(certificate.get(), authority.get(), NID_key_usage, "critical,digitalSignature");

@@ -46,8 +46,10 @@ CURLcode AddAuthorities(CURL* /*handle*/, void* ssl_context, void* user) {
 
 CertificateProblem ProblemOf(long verify_result) {
   switch (verify_result) {
-    // The chain was good, so libcurl's own check of the host name failed.
+    // libcurl checks the host name before it reads the chain's result, which then stays as it
+    // was set before the handshake (unspecified); either way the name is what failed.
     case X509_V_OK:
+    case X509_V_ERR_UNSPECIFIED:
       return CertificateProblem::kWrongName;
     case X509_V_ERR_HOSTNAME_MISMATCH:
     case X509_V_ERR_IP_ADDRESS_MISMATCH:

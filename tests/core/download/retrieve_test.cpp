@@ -7,8 +7,8 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "core/download/download_fixture.h"
 #include "core/state/log.h"
-#include "download/download_fixture.h"
 
 namespace corvanet::test {
 namespace {

@@ -107,18 +107,35 @@ TEST_F(HttpsTest, ACertificateThatFailsItsCheckCostsTheFetchBeforeTheRequest) {
   };
   const std::string ours = authority.certificate();
   const Case cases[] = {
-      {"self-made authority, not added", [&] { return authority.Issue({"IP:127.0.0.1"}); }, {},
-       CertificateProblem::kUnknownAuthority, "CORVANET_CA_FILE"},
-      {"another authority added", [&] { return authority.Issue({"IP:127.0.0.1"}); },
-       {stranger.certificate()}, CertificateProblem::kUnknownAuthority, "CAFile"},
-      {"made out for another host", [&] { return authority.Issue({"DNS:data.example.com"}); },
-       {ours}, CertificateProblem::kWrongName, "IPAddress"},
-      {"expired", [&] { return authority.Issue({"IP:127.0.0.1"}, hours(-48), hours(-24)); },
-       {ours}, CertificateProblem::kExpired, "renew"},
-      {"not valid yet", [&] { return authority.Issue({"IP:127.0.0.1"}, hours(24), hours(48)); },
-       {ours}, CertificateProblem::kExpired, "clock"},
-      {"added file is no certificate", [&] { return authority.Issue({"IP:127.0.0.1"}); },
-       {scratch / "not-a-certificate.pem"}, CertificateProblem::kAuthorityFileUnusable,
+      {"self-made authority, not added",
+       [&] { return authority.Issue({"IP:127.0.0.1"}); },
+       {},
+       CertificateProblem::kUnknownAuthority,
+       "CORVANET_CA_FILE"},
+      {"another authority added",
+       [&] { return authority.Issue({"IP:127.0.0.1"}); },
+       {stranger.certificate()},
+       CertificateProblem::kUnknownAuthority,
+       "CAFile"},
+      {"made out for another host",
+       [&] { return authority.Issue({"DNS:data.example.com"}); },
+       {ours},
+       CertificateProblem::kWrongName,
+       "IPAddress"},
+      {"expired",
+       [&] { return authority.Issue({"IP:127.0.0.1"}, hours(-48), hours(-24)); },
+       {ours},
+       CertificateProblem::kExpired,
+       "renew"},
+      {"not valid yet",
+       [&] { return authority.Issue({"IP:127.0.0.1"}, hours(24), hours(48)); },
+       {ours},
+       CertificateProblem::kExpired,
+       "clock"},
+      {"added file is no certificate",
+       [&] { return authority.Issue({"IP:127.0.0.1"}); },
+       {scratch / "not-a-certificate.pem"},
+       CertificateProblem::kAuthorityFileUnusable,
        "not-a-certificate.pem"},
   };
   for (const Case& c : cases) {
@@ -193,7 +210,9 @@ TEST_F(HttpsTest, ABodyOverTheLimitOrOneThatStopsComingFailsAndLeavesNothing) {
   service.SetFile("/announced.csv", big);
   service.SetFile("/unsized.csv", big);
   service.SetUnsized("/unsized.csv");
-  service.SetFile("/stalled.csv", big);
+  // Two bytes, one sent: libcurl averages the speed over a few seconds, and a large first half
+  // would keep that average above the limit for as long.
+  service.SetFile("/stalled.csv", "ab");
   service.SetStalled("/stalled.csv");
   struct Case {
     const char* path;
