@@ -30,9 +30,9 @@ TEST_F(CliSettingsTest, FirstCommandCreatesTheInstallationAndTheSettingsFile) {
   EXPECT_TRUE(DirectoryExists(base() + "Lists"));
   const std::string content = ReadFile(settings_file());
   const std::vector<std::string> lines = ReadLines(settings_file());
-  ASSERT_EQ(lines.size(), 89U);
-  EXPECT_EQ(std::count(content.begin(), content.end(), '\n'), 89);
-  EXPECT_EQ(std::count(content.begin(), content.end(), '\r'), 89);
+  ASSERT_EQ(lines.size(), 91U);
+  EXPECT_EQ(std::count(content.begin(), content.end(), '\n'), 91);
+  EXPECT_EQ(std::count(content.begin(), content.end(), '\r'), 91);
   for (std::size_t i = 0; i < lines.size(); ++i) {
     EXPECT_EQ(lines[i].substr(0, lines[i].find(',')), SettingsTable()[i].key) << i + 1;
   }
@@ -100,7 +100,7 @@ TEST_F(CliSettingsTest, RelativeBaseDirectoryIsTheSameFolderAfterStartUp) {
       RunProcess("--base-dir rel settings UserName=abc Password=pw IPAddress=127.0.0.1:9");
   ASSERT_EQ(made.code, 0) << made.err;
   EXPECT_EQ(made.out, "");
-  ASSERT_EQ(ReadLines(start() + "rel/Rondex/Rondex.ini").size(), 89U);
+  ASSERT_EQ(ReadLines(start() + "rel/Rondex/Rondex.ini").size(), 91U);
   const CliResult printed = RunProcess("--base-dir rel settings");
   EXPECT_NE(printed.out.find("\nUserName=abc\n"), std::string::npos) << printed.out;
   EXPECT_NE(printed.out.find("\nPathToDataFiles=" + start() + "rel/CSVFiles/\n"), std::string::npos)

@@ -78,5 +78,25 @@ TEST_F(HttpsRunTest, OnlyATrustedCertificateGetsTheRequests) {
       << redirected.out;
 }
 
+// Plain HTTP warns once per run when the address names another computer, and never for this one.
+// 0.0.0.0 names no computer in particular, yet Linux connects it to this one: a plain service
+// elsewhere as far as the address tells, which the demo service can answer.
+TEST_F(RunTest, PlainHttpToAnotherComputerWarnsOncePerRun) {
+  MakeList(2, "eSignal", "D", {"$NYA", "$INDU"});
+  const CliResult loopback = RunList(2);
+  ASSERT_EQ(loopback.code, 0) << loopback.out;
+  EXPECT_FALSE(Contains(loopback.out, "unencrypted")) << loopback.out;
+
+  ASSERT_EQ(RunIn({"settings", "IPAddress=0.0.0.0:" + std::to_string(service.port())}).code, 0);
+  service.Advance(1);
+  const CliResult elsewhere = RunIn({"--log", "run", "2"});
+  EXPECT_EQ(elsewhere.code, 0) << elsewhere.out;
+  const std::string warning =
+      "Warning: the password is sent unencrypted; use https:// if the service offers it\n";
+  EXPECT_TRUE(Contains(elsewhere.out, warning)) << elsewhere.out;
+  EXPECT_EQ(elsewhere.out.find(warning), elsewhere.out.rfind(warning)) << "once";
+  EXPECT_TRUE(Contains(elsewhere.out, "Datafiles updated by merge: 2")) << elsewhere.out;
+}
+
 }  // namespace
 }  // namespace corvanet::test

@@ -76,7 +76,7 @@ TEST_F(FormUnloadTest, TheAnswerDecidesSavingAndClosing) {
     bool stays_open;
     std::size_t lines;
     const char* logged;
-  } cases[] = {{Answer::kYes, false, 89, "Settings saved"},
+  } cases[] = {{Answer::kYes, false, 91, "Settings saved"},
                {Answer::kNo, false, 0, "Settings not saved"},
                {Answer::kCancel, true, 0, "Exit canceled"}};
   for (const auto& c : cases) {
