@@ -39,8 +39,8 @@ struct DemoServiceOptions {
   std::vector<std::string> faults = {};  // fault rules in force from the start
   bool start = true;                     // false: generate only; call Start() later
   // Both set: the service speaks HTTPS with this certificate (PEM) and key.
-  std::string tls_certificate;
-  std::string tls_key;
+  std::string tls_certificate = {};
+  std::string tls_key = {};
 };
 
 class DemoService {

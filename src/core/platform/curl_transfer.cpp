@@ -104,7 +104,7 @@ void GlobalInitOnce() {
   std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
 }
 
-void SetFetchOptions(CURL* handle, Transfer& transfer) {
+void SetFetchOptions(CURL* handle, Transfer& transfer, AuthorityCache authorities) {
   const FetchRequest& request = transfer.request;
   transfer.error_text[0] = '\0';
   transfer.received = 0;
@@ -120,9 +120,12 @@ void SetFetchOptions(CURL* handle, Transfer& transfer) {
   if (!request.extra_authorities.empty()) {
     curl_easy_setopt(handle, CURLOPT_SSL_CTX_FUNCTION, &AddAuthorities);
     curl_easy_setopt(handle, CURLOPT_SSL_CTX_DATA, &transfer);
-    // The authorities libcurl keeps between connections would carry the added ones to requests
-    // that did not ask for them.
-    curl_easy_setopt(handle, CURLOPT_CA_CACHE_TIMEOUT, 0L);
+    // libcurl keeps the authorities it loaded for the next connections of the same transfer
+    // engine, the added ones with them: only where every request adds the same (a pool, which
+    // serves one run) is that allowed; elsewhere each connection loads its own.
+    if (authorities == AuthorityCache::kNone) {
+      curl_easy_setopt(handle, CURLOPT_CA_CACHE_TIMEOUT, 0L);
+    }
   }
   curl_easy_setopt(handle, CURLOPT_HTTPAUTH, static_cast<long>(CURLAUTH_BASIC));
   curl_easy_setopt(handle, CURLOPT_USERNAME, request.user.c_str());

@@ -28,9 +28,13 @@ struct Transfer {
   char error_text[CURL_ERROR_SIZE] = {};
 };
 
+// Whether the system's authorities, once loaded, serve the next connections too, with the ones a
+// request added: only for handles whose requests all add the same.
+enum class AuthorityCache { kNone, kShared };
+
 // Sets every option of one GET of the transfer's request on a handle that was reset (a reused
 // handle keeps the previous request's options otherwise).
-void SetFetchOptions(CURL* handle, Transfer& transfer);
+void SetFetchOptions(CURL* handle, Transfer& transfer, AuthorityCache authorities);
 
 // The outcome of a finished transfer as FetchResult says it; a body that is complete and 2xx is
 // still only in its temporary file.

@@ -137,7 +137,7 @@ struct FetchPool::State {
       End(job, std::move(result));
       return;
     }
-    curl::SetFetchOptions(handle, job.transfer);
+    curl::SetFetchOptions(handle, job.transfer, curl::AuthorityCache::kShared);
     curl_easy_setopt(handle, CURLOPT_PRIVATE, &job);
     if (curl_multi_add_handle(multi, handle) != CURLM_OK) {
       handles.push_back(std::exchange(job.handle, nullptr));

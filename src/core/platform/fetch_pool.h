@@ -3,7 +3,9 @@
 // interface, driven by a thread of its own). A fetch keeps its body in a temporary file beside its
 // target until the caller commits it, so the caller decides when, and whether, the file it
 // replaces changes: Commit gives exactly what HttpClient::FetchToFile would have given had it
-// run at that moment, and a fetch that is not committed leaves nothing behind.
+// run at that moment, and a fetch that is not committed leaves nothing behind. A pool serves the
+// requests of one run: the authorities one of them adds are trusted for the others too, so every
+// request of a pool must add the same (as ServiceRequest's do).
 #include <cstdint>
 #include <memory>
 #include <string>

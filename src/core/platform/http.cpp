@@ -221,7 +221,8 @@ FetchResult CurlHttpClient::FetchToFile(const FetchRequest& request,
   }
   // Options of the previous request stay on a reused handle; reset and set all of them again.
   curl_easy_reset(curl);
-  curl::SetFetchOptions(curl, transfer);
+  // One handle serves every request of the program's life, whatever authorities each adds.
+  curl::SetFetchOptions(curl, transfer, curl::AuthorityCache::kNone);
   const CURLcode code = curl_easy_perform(curl);
   result = curl::ResultOf(curl, code, transfer);
   // The handle outlives the transfer: nothing of it may point into it any more.

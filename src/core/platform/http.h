@@ -72,9 +72,9 @@ enum class FetchStatus {
 // Why a service's certificate failed its check.
 enum class CertificateProblem {
   kNone,
-  kUnknownAuthority,  // no authority this computer trusts signed it (self-signed, private)
-  kWrongName,         // made out for another host than the address names
-  kExpired,           // out of its validity dates
+  kUnknownAuthority,       // no authority this computer trusts signed it (self-signed, private)
+  kWrongName,              // made out for another host than the address names
+  kExpired,                // out of its validity dates
   kAuthorityFileUnusable,  // an added authority file cannot be read or holds no certificate
   kOther,
 };
