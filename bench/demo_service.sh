@@ -22,17 +22,9 @@ serve_service() {
 }
 
 # make_certificate DIR: a throw-away authority (DIR/authority.pem) and a certificate for 127.0.0.1
-# it signed (DIR/service.pem, DIR/service.key).
+# it signed (DIR/service.pem, DIR/service.key), valid two days.
 make_certificate() {
-  mkdir -p "$1"
-  openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -days 2 \
-    -subj "/CN=bench authority" -keyout "$1/authority.key" -out "$1/authority.pem" \
-    -addext "basicConstraints=critical,CA:TRUE" -addext "keyUsage=critical,keyCertSign" 2>/dev/null
-  openssl req -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -subj "/CN=127.0.0.1" \
-    -keyout "$1/service.key" -out "$1/service.csr" 2>/dev/null
-  printf 'subjectAltName=IP:127.0.0.1\nextendedKeyUsage=serverAuth\n' >"$1/service.ext"
-  openssl x509 -req -in "$1/service.csr" -CA "$1/authority.pem" -CAkey "$1/authority.key" \
-    -CAcreateserial -days 2 -extfile "$1/service.ext" -out "$1/service.pem" 2>/dev/null
+  bash "$(dirname "${BASH_SOURCE[0]}")/../scripts/make-certificate.sh" "$1" 2
 }
 
 # install DIR [SCHEME] [CAFILE]: an installation in DIR that uses the service (over "https://" when

@@ -5,6 +5,7 @@
 # MetaStock format, one new bar, and a second run that merges it.
 set -euo pipefail
 build=${1:-build}
+scripts="$(cd "$(dirname "$0")" && pwd)"
 bin="$(cd "$build/bin" && pwd)"
 demo="$(pwd)/demo"
 service_root="$demo/service"
@@ -20,15 +21,7 @@ echo "== Generating a demo data set"
 
 echo "== Making a throw-away authority and the service's certificate"
 tls="$demo/tls"
-mkdir -p "$tls"
-openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -days 30 \
-  -subj "/CN=Corvanet demo authority" -keyout "$tls/authority.key" -out "$tls/authority.pem" \
-  -addext "basicConstraints=critical,CA:TRUE" -addext "keyUsage=critical,keyCertSign" 2>/dev/null
-openssl req -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -subj "/CN=127.0.0.1" \
-  -keyout "$tls/service.key" -out "$tls/service.csr" 2>/dev/null
-printf 'subjectAltName=IP:127.0.0.1,DNS:localhost\nextendedKeyUsage=serverAuth\n' >"$tls/service.ext"
-openssl x509 -req -in "$tls/service.csr" -CA "$tls/authority.pem" -CAkey "$tls/authority.key" \
-  -CAcreateserial -days 30 -extfile "$tls/service.ext" -out "$tls/service.pem" 2>/dev/null
+bash "$scripts/make-certificate.sh" "$tls"
 
 port_file="$demo/port"
 "$bin/corvanet-demo-service" serve --root "$service_root" --host 127.0.0.1 --port 0 \

@@ -1,5 +1,6 @@
 #include "support/test_support.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <filesystem>
@@ -78,6 +79,19 @@ bool WaitFor(const std::function<bool()>& condition, std::chrono::milliseconds d
 
 std::string BinaryPath(std::string_view name) {
   return std::string(CORVANET_BIN_DIR) + "/" + std::string(name);
+}
+
+}  // namespace corvanet::test
+
+namespace corvanet::test {
+
+std::vector<std::string> FileNames(const std::string& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
 }
 
 }  // namespace corvanet::test

@@ -31,6 +31,8 @@ void WriteLines(const std::string& path, const std::vector<std::string>& lines);
 // The file's lines without their endings (CR LF or LF).
 std::vector<std::string> ReadLines(const std::string& path);
 bool Exists(const std::string& path);
+// The names of what a folder holds, sorted: to prove no temporary file stayed behind.
+std::vector<std::string> FileNames(const std::string& folder);
 inline bool Contains(std::string_view text, std::string_view part) {
   return text.find(part) != std::string_view::npos;
 }

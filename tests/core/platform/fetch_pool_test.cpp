@@ -30,14 +30,7 @@ class FetchPoolTest : public ::testing::Test {
     return service.data_set_folder("data") + name;
   }
   // What is in the local folder, so a test can prove no temporary file stayed.
-  std::vector<std::string> LocalFiles() const {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(local.path())) {
-      names.push_back(entry.path().filename().string());
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-  }
+  std::vector<std::string> LocalFiles() const { return FileNames(local.path()); }
 
   DemoService service;
   TempDir local;

@@ -69,14 +69,7 @@ class HttpsTest : public ::testing::Test {
     request.timeout_seconds = 10;
     return request;
   }
-  std::vector<std::string> LocalFiles() const {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(local.path())) {
-      names.push_back(entry.path().filename().string());
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-  }
+  std::vector<std::string> LocalFiles() const { return FileNames(local.path()); }
   // The same request through the one-at-a-time client and through a pool: both must end alike.
   std::vector<FetchResult> FetchBothWays(const FetchRequest& request) {
     std::vector<FetchResult> results;
