@@ -117,7 +117,7 @@ TEST_F(CheckListsTest, BrokenListsAreLeftAsTheyStoodWhileTheOthersAreChecked) {
   EXPECT_EQ(t.shell.boxes[0].text, std::string(kReportStart) +
                                        "Download List 4 - Symbol:  $GONE\r"
                                        "Download List 4 as it was is kept in " +
-                                       t.lists("Copies/Download4-20000101-000000.csv") + "\r");
+                                       t.lists("Copies/Download4-20261123-000000.csv") + "\r");
   const std::string log = t.LogText();
   EXPECT_NE(log.find("Download1.csv ends within its header; skipped"), std::string::npos);
   EXPECT_NE(log.find("Download2.csv has no symbol; skipped"), std::string::npos);
