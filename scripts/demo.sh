@@ -35,7 +35,7 @@ port=$(cat "$port_file")
 echo "== Demo service listening on https://127.0.0.1:$port"
 
 cli=("$bin/corvanet-cli" --base-dir "$install")
-cd "$demo"   # RunListNum.txt and the first report live in the start folder
+cd "$demo"   # RunListNum.txt lives in the start folder
 "${cli[@]}" settings "UserName=$user" "Password=$password" "IPAddress=https://127.0.0.1:$port" \
   "CAFile=$tls/authority.pem" >/dev/null
 # Traditional and equal-weight price files, converted to MetaStock format after each run.
