@@ -117,6 +117,11 @@ void SetFetchOptions(CURL* handle, Transfer& transfer, AuthorityCache authoritie
   // libcurl's defaults, set all the same: nothing in the program may turn them off.
   curl_easy_setopt(handle, CURLOPT_SSL_VERIFYPEER, 1L);
   curl_easy_setopt(handle, CURLOPT_SSL_VERIFYHOST, 2L);
+  // The system's authorities come from its bundle file alone, not also from the folder of hashed
+  // links the distribution builds from the same certificates: libcurl keeps a store loaded from a
+  // file for the next connections, but one with a folder is loaded again for each, and loading
+  // the bundle costs more than the handshake itself.
+  curl_easy_setopt(handle, CURLOPT_CAPATH, nullptr);
   if (!request.extra_authorities.empty()) {
     curl_easy_setopt(handle, CURLOPT_SSL_CTX_FUNCTION, &AddAuthorities);
     curl_easy_setopt(handle, CURLOPT_SSL_CTX_DATA, &transfer);
