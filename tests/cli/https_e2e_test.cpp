@@ -33,6 +33,14 @@ class HttpsRunTest : protected ThrowAwayAuthority, public RunTest {
 };
 
 TEST_F(HttpsRunTest, OnlyATrustedCertificateGetsTheRequests) {
+  // A new installation whose master file never came, as its authority is not trusted yet: a full
+  // list has nothing to walk, and the run says why instead of naming the lists it could not open.
+  ASSERT_EQ(RunIn({"list", "7", "vendor", "eSignal", "periods", "D,W"}).code, 0);
+  const CliResult first_start = RunList(7);
+  EXPECT_EQ(first_start.code, 3) << first_start.out;
+  EXPECT_TRUE(Contains(first_start.out, "The data service's certificate is not trusted"))
+      << first_start.out;
+  EXPECT_FALSE(Contains(first_start.out, "could not be opened")) << first_start.out;
   // Trusted through the setting: the datafiles come over TLS, and nothing warns of plain HTTP.
   ASSERT_EQ(RunIn({"settings", "CAFile=" + authority.certificate()}).code, 0);
   MakeList(2, "eSignal", "D", {"$NYA", "$INDU", "$SOX"});

@@ -35,6 +35,25 @@ namespace corvanet {
 
 namespace {
 
+// A full list walks the master file. A new installation whose first fetch of it failed (start-up
+// tries without a word) gets one more try here, so that the run can say why it has nothing to
+// walk; a certificate that is not trusted stops the run as at any other fetch.
+bool MasterfileInHand(Session& session, int list, RunSummary& summary) {
+  if (!IsFullList(list) || FileExists(MasterFilePath(session))) return true;
+  FetchResult answer;
+  if (RefreshMasterfile(session, nullptr, &answer) == MasterfileRefresh::kInstalled) {
+    LoadMasterfile(session);
+    return true;
+  }
+  if (session.run.service_unusable.empty()) {
+    summary.period_problems.push_back(
+        "the master file " + session.app.MasterFileName + " could not be fetched: " +
+        (answer.ok() ? std::string("the service sent no list of indexes and ETFs")
+                     : answer.Describe()));
+  }
+  return false;
+}
+
 // The checks before a run; false when the run must not start.
 bool RunMayStart(Session& session) {
   WindowState& ui = session.ui;
@@ -271,13 +290,14 @@ RunSummary DownLoadButton_Click(Session& session) {
   if (ui.MakeMetaStockPxFiles != 0) StartConverterBatches(session);
   SelectMasterfile(session);
   WarnOfPlainHttp(session, summary);
-  const int run_total = CountRunDatafiles(session);
-  PrepareFolders(session, summary);
-
   run.DatafileCounter = 0;
   run.time_outs_in_a_row = 0;
   run.service_unusable.clear();
   run.retry_after_seconds = 0;
+  const bool walkable = MasterfileInHand(session, list, summary);
+  const int run_total = CountRunDatafiles(session);
+  PrepareFolders(session, summary);
+
   PriceFilesOfTheWalk price_files(session);
   MergeIndex merge_index(session);
   // A start that runs a list keeps its early fetches from start-up on (the update files may already
@@ -295,7 +315,7 @@ RunSummary DownLoadButton_Click(Session& session) {
   // trip. The run never starts with the log-in placeholders, so the master file is always fetched.
   early_fetches.Start(SystemMessageFileName(session));
   early_fetches.Start(session.app.MasterFileName);
-  for (int period = 1; period <= 4; ++period) {
+  for (int period = 1; walkable && period <= 4; ++period) {
     DetermineInterval(session, period);
     if (run.DataPeriod.empty()) continue;
     RunPeriod(session, run_total, summary, update_rows);

@@ -33,10 +33,6 @@ constexpr std::array<PeriodBox, 4> kPeriodBoxes{{
     {"QuarterlyInterval", &WindowState::QuarterlyInterval},
 }};
 
-bool IsFullList(int list_number) {
-  return list_number == 6 || list_number == 7;
-}
-
 // A full list fixes its own periods: daily only (the first), or all four.
 bool FullListTicks(int list_number, std::size_t period_index) {
   return list_number == 7 || period_index == 0;
@@ -142,6 +138,10 @@ void RestoreWholeLines(Session& session, const std::string& path) {
 }
 
 }  // namespace
+
+bool IsFullList(int list_number) {
+  return list_number == 6 || list_number == 7;
+}
 
 std::span<const VendorOption> VendorOptions() {
   return kVendors;

@@ -26,6 +26,8 @@ bool LogInEntered(const WindowState& ui);
 
 // The number in CurrentListNumber (0 when none or not a number).
 int CurrentListNumber(const Session& session);
+// "All Daily" and "All Periods", which walk the whole master file.
+bool IsFullList(int list_number);
 // "Download List 3", "'All Daily' Periods", "'All Periods'".
 std::string DownLoadType(const Session& session);
 // PathToLists + "Download" + n + ".csv".
