@@ -37,6 +37,10 @@ std::string MasterfileNotFetchedText(const FetchResult& answer) {
     return "The list of indexes and ETFs could not be fetched: the data service refused the user "
            "name and password. Correct them and click Save Settings to try again.";
   }
+  if (answer.status == FetchStatus::kUntrustedCertificate) {
+    return "The list of indexes and ETFs could not be fetched: " + answer.Describe() +
+           ". Then click Save Settings to try again.";
+  }
   if (answer.status == FetchStatus::kCouldNotConnect || answer.status == FetchStatus::kTimedOut) {
     why = ": the data service could not be reached at the Data Service Address";
   } else if (answer.status == FetchStatus::kHttpError) {
