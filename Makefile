@@ -7,7 +7,7 @@ ifdef CI
 CMAKE_FLAGS += -DCORVANET_WERROR=ON
 endif
 
-.PHONY: deps build test demo package screenshots bench fuzz format clean
+.PHONY: deps build test demo package screenshots bench fuzz mutants format clean
 
 deps:
 	@bash scripts/install-deps.sh
@@ -40,8 +40,13 @@ bench: build
 fuzz:
 	@bash scripts/fuzz.sh $(or $(FUZZ_SECONDS),60)
 
+# Each break of scripts/mutants.txt applied to a copy of the sources in build-mutants/, its tests run,
+# caught or missed printed. MUTANTS picks some: `make mutants MUTANTS="3 merge"`.
+mutants: deps
+	@python3 scripts/mutants.py --jobs $(JOBS) $(MUTANTS)
+
 format:
 	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
 
 clean:
-	@rm -rf $(BUILD)
+	@rm -rf $(BUILD) build-mutants
