@@ -85,15 +85,6 @@ TEST_F(CliSettingsTest, ABadValueChangesNothing) {
   }
 }
 
-TEST_F(CliSettingsTest, SavingWithoutCredentialsIsRefusedWithAMessage) {
-  const CliResult result = RunIn({"settings", "UpTrends=1"});
-  EXPECT_EQ(result.code, cli::kExitRefused);
-  EXPECT_EQ(result.out.rfind("Please enter your username and password.\n", 0), 0U);
-  EXPECT_TRUE(result.out.ends_with("\n\n"));
-  // The new installation's own defaults stay as they were written.
-  EXPECT_NE(ReadFile(settings_file()).find("UpTrends, 0\r\n"), std::string::npos);
-}
-
 TEST_F(CliSettingsTest, RelativeBaseDirectoryIsTheSameFolderAfterStartUp) {
   // The real program makes the program folder current, so a relative root must be resolved first.
   const CliResult made =

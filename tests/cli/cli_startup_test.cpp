@@ -45,10 +45,13 @@ TEST_F(CliStartupTest, ARunThatNeverStartsExitsFour) {
   }
 }
 
+// The log and its start-up report go to the program folder, never the folder the program was
+// started from.
 TEST_F(CliStartupTest, LogOptionStartsAFreshLogInTheProgramFolder) {
   const std::string log_file = base() + "Rondex/LogFile.txt";
   ASSERT_EQ(RunIn({}).code, 0);
   WriteFile(log_file, "old lines\r\n");
+  WriteFile(start() + "LogFile.txt", "the user's own notes\n");
   const CliResult result = RunIn({"--log", "settings", "UserName=abc", "Password=pw"});
   ASSERT_EQ(result.code, 0) << result.err;
   const std::vector<std::string> lines = ReadLines(log_file);
@@ -56,6 +59,7 @@ TEST_F(CliStartupTest, LogOptionStartsAFreshLogInTheProgramFolder) {
   EXPECT_EQ(lines[2], "ProgramDirectory:  " + base() + "Rondex/");
   EXPECT_EQ(ReadFile(log_file).find("old lines"), std::string::npos);
   EXPECT_NE(ReadFile(log_file).find(" - Not Set - SaveToINI_Click\r\n"), std::string::npos);
+  EXPECT_EQ(ReadFile(start() + "LogFile.txt"), "the user's own notes\n");
 }
 
 }  // namespace

@@ -14,65 +14,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string Date(const std::string& row) {
-  return row.size() >= 10 ? row.substr(2, 8) : std::string();
-}
-
 class DataSafetyTest : public ListTwoRunTest {
  protected:
   std::string NyaFile() const { return ServiceFile("NYSEDaily-CompositeStats.csv"); }
 };
-
-// A whole file of stale rows (one old row repeated) is refused by its second row, and the datafile
-// and its price file stay as they were; a whole file heals it.
-TEST_F(DataSafetyTest, AFetchedFileOfStaleRowsNeverReplacesTheDatafile) {
-  service.Advance(7);  // more than the update file holds: the whole file is needed
-  const std::vector<std::string> whole = ReadLines(NyaFile());
-  std::vector<std::string> stale(5000, whole[100]);
-  stale.insert(stale.begin(), whole[0]);
-  const std::string datafile = ReadFile(data("Daily/$NYA.csv"));
-  const std::string price_file = ReadFile(data("PX/Daily/$NYA.csv"));
-  WriteLines(NyaFile(), stale);
-  const CliResult run = RunIn({"--log", "run", "2"});
-  EXPECT_EQ(run.code, 3);
-  EXPECT_TRUE(
-      Contains(run.out, "$NYA Daily: NYSEDaily-CompositeStats.csv line 3: the row is dated " +
-                            Date(whole[100]) + ", not after the row before it"))
-      << run.out;
-  EXPECT_EQ(ReadFile(data("Daily/$NYA.csv")), datafile);
-  EXPECT_EQ(ReadFile(data("PX/Daily/$NYA.csv")), price_file);
-  EXPECT_TRUE(Contains(run.out, "Datafiles failed: 1")) << "the others go on";
-  EXPECT_LT(Log().size(), 100000U) << "one line for the file, not one per row";
-
-  WriteLines(NyaFile(), whole);
-  EXPECT_EQ(RunList(2).code, 0) << "a whole file heals it";
-  EXPECT_EQ(ValidateDatafile(data("Daily/$NYA.csv")), std::vector<std::string>{});
-}
-
-// Update rows out of date order or holding a NUL are left out and reported: a datafile's dates only
-// go forward.
-TEST_F(DataSafetyTest, MergedDatesOnlyGoForward) {
-  service.Advance(2);
-  const std::vector<std::string> base_rows = ReadLines(data("Daily/$NYA.csv"));
-  std::vector<std::string> update = ReadLines(ServiceFile("Update-Daily.csv"));
-  std::size_t newest = 0;
-  for (std::size_t i = 0; i < update.size(); ++i) {
-    if (update[i].rfind("NYSE ", 0) == 0) newest = i;
-  }
-  update[newest].insert(update[newest].size() - 1, 1, '\0');
-  update.push_back("NYSE            " + base_rows[base_rows.size() - 3]);  // old, after the new
-  WriteLines(ServiceFile("Update-Daily.csv"), update);
-  const CliResult run = RunIn({"--log", "run", "2"});
-  EXPECT_EQ(run.code, 3) << run.out;
-  const std::vector<std::string> rows = ReadLines(data("Daily/$NYA.csv"));
-  EXPECT_EQ(rows.size(), base_rows.size() + 1) << "the row before the NUL row is merged";
-  for (std::size_t i = 2; i < rows.size(); ++i) {
-    EXPECT_LT(Date(rows[i - 1]), Date(rows[i])) << "line " << i + 1;
-    EXPECT_EQ(rows[i].find('\0'), std::string::npos) << "line " << i + 1;
-  }
-  // The old row stands sixth among NYSE's lines, where no merge looks.
-  EXPECT_TRUE(Contains(run.out, "Rows left out: 1\n")) << run.out;
-}
 
 // A master file that the field reader would read shifted is never installed, so the list check
 // cannot empty the lists. One cut short at a line boundary reads as valid: it is held back until a

@@ -97,15 +97,6 @@ TEST_F(InstallationGuardTest, CommandsThatChangeFilesWaitForNoRunAndTheOthersLea
   EXPECT_EQ(ReadLines(list_file()).size(), 5U);
 }
 
-TEST_F(InstallationGuardTest, TheStartUpReportGoesToTheProgramFolderNeverTheStartFolder) {
-  WriteFile(start() + "LogFile.txt", "the user's own notes\n");
-  ASSERT_EQ(RunIn({"list", "1"}).code, 0);
-  EXPECT_EQ(ReadFile(start() + "LogFile.txt"), "the user's own notes\n");
-  const std::vector<std::string> report = ReadLines(log_file());
-  ASSERT_GE(report.size(), 16U);
-  EXPECT_EQ(report[2], "ProgramDirectory:  " + base() + "Rondex/");
-}
-
 TEST_F(InstallationGuardTest, ADeletedListsFolderIsMadeAgainAndAMissingListIsSaid) {
   std::filesystem::remove_all(base() + "Lists");
 

@@ -74,14 +74,6 @@ TEST_F(RunFaultsTest, WrongCredentialsFailEveryDatafileAndWriteNothing) {
       << run.out;
   EXPECT_EQ(Requests("CompositeStats"), whole_files) << "nothing needed a request";
   EXPECT_EQ(Snapshot("Daily"), before_);
-
-  // A service that cannot be reached says so.
-  service.Stop();
-  ASSERT_EQ(RunIn({"settings", "Password=" + service.password()}).code, 0);
-  const CliResult unreachable = RunList(2);
-  EXPECT_EQ(unreachable.code, 3);
-  EXPECT_TRUE(Contains(unreachable.out, "could not connect (the data service cannot be reached"))
-      << unreachable.out;
 }
 
 // An update file that fails, in each way, does not skip its period: a datafile missing on disk is
@@ -177,36 +169,6 @@ TEST_F(RunFaultsTest, SymbolsThatCannotBeFileNamesAreSkipped) {
   EXPECT_TRUE(Contains(run.out, "Datafiles failed: 2"));
   EXPECT_FALSE(Exists(base() + "CSVFiles/x.csv"));
   EXPECT_TRUE(Contains(ReadFile(base() + "Rondex/LogFile.txt"), "cannot be used in a file name"));
-}
-
-// A run killed while it writes leaves every datafile whole: the old content or the new.
-TEST_F(RunFaultsTest, AKilledRunLeavesEveryDatafileOldOrNew) {
-  service.Advance(7);
-  service.SetFaults({"*/DJ30Daily-CompositeStats.csv delay 3000"});
-  const std::string command = "cd '" + start() + "' && exec '" + BinaryPath("corvanet-cli") +
-                              "' --base-dir '" + base_arg() + "' run 2 >/dev/null 2>&1";
-  const pid_t child = ::fork();
-  ASSERT_GE(child, 0);
-  if (child == 0) {
-    ::execl("/bin/sh", "sh", "-c", command.c_str(), static_cast<char*>(nullptr));
-    ::_exit(127);
-  }
-  // $NYA comes first in the list: once it holds the new bars the run waits on $INDU's fetch.
-  ASSERT_TRUE(WaitFor([&] { return ReadFile(data("Daily/$NYA.csv")) != Before("$NYA.csv"); }));
-  ::kill(child, SIGKILL);
-  // What a process killed in the middle of a write leaves behind.
-  WriteFile(data("Daily/$SOX.csv.tmp-999999-0"), "D,2025");
-  int status = 0;
-  ::waitpid(child, &status, 0);
-  for (const auto& [name, content] : Snapshot("Daily")) {
-    if (name.find(".tmp-") != std::string::npos) continue;  // swept by the next run
-    EXPECT_EQ(ValidateDatafile(data("Daily/" + name)), std::vector<std::string>{}) << name;
-  }
-  service.SetFaults({});
-  ASSERT_EQ(RunList(2).code, 0);
-  for (const auto& [name, content] : Snapshot("Daily")) {
-    EXPECT_EQ(name.find(".tmp-"), std::string::npos) << name;
-  }
 }
 
 }  // namespace

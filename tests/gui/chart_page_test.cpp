@@ -107,39 +107,6 @@ TEST_F(ChartPageTest, PanesHoldTheBarsAndTheIndicatorValues) {
   EXPECT_TRUE(page()->pane(1)->isHidden());
 }
 
-TEST_F(ChartPageTest, ZoomPanAndTheCrossHairKeepThePanesInStep) {
-  const TimeWindow whole = page()->window();
-  ExpectAxesInStep();
-  const std::vector<double> times = BarTimes(page()->series().dates);
-  page()->ZoomAt(times[30], 0.5);
-  EXPECT_NEAR(page()->window().width(), whole.width() / 2, 1);
-  ExpectAxesInStep();
-  page()->PanBy(-1e12);  // far past the start: stops there
-  EXPECT_EQ(page()->window().first, whole.first);
-  ExpectAxesInStep();
-
-  // The wheel over a pane zooms them all; the value axis follows what is in view.
-  gui::ChartPane* pane = page()->pane(1);
-  pane->resize(600, 200);
-  const QPointF middle = pane->chart()->plotArea().center();
-  QWheelEvent wheel(middle, pane->mapToGlobal(middle), QPoint(), QPoint(0, 240), Qt::NoButton,
-                    Qt::NoModifier, Qt::NoScrollPhase, false);
-  const double before = page()->window().width();
-  QApplication::sendEvent(pane->viewport(), &wheel);
-  EXPECT_NEAR(page()->window().width(), before * 0.64, 1);
-  ExpectAxesInStep();
-
-  // The cross-hair reads the bar nearest the pointer in every pane.
-  page()->HoverAt(times[45] + 1000);
-  const DatafileSeries& series = page()->series();
-  const NamedValue values[] = {
-      {"Close", 145},
-      {"ADLine", ComputeIndicator(series, Indicator::kAdvanceDeclineLine)[45]},
-      {"McClellanOscillator", ComputeIndicator(series, Indicator::kMcClellanOscillator)[45]}};
-  EXPECT_EQ(page()->readout().toStdString(), CrossHairText(series.dates[45], values));
-  EXPECT_TRUE(page()->readout().startsWith("2024-02-18  Close 145  ADLine "));
-}
-
 TEST_F(ChartPageTest, TheChoiceIsRememberedAndARunsNewFileRedrawn) {
   window_->tabs()->setCurrentWidget(page());
   ChartChoice choice = Choice({"TRIN", "", "ShareAbove200ma"});
@@ -159,25 +126,6 @@ TEST_F(ChartPageTest, TheChoiceIsRememberedAndARunsNewFileRedrawn) {
   const std::string picture = dir_ / "chart.png";
   ASSERT_TRUE(page()->SavePng(QString::fromStdString(picture)));
   EXPECT_FALSE(QImage(QString::fromStdString(picture)).isNull());
-}
-
-TEST_F(ChartPageTest, AMasterListDoubleClickOpensItsChartOrSaysWhyNot) {
-  session_.ui.List5.Add("Semiconductors,$SOX");
-  session_.ui.List5.Add("NYSE Composite,$NYA");
-  window_->Render(session_.ui);
-  auto* master = Find<QListWidget>("List5");
-  ASSERT_EQ(master->count(), 2);
-  emit master->itemDoubleClicked(master->item(0));
-  EXPECT_EQ(window_->tabs()->currentWidget(), page());
-  EXPECT_EQ(page()->choice().symbol, "$SOX");
-  EXPECT_EQ(page()->series().size(), 0u);
-  EXPECT_EQ(page()->message().toStdString(),
-            "There is no Daily datafile of $SOX yet; a download run of a list that holds it makes "
-            "one.");
-  emit master->itemDoubleClicked(master->item(1));
-  EXPECT_EQ(page()->series().size(), static_cast<std::size_t>(kBars));
-  // The tab of the page is none of the window's own, which the state counts.
-  EXPECT_LT(session_.ui.CurrentTab, kTabCount);
 }
 
 }  // namespace

@@ -21,28 +21,6 @@ namespace {
 
 using GuiWindow = GuiTest;
 
-TEST_F(GuiWindow, RendersCaptionsTitleAndTabsFromTheState) {
-  session_.ui.DownLoadButton.caption = "Update 57 Datafile(s) On Download List 3 Now";
-  session_.ui.DownLoadButton.bold = true;
-  session_.ui.SaveDownloadList.visible = false;
-  session_.ui.Label13.caption = "Halfway & on";
-  window_->Render(session_.ui);
-
-  auto* button = Find<QPushButton>("DownLoadButton");
-  EXPECT_EQ(button->text(), "Update 57 Datafile(s) On Download List 3 Now");
-  EXPECT_TRUE(button->font().bold());
-  EXPECT_TRUE(Find<QPushButton>("SaveDownloadList")->isHidden());
-  EXPECT_EQ(Find<QLabel>("Label13")->text(), "Halfway & on");
-  EXPECT_EQ(window_->windowTitle(), "Corvanet for Ovalith");
-  EXPECT_EQ(Find<QLabel>("DisplayVersionNum")->text(), "Version 5.1 - For Ovalith Subscribers");
-  // Tab captions keep their accelerators; button captions show an ampersand as written.
-  EXPECT_EQ(window_->tabs()->tabText(0), "I&ntroduction");
-  EXPECT_EQ(window_->tabs()->tabText(3), "&Download File Settings");
-  session_.ui.DownLoadButton.caption = "Save & Go";
-  window_->Render(session_.ui);
-  EXPECT_EQ(button->text(), "Save && Go");
-}
-
 TEST_F(GuiWindow, EditsRunTheControlsChangeHandlers) {
   auto* retries = Find<QLineEdit>("RetryNumber");
   retries->setFocus();
@@ -90,48 +68,11 @@ TEST_F(GuiWindow, ReportFromAnotherThreadIsRenderedOnTheWindowThread) {
   EXPECT_FALSE(bar->isHidden());
 }
 
-TEST_F(GuiWindow, ReportFromTheWindowThreadNeverRepaintsAnOlderState) {
-  // A handler on the window's thread reports mid-way (the list removal does), then finishes.
-  WindowState midway = session_.ui;
-  midway.DownLoadButton.caption = "midway";
-  window_->observer().StateChanged(midway);
-  session_.ui.DownLoadButton.caption = "final";
-  window_->Render(session_.ui);
-  QApplication::processEvents();
-  EXPECT_EQ(Find<QPushButton>("DownLoadButton")->text(), "final");
-}
-
 }  // namespace
 }  // namespace corvanet::test
 
 namespace corvanet::test {
 namespace {
-
-// Texts and buttons as the program has always had them: the log box's two sentences, the
-// caption-only Exit buttons, and clearing without a question.
-TEST_F(GuiWindow, KeepsTheProgramsOwnTextsAndButtons) {
-  std::string labels;
-  for (const QLabel* label : window_->findChildren<QLabel*>()) {
-    labels += label->text().toStdString() + "\n";
-  }
-  for (const char* sentence :
-       {"This setting is not saved in your configuration file and must be selected upon each new "
-        "run of the Corvanet program.",
-        "When requested by Tessaly support, however, this log file can be instrumental in "
-        "identifying the cause of many errors."}) {
-    EXPECT_NE(labels.find(sentence), std::string::npos) << sentence;
-  }
-  for (const char* name : {"Exit6", "Delete1", "Delete2"}) {
-    auto* button = Find<QPushButton>(name);
-    EXPECT_EQ(button->text(), "Exit") << name;
-    EXPECT_FALSE(button->isEnabled()) << name;
-  }
-  WriteFile(session_.ui.PathToDataFiles + "Daily/$NYA.csv", "x");
-  Find<QPushButton>("ClearDataFiles")->click();
-  EXPECT_FALSE(Exists(session_.ui.PathToDataFiles + "Daily/$NYA.csv"));
-  EXPECT_TRUE(messages.empty()) << "clearing asks nothing";
-}
-
 
 // Clearing moves the datafiles to the desktop's trash where there is one, and deletes them where
 // there is none; either way the status line says how many went and where.

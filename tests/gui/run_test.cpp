@@ -181,40 +181,6 @@ TEST_F(GuiRun, ClosingDuringARunAsksThenStopsBetweenDatafilesAndCloses) {
   EXPECT_TRUE(session_.ui.RunFailed);
 }
 
-TEST_F(GuiRun, TheCloseQuestionGoesWithTheRunItAskedAbout) {
-  window_->show();
-  StartSlowRun(800);
-  window_->close();
-  ASSERT_NE(CloseQuestion(window_.get()), nullptr);
-  // Left open, the run ends under it: the question is withdrawn and the window stays.
-  ASSERT_TRUE(ProcessUntil([this] { return !window_->running(); }, std::chrono::seconds(30)));
-  QApplication::processEvents();
-  EXPECT_EQ(CloseQuestion(window_.get()), nullptr);
-  EXPECT_TRUE(window_->isVisible());
-  EXPECT_EQ(session_.ui.RunOutcome.caption.rfind("Complete: ", 0), 0u);
-  // Closing now asks what an idle window asks.
-  answers = {Answer::kNo};
-  window_->close();
-  EXPECT_FALSE(window_->isVisible());
-  EXPECT_EQ(messages.back().request.title, "Save Dialog");
-}
-
-TEST_F(GuiRun, AnUnattendedRunShowsNoBoxAndCloses) {
-  window_->show();
-  messages.clear();
-  session_.app.RunListNum = 1;
-  window_->StartUnattendedRun();
-  ASSERT_TRUE(ProcessUntil([this] { return !window_->isVisible(); }, std::chrono::seconds(30)));
-  EXPECT_TRUE(messages.empty()) << messages.front().request.text;
-  // What a box would have said is listed under the run's result.
-  const std::vector<std::string>& lines = session_.ui.RunSummaryLines;
-  EXPECT_TRUE(std::any_of(lines.begin(), lines.end(), [](const std::string& line) {
-    return line.starts_with("Message: Corvanet Download Complete: ") &&
-           line.find(" Update for Download List 1 completed on ") != std::string::npos;
-  })) << testing::PrintToString(lines);
-  EXPECT_EQ(session_.ui.RunOutcome.caption.rfind("Complete: ", 0), 0u);
-}
-
 TEST_F(GuiRun, NeitherAReloadNorTheListCheckLeavesTheBoxAndTheFileApart) {
   auto* box = Find<QListWidget>("List6");
   // A symbol the master list no longer holds: the list check at the end of a run removes it from

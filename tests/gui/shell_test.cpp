@@ -14,12 +14,6 @@
 namespace corvanet::test {
 namespace {
 
-TEST(GuiShell, CarriageReturnsBecomeLineBreaks) {
-  EXPECT_EQ(gui::LineBreaksFromCarriageReturns("a\rb"), "a\nb");
-  EXPECT_EQ(gui::LineBreaksFromCarriageReturns("a\r\nb\r"), "a\nb\n");
-  EXPECT_EQ(gui::LineBreaksFromCarriageReturns("plain"), "plain");
-}
-
 TEST(GuiShell, WorkerThreadWaitsForTheAnswerGivenOnTheWindowThread) {
   bool asked_on_window_thread = false;
   gui::MessageRequest seen;

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "core/state/log.h"
 #include "core/app/settings.h"
 #include "core/platform/files.h"
+#include "core/state/log.h"
 #include "support/recording_shell.h"
 #include "support/test_support.h"
 
@@ -46,14 +46,6 @@ struct Start {
   ManualClock clock;
   Session session{shell, http, clock};
 };
-
-TEST(FormLoadTest, FailsWhenTheInstallationCannotBeCreated) {
-  Start p;
-  WriteFile(p.dir / "file", "not a folder");
-  StartupOptions options = p.options();
-  options.base_directory = p.dir / "file/Tessaly/";
-  EXPECT_FALSE(Form_Load(p.session, options));
-}
 
 class FormUnloadTest : public ::testing::Test {
  protected:

@@ -189,14 +189,6 @@ TEST_F(UpdateDatafileTest, EmptyBaseIsFetchedAndAOneByteBaseCountsAsPresent) {
   EXPECT_EQ(service.requests(kRemote), 2);
 }
 
-TEST_F(UpdateDatafileTest, AMissingBaseCopyThatCannotBeFetchedFails) {
-  service.SetStatus(kRemote, 404);
-  std::string reason;
-  EXPECT_FALSE(CheckForDataFile(session, reason));
-  EXPECT_NE(reason.find("HTTP 404"), std::string::npos);
-  EXPECT_FALSE(Exists(base("NYSEDaily-CompositeStats.csv")));
-}
-
 TEST_F(UpdateDatafileTest, NothingIsReadOrWrittenOnceFiveFetchesWereMade) {
   WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2}));
   WriteFile(daily("$NYA.csv"), "old");
@@ -211,18 +203,6 @@ TEST_F(UpdateDatafileTest, NothingIsReadOrWrittenOnceFiveFetchesWereMade) {
   session.run.GetFileCount = 4;
   Merge();
   EXPECT_EQ(Destination(), Expected({1, 2, 8}));
-}
-
-TEST_F(UpdateDatafileTest, AMissingDestinationFolderFailsWithoutTouchingTheBase) {
-  WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2}));
-  UpdateRowsFor({2, 3});
-  session.ui.PathToDataFiles = dir.path() + "CSVFiles/";
-  RemoveFile(daily(""));
-  std::filesystem::remove_all(daily(""));
-  const DatafileOutcome outcome = Merge();
-  EXPECT_EQ(outcome.kind, Kind::kFailed);
-  EXPECT_NE(outcome.reason.find("cannot write"), std::string::npos);
-  EXPECT_EQ(ReadFile(base("NYSEDaily-CompositeStats.csv")), Datafile({1, 2}));
 }
 
 // The index must give exactly the rows a rescan of the file gives, for any interleaving.
@@ -254,25 +234,6 @@ TEST(UpdateFileIndexTest, GivesTheRowsARescanGives) {
       ASSERT_EQ(rows, rescan) << web;
     }
   }
-}
-
-// Garbled lines that name a symbol stay among its rows, with their line numbers, for the merge to
-// report; a line without a symbol belongs to nobody.
-TEST(UpdateFileIndexTest, KeepsGarbledLinesOfASymbolAndCountsThem) {
-  TempDir dir;
-  WriteLines(dir / "Update.csv",
-             {"", "NYSE", "NYSE            D,2024", "NYSE            garbage line here",
-              DownloadFixture::UpdateLine("NYSE", DownloadFixture::Row(3))});
-  UpdateFileIndex index;
-  ASSERT_TRUE(index.Load(dir / "Update.csv"));
-  const std::vector<UpdateRow> rows = index.RowsFor("NYSE");
-  ASSERT_EQ(rows.size(), 4u);
-  EXPECT_EQ(rows[0].text, "");
-  EXPECT_EQ(rows[0].line, 2);
-  EXPECT_EQ(rows[3].line, 5);
-  EXPECT_EQ(index.row_commas(), CountChar(DownloadFixture::Row(3), ','));
-  EXPECT_EQ(index.garbled_lines(), 3);
-  EXPECT_EQ(index.first_garbled_line(), 2);
 }
 
 }  // namespace

@@ -36,18 +36,6 @@ TEST(ChartChoiceTest, ReadsBackAsSavedAndSurvivesADamagedFile) {
   EXPECT_EQ(ReadChartChoice(path), damaged);
 }
 
-TEST(ChartChoiceTest, SeriesNamesAndListItems) {
-  const std::vector<std::string> names = ChartSeriesNames();
-  EXPECT_EQ(names.front(), "NetAdvances");
-  EXPECT_EQ(names.back(), "TradeVolume");
-  for (const char* absent : {"Period", "RowDate", "FV2"}) {
-    EXPECT_EQ(std::count(names.begin(), names.end(), absent), 0) << absent;
-  }
-  EXPECT_EQ(SymbolOfListItem("NYSE Composite, $NYA "), "$NYA");
-  EXPECT_EQ(SymbolOfListItem("A, B, Inc,$X"), "$X");
-  EXPECT_EQ(SymbolOfListItem("$Y"), "$Y");
-}
-
 TEST(TimeWindowTest, ZoomAndPanStayInsideTheWholeAroundTheAnchor) {
   const std::vector<double> times{BarTime(20240101), BarTime(20240102), BarTime(20240103)};
   EXPECT_EQ(times[1] - times[0], kDay);
@@ -94,20 +82,6 @@ TEST(CrossHairTest, NearestBarAndItsReading) {
 
   const NamedValue values[] = {{"ClosePx", 4512.254}, {"TRIN", std::nan("")}, {"ADLine", -3}};
   EXPECT_EQ(CrossHairText(20240102, values), "2024-01-02  ClosePx 4512.25  TRIN -  ADLine -3");
-}
-
-TEST(ValueSpanTest, OnlyTheBarsInViewWithARim) {
-  const std::vector<double> times{1, 2, 3, 4};
-  const std::vector<double> values{100, std::nan(""), 10, 20};
-  const auto span = ValueSpanIn(times, values, {1.5, 4.5});
-  ASSERT_TRUE(span);
-  EXPECT_DOUBLE_EQ(span->low, 9.5);
-  EXPECT_DOUBLE_EQ(span->high, 20.5);
-  EXPECT_FALSE(ValueSpanIn(times, values, {1.5, 2.5}));  // only a bar without a value
-  const auto flat = ValueSpanIn(times, values, {0, 1.5});
-  ASSERT_TRUE(flat);
-  EXPECT_LT(flat->low, 100);
-  EXPECT_GT(flat->high, 100);
 }
 
 TEST(NiceScaleTest, RoundTicksNoMoreThanAsked) {

@@ -24,22 +24,6 @@ class CaptionsTest : public ::testing::Test {
   WindowState& ui = t.session.ui;
 };
 
-TEST_F(CaptionsTest, NoListNamesDownloadListZeroAndOffersEveryButton) {
-  ui.MoveAllToDownloadList.visible = false;
-  ui.PeriodBoxesEnabled = false;
-  ChangeCaptionsOnButtons(s);
-  EXPECT_EQ(ui.DownLoadButton.caption, "Update 0 Datafile(s) On Download List 0 Now");
-  EXPECT_EQ(ui.SaveDownloadList.caption, "Save Download List 0 Now");
-  EXPECT_EQ(ui.MoveAllToDownloadList.caption, "Move All To Download List 0");
-  EXPECT_EQ(ui.LoadDownloadFile.caption, "Restore Download List 0");
-  EXPECT_EQ(ui.ClearList.caption, "Clear Download List 0");
-  EXPECT_TRUE(ui.MoveAllToDownloadList.visible);
-  EXPECT_TRUE(ui.PeriodBoxesEnabled);
-  EXPECT_EQ(ui.DownloadProgressFrame.caption, "Update Progress");
-  EXPECT_EQ(ui.Frame2.caption, "Start Download");
-  EXPECT_EQ(ui.List5.size(), 1200u);  // the master list is reloaded on the way
-}
-
 TEST_F(CaptionsTest, UserListCountsItsIssuesPerTickedPeriod) {
   s.app.CurrentListNumber = "3";
   ChangeCaptionsOnButtons(s);

@@ -103,20 +103,5 @@ TEST_F(DownloadListsTest, BadListFilesGiveALogLineAndAnEmptyOrPartialBox) {
   EXPECT_TRUE(t.shell.boxes.empty());
 }
 
-TEST_F(DownloadListsTest, AFailedSaveLeavesNoFileBehind) {
-  DownloadList_Click(s, 4);
-  s.ui.VendoreSignal = true;
-  s.ui.DailyInterval = 1;
-  s.ui.List6.Add("NYSE Composite,$NYA");
-  std::filesystem::create_directory(t.lists("Download4.csv"));  // the rename onto it fails
-  SaveDownloadList_Click(s);
-  ASSERT_EQ(t.shell.boxes.size(), 1u);
-  EXPECT_NE(t.shell.boxes[0].text.find("could not save"), std::string::npos);
-  EXPECT_TRUE(std::filesystem::is_directory(t.lists("Download4.csv")));
-  for (const auto& entry : std::filesystem::directory_iterator(t.lists())) {
-    EXPECT_EQ(entry.path().filename().string().find(".tmp"), std::string::npos);
-  }
-}
-
 }  // namespace
 }  // namespace corvanet::test

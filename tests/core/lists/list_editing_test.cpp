@@ -44,22 +44,6 @@ TEST_F(ListEditingTest, SearchAddsMatchesInAnyLetterCaseOnce) {
   EXPECT_TRUE(t.shell.boxes.empty());
 }
 
-TEST_F(ListEditingTest, DeleteAndDoubleClickRemoveEverySelectedItem) {
-  for (const char* item : {"a,$A", "b,$B", "c,$C", "d,$D", "e,$E", "f,$F"}) s.ui.List6.Add(item);
-  Select(s.ui.List6, {0, 2, 3, 5});
-  List6_KeyUp(s, 13);
-  EXPECT_EQ(s.ui.List6.size(), 6u);
-  List6_KeyUp(s, kDeleteKeyCode);
-  EXPECT_EQ(s.ui.List6.items, (Lines{"b,$B", "e,$E"}));
-  EXPECT_EQ(s.ui.List6.selected, (std::vector<bool>{false, false}));
-  Select(s.ui.List6, {1});
-  List6_DblClick(s);
-  EXPECT_EQ(s.ui.List6.items, Lines{"b,$B"});
-  s.ui.List6.Clear();
-  List6_DblClick(s);  // an empty box: nothing happens
-  EXPECT_TRUE(s.ui.List6.items.empty());
-}
-
 TEST_F(ListEditingTest, NoListLoadedRefusesEveryEditButTheSilentDrop) {
   s.app.CurrentListNumber = "0";
   s.ui.List6.Add("kept,$K");

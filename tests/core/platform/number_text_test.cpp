@@ -15,32 +15,16 @@ TEST(NumberTextTest, SignBlankFifteenDigitsAndExponentForm) {
     double value;
     const char* text;
   } cases[] = {
-      {0, " 0"},
       {-0.0, " 0"},  // a negative zero is still zero: no minus sign
-      {.5, " .5"},
       {-.5, "-.5"},
-      {-3, "-3"},
-      {1234, " 1234"},
-      {1.25, " 1.25"},
       {100, " 100"},  // trailing zeros of the whole part stay
       {0.1 + 0.2, " .3"},
-      {0.0001, " .0001"},
-      {-0.00012, "-.00012"},
-      {1.0 / 3, " .333333333333333"},
-      {2.0 / 3, " .666666666666667"},
       {-2.0 / 3, "-.666666666666667"},
-      {999999999999999, " 999999999999999"},
       {12345.678901234567, " 12345.6789012346"},
-      {999999999999999.9, " 1E+15"},
+      {999999999999999.9, " 1E+15"},  // rounding carries into a new power of ten
       {0.00009999999999999999, " .0001"},
-      {1E15, " 1E+15"},
-      {-1E15, "-1E+15"},
-      {1E-05, " 1E-05"},
       {-1.5E-05, "-1.5E-05"},
       {123456789012345678.0, " 1.23456789012346E+17"},
-      {1E100, " 1E+100"},
-      {2.5E-300, " 2.5E-300"},
-      {std::numeric_limits<double>::max(), " 1.79769313486232E+308"},
       {std::numeric_limits<double>::denorm_min(), " 4.94065645841247E-324"},
   };
   for (const auto& c : cases) EXPECT_EQ(NumberText(c.value), c.text) << c.value;

@@ -60,16 +60,5 @@ TEST(StartHiddenBatchTest, RunsEachLineWithItsQuotedArgumentsWhole) {
   EXPECT_EQ(ReadLines(dir / "work/Complete.txt").at(expected.size()), "third");
 }
 
-TEST(StartHiddenBatchTest, ABatchWhoseProgramIsMissingEndsAndIsSeenToEnd) {
-  TempDir dir;
-  WriteFile(dir / "work/Make.bat", "Call NoSuchProgram.exe\r\n");
-  BatchProcess batch = StartHiddenBatch("Make.bat", dir / "work", dir / "bin/");
-  ASSERT_TRUE(batch.started());
-  WaitUntilEnded(batch);
-  EXPECT_FALSE(batch.Running());
-  EXPECT_FALSE(StartProgram("NoSuchProgram.exe"));
-  EXPECT_FALSE(StartProgram("../bin/sh"));
-}
-
 }  // namespace
 }  // namespace corvanet::test

@@ -136,27 +136,11 @@ TEST(CompositeRow, QuickNumberPathsAgreeWithTheGeneralOnes) {
     const double any = anything(random) / static_cast<double>(1 + random() % 100000);
     ASSERT_EQ(FormatValue(any, quick), FormatNumber(any, general)) << any;
   }
-  const double values[] = {0,
-                           -0.0,
-                           1,
-                           -3,
-                           0.5,
-                           1234.5,
-                           0.0001,
-                           1e14,
-                           1e15,
-                           1e-5,
-                           123456789012345678.0,
-                           999999999999999,
-                           2147483647,
-                           -2147483648.0};
-  for (const double value : values) {
+  for (const double value : {0.0, -0.0, 1e15, 1e-5, 123456789012345678.0, -2147483648.0}) {
     EXPECT_EQ(FormatValue(value, quick), FormatNumber(value, general)) << value;
   }
-  // A text judged already written is exactly what the rule writes for it.
-  for (const char* text : {"12", "-3", ".5", "-.5", "1234.25", "0", ".0001", "999999999999999"}) {
-    EXPECT_TRUE(IsNumberRuleText(text)) << text;
-  }
+  // A text judged already written is exactly what the rule writes for it (the random texts
+  // below); these are not.
   for (const char* text : {"012", "0.5", "1.50", "+1", "-0", "1E3", ".00001", "1.", "", "-",
                            "1234567890123456", "12a"}) {
     EXPECT_FALSE(IsNumberRuleText(text)) << text;
