@@ -58,20 +58,6 @@ class ChartPageTest : public GuiTest {
     for (const QPointF& point : pane->series()->points()) ys.push_back(point.y());
     return ys;
   }
-  // Every pane shown spans the page's window on its date axis (to the millisecond the axis keeps).
-  void ExpectAxesInStep() {
-    const TimeWindow window = page()->window();
-    const QDateTimeAxis* price = page()->pane(0)->time_axis();
-    EXPECT_NEAR(static_cast<double>(price->min().toMSecsSinceEpoch()), window.first, 1);
-    EXPECT_NEAR(static_cast<double>(price->max().toMSecsSinceEpoch()), window.last, 1);
-    for (std::size_t i = 1; i <= kChartPanes; ++i) {
-      const gui::ChartPane* pane = page()->pane(i);
-      if (pane->isHidden()) continue;
-      SCOPED_TRACE(i);
-      EXPECT_EQ(pane->time_axis()->min(), price->min());
-      EXPECT_EQ(pane->time_axis()->max(), price->max());
-    }
-  }
 };
 
 TEST_F(ChartPageTest, PanesHoldTheBarsAndTheIndicatorValues) {

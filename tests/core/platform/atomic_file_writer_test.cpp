@@ -31,23 +31,6 @@ std::set<std::string> Entries(const std::string& folder) {
   return names;
 }
 
-TEST(AtomicFileWriterTest, CommitReplacesTheWholeFile) {
-  TempDir dir;
-  WriteFile(dir / "t.ini", "old content that is longer than the new one\r\n");
-  AtomicFileWriter writer(dir / "t.ini");
-  ASSERT_TRUE(writer.is_open());
-  writer.WriteLine("one");
-  writer.Write("two");
-  writer.WriteLine("");
-  EXPECT_EQ(ReadFile(dir / "t.ini"), "old content that is longer than the new one\r\n");
-  EXPECT_TRUE(writer.Commit());
-  EXPECT_EQ(ReadFile(dir / "t.ini"), "one\r\ntwo\r\n");
-  EXPECT_EQ(Entries(dir.path()), (std::set<std::string>{"t.ini"}));
-
-  EXPECT_TRUE(WriteWholeFile(dir / "new.txt", "x"));
-  EXPECT_EQ(ReadFile(dir / "new.txt"), "x");
-}
-
 // A part of another file copied between what the writer writes itself: by the system where it can,
 // through the process where it cannot (a file system of another kind, such as /dev/shm, on kernels
 // that refuse copies between those). A source shorter than asked fails the writer and leaves the
@@ -112,8 +95,20 @@ TEST(AtomicFileWriterTest, AForkedChildWritesAsItself) {
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
 }
 
-TEST(AtomicFileWriterTest, FailureLeavesTheOldFileAndNoTemporaryFile) {
+// A commit replaces the whole file, and only a commit: a writer abandoned, discarded or failing
+// leaves the old file and no temporary file.
+TEST(AtomicFileWriterTest, OnlyACommitReplacesTheFileAndAFailureLeavesNoTemporaryFile) {
   TempDir dir;
+  WriteFile(dir / "t.ini", "old content that is longer than the new one\r\n");
+  {
+    AtomicFileWriter writer(dir / "t.ini");
+    writer.WriteLine("one");
+    writer.Write("two");
+    writer.WriteLine("");
+    EXPECT_EQ(ReadFile(dir / "t.ini"), "old content that is longer than the new one\r\n");
+    EXPECT_TRUE(writer.Commit());
+    EXPECT_EQ(ReadFile(dir / "t.ini"), "one\r\ntwo\r\n");
+  }
   WriteFile(dir / "t.ini", "old\r\n");
   {
     AtomicFileWriter abandoned(dir / "t.ini");
