@@ -70,10 +70,10 @@ TEST_F(InstallationGuardTest, CommandsThatChangeFilesWaitForNoRunAndTheOthersLea
   WriteFile(log_file(), "18:02:12 - Not Set - SingleFileUpdate\r\n");
   const std::vector<std::string> before = Guarded();
 
-  for (const Args& args :
-       {Args{"--yes", "clear-datafiles"}, Args{"list", "1", "clear"},
-        Args{"list", "1", "add", "nyse"}, Args{"settings", "UpTrends=1"},
-        Args{"refresh-masterfile"}, Args{"schedule", "--remove", "1"}, Args{"run", "1"}}) {
+  for (const Args& args : {Args{"--yes", "clear-datafiles"}, Args{"list", "1", "clear"},
+                           Args{"list", "1", "add", "nyse"}, Args{"settings", "UpTrends=1"},
+                           Args{"refresh-masterfile"}, Args{"schedule", "--remove", "1"},
+                           Args{"run", "1"}, Args{"stats", "1"}}) {
     SCOPED_TRACE(args[0] + " " + args.back());
     const CliResult result = RunIn(args);
     EXPECT_EQ(result.code, cli::kExitBusy) << result.out << result.err;

@@ -1,12 +1,10 @@
-// The progress line of `run` and `stats`: its text, and what a log file gets of it (nothing at
-// all).
+// The text of the progress line `run` and `stats` draw on a terminal.
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
 #include "cli/progress_line.h"
-#include "run_fixture.h"
 
 namespace corvanet::test {
 namespace {
@@ -34,33 +32,6 @@ TEST(ProgressLineTextTest, ShowsRateAndTimeLeftOnlyOnceTheyMeanSomething) {
   for (const Case& c : cases) {
     EXPECT_EQ(ProgressLine::Compose(c.in_hand, c.total, c.symbol, "Daily", c.elapsed), c.text);
   }
-}
-
-class ProgressLineTest : public RunTest {
- protected:
-  void SetUp() override {
-    RunTest::SetUp();
-    MakeList(2, "eSignal", "D", {"$NYA", "$INDU", "$SOX"});
-  }
-};
-
-TEST_F(ProgressLineTest, QuietPrintsNothingOnSuccessAndTheWholeStoryOnFailure) {
-  const CliResult good = RunProcess("--base-dir '" + base_arg() + "' -q run 2");
-  EXPECT_EQ(good.code, 0);
-  EXPECT_EQ(good.out + good.err, "");
-
-  service.SetFaults({"*/Update-Daily.csv status 404"});
-  const CliResult failed = RunProcess("--base-dir '" + base_arg() + "' -q run 2");
-  EXPECT_EQ(failed.code, cli::kExitRunFailures);
-  EXPECT_EQ(failed.out, "");
-  EXPECT_NE(failed.err.find("Problem: Daily: Update-Daily.csv could not be fetched: HTTP 404"),
-            std::string::npos)
-      << failed.err;
-
-  const CliResult refused = RunProcess("--base-dir '" + base_arg() + "' --quiet list 6 clear");
-  EXPECT_EQ(refused.code, cli::kExitRefused);
-  EXPECT_EQ(refused.out, "");
-  EXPECT_NE(refused.err.find("Cannot clear this download list."), std::string::npos);
 }
 
 }  // namespace

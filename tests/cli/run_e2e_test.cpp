@@ -199,5 +199,26 @@ TEST_F(RunTest, RunListNumStartsOneUnattendedRun) {
   EXPECT_TRUE(Exists(data("Daily/$INDU.csv")));
 }
 
+// --quiet prints nothing on success (no progress line either) and the whole story on failure.
+TEST_F(RunTest, QuietPrintsNothingOnSuccessAndTheWholeStoryOnFailure) {
+  MakeList(2, "eSignal", "D", {"$NYA", "$INDU", "$SOX"});
+  const CliResult good = RunProcess("--base-dir '" + base_arg() + "' -q run 2");
+  EXPECT_EQ(good.code, 0);
+  EXPECT_EQ(good.out + good.err, "");
+
+  service.SetFaults({"*/Update-Daily.csv status 404"});
+  const CliResult failed = RunProcess("--base-dir '" + base_arg() + "' -q run 2");
+  EXPECT_EQ(failed.code, cli::kExitRunFailures);
+  EXPECT_EQ(failed.out, "");
+  EXPECT_NE(failed.err.find("Problem: Daily: Update-Daily.csv could not be fetched: HTTP 404"),
+            std::string::npos)
+      << failed.err;
+
+  const CliResult refused = RunProcess("--base-dir '" + base_arg() + "' --quiet list 6 clear");
+  EXPECT_EQ(refused.code, cli::kExitRefused);
+  EXPECT_EQ(refused.out, "");
+  EXPECT_NE(refused.err.find("Cannot clear this download list."), std::string::npos);
+}
+
 }  // namespace
 }  // namespace corvanet::test

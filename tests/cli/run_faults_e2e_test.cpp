@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 
 #include "cli/run_fixture.h"
@@ -169,6 +170,34 @@ TEST_F(RunFaultsTest, SymbolsThatCannotBeFileNamesAreSkipped) {
   EXPECT_TRUE(Contains(run.out, "Datafiles failed: 2"));
   EXPECT_FALSE(Exists(base() + "CSVFiles/x.csv"));
   EXPECT_TRUE(Contains(ReadFile(base() + "Rondex/LogFile.txt"), "cannot be used in a file name"));
+}
+
+// A full disk: every failed write is reported with its file, no file is left cut short, and the
+// run goes on with the next datafile.
+TEST_F(RunTest, AFullDiskLosesNothingAndSaysWhichFilesFailed) {
+  const std::string small = dir / "small";
+  CreateFolders(small);
+  if (::system(("mount -t tmpfs -o size=700k tmpfs '" + small + "' 2>/dev/null").c_str()) != 0) {
+    GTEST_SKIP() << "no small file system can be mounted here";
+  }
+  struct Unmount {
+    std::string folder;
+    ~Unmount() { ::system(("umount '" + folder + "'").c_str()); }
+  } unmount{small};
+  ASSERT_EQ(RunIn({"settings", "PathToDataFiles=" + small + "/"}).code, 0);
+  MakeList(2, "eSignal", "D,W", {"$NYA", "$INDU", "$SOX", "$COMPQ", "$SPX"});
+  const CliResult run = RunIn({"--log", "run", "2"});
+  EXPECT_EQ(run.code, 3) << run.out;
+  EXPECT_TRUE(Contains(run.out, "No space left on device")) << run.out;
+  EXPECT_TRUE(Contains(run.out, small + "/")) << "the failed file is named: " << run.out;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(small)) {
+    const std::string name = entry.path().string();
+    EXPECT_EQ(name.find(".tmp-"), std::string::npos) << name;
+    if (entry.is_regular_file() && entry.path().parent_path().filename() != "Base" &&
+        entry.path().extension() == ".csv") {
+      EXPECT_EQ(ValidateDatafile(name), std::vector<std::string>{}) << name;
+    }
+  }
 }
 
 }  // namespace
