@@ -7,7 +7,7 @@ ifdef CI
 CMAKE_FLAGS += -DCORVANET_WERROR=ON
 endif
 
-.PHONY: deps build test demo package screenshots bench fuzz mutants format clean
+.PHONY: deps build test demo package screenshots bench fuzz mutants format clean windows windows-test windows-package
 
 deps:
 	@bash scripts/install-deps.sh
@@ -27,6 +27,23 @@ package: deps
 	@cmake -S . -B $(BUILD) $(CMAKE_FLAGS) >/dev/null
 	@cmake --build $(BUILD) -j $(JOBS) --target corvanet corvanet-cli corvanet-demo-service PxFiles complete
 	@cd $(BUILD) && cpack -G DEB >/dev/null && ls corvanet_*.deb
+
+# The Windows programs and test suites, cross-built with mingw-w64 into $(WINDOWS_BUILD)/bin.
+WINDOWS_BUILD ?= build-windows
+WINDOWS_TARGETS ?= corvanet-cli PxFiles complete corvanet-demo-service core_tests
+windows:
+	@bash scripts/install-deps.sh windows
+	@cmake -S . -B $(WINDOWS_BUILD) -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64.cmake \
+	  -DCMAKE_BUILD_TYPE=Release $(CMAKE_FLAGS) >/dev/null
+	@cmake --build $(WINDOWS_BUILD) -j $(JOBS) --target $(WINDOWS_TARGETS)
+
+# $(WINDOWS_BUILD)/corvanet-<version>-windows-x64.exe (an NSIS installer) and .zip of the same files.
+windows-package: windows
+	@cd $(WINDOWS_BUILD) && cpack -G "NSIS;ZIP" >/dev/null && ls corvanet-*-windows-x64.*
+
+# The Windows suites run under Wine, in a Wine prefix of their own inside $(WINDOWS_BUILD).
+windows-test: windows
+	@bash scripts/windows-test.sh $(WINDOWS_BUILD)
 
 # Pictures of every page and of runs against the demo service, in $(BUILD)/screenshots/.
 screenshots: build

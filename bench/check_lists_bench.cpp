@@ -105,7 +105,7 @@ int main() {
 
   std::ostringstream messages;
   HeadlessShell shell(messages, false);
-  CurlHttpClient http;
+  SystemHttpClient http;
   ManualClock clock;
   Session session(shell, http, clock);
 

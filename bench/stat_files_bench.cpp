@@ -155,7 +155,7 @@ double Seconds(Clock::time_point since) {
 
 int Split(const std::string& root, const std::string& out) {
   HeadlessShell shell(std::cout, false);
-  CurlHttpClient http;
+  SystemHttpClient http;
   SystemClock clock;
   Session session(shell, http, clock);
   AppState& app = session.app;

@@ -27,7 +27,7 @@ struct ScratchSession {
   ScratchSession();
   std::ostringstream out;
   HeadlessShell shell{out, false};
-  CurlHttpClient http;
+  SystemHttpClient http;
   SystemClock clock;
   Session session{shell, http, clock};
 };

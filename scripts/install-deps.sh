@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Puts every build and test dependency on a Debian 12 machine. Quick no-op when all is present.
 # With the argument "bench" it also installs what the benchmarks compare against (pandas, curl);
-# with "fuzz" the clang toolchain of the fuzz targets.
+# with "fuzz" the clang toolchain of the fuzz targets; with "windows" the mingw-w64 cross compiler,
+# Wine to run what it builds, and NSIS for the installer.
 set -euo pipefail
 
 packages=(
@@ -18,6 +19,7 @@ packages=(
 case "${1:-}" in
   bench) packages+=(python3-pandas curl) ;;
   fuzz) packages+=(clang libclang-rt-14-dev) ;;
+  windows) packages+=(g++-mingw-w64-x86-64-posix wine wine64 nsis) ;;
 esac
 
 missing=()

@@ -50,7 +50,7 @@ bool ShowsProgress(const CommandLine& line) {
 int StartAndRun(const CommandLine& line, std::ostream& out, std::ostream& err,
                 std::ostream& terminal, const CliEnvironment& environment) {
   HeadlessShell shell(out, line.yes);
-  CurlHttpClient http;
+  SystemHttpClient http;
   SystemClock clock;
   Session session(shell, http, clock);
   session.http_timeout_seconds = HttpTimeoutFromEnvironment();

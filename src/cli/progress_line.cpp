@@ -1,8 +1,5 @@
 #include "cli/progress_line.h"
 
-#include <sys/ioctl.h>
-#include <unistd.h>
-
 #include <cmath>
 #include <cstdio>
 
@@ -84,12 +81,6 @@ ClearingStreamBuf::int_type ClearingStreamBuf::overflow(int_type c) {
 std::streamsize ClearingStreamBuf::xsputn(const char* text, std::streamsize n) {
   line_.Clear();
   return target_->sputn(text, n);
-}
-
-int TerminalWidth() {
-  winsize size{};
-  if (::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) return size.ws_col;
-  return 80;
 }
 
 }  // namespace corvanet::cli

@@ -55,7 +55,4 @@ class ClearingStreamBuf final : public std::streambuf {
   ProgressLine& line_;
 };
 
-// The width of the terminal on standard error; 80 when it cannot be asked.
-int TerminalWidth();
-
 }  // namespace corvanet::cli

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "core/platform/paths.h"
+#include "core/platform/process.h"
 #include "core/platform/text.h"
 
 namespace corvanet::cli {
@@ -139,8 +140,8 @@ bool ParseTimeOfDay(std::string_view text, int& hour, int& minute) {
 std::string ScheduleProblem(const ScheduledRun& run) {
   for (const std::string* path : {&run.program, &run.base_directory, &run.program_directory}) {
     if (HasControlCharacter(*path)) {
-      return "a path of the run holds a line break or another control character; a unit file or "
-             "crontab line cannot hold it";
+      return "a path of the run holds a line break or another control character, which no "
+             "scheduled command can hold";
     }
   }
   return {};
@@ -224,6 +225,36 @@ std::string CrontabLine(const ScheduledRun& run) {
   return std::to_string(run.minute) + " " + std::to_string(run.hour) + " * * " + days + " cd " +
          CronWord(run.program_directory) + " && " + CronWord(run.program) + " --base-dir " +
          CronWord(run.base_directory) + " run " + std::to_string(run.list);
+}
+
+}  // namespace corvanet::cli
+
+namespace corvanet::cli {
+
+std::string TaskName(int list) {
+  return "Corvanet list " + std::to_string(list);
+}
+
+std::vector<std::string> SchtasksCreateArguments(const ScheduledRun& run) {
+  // The folder without its closing backslash, which would escape the quote after it.
+  std::string base = run.base_directory;
+  while (base.size() > 3 && (base.back() == '\\' || base.back() == '/')) base.pop_back();
+  const std::string command = QuotedForCommandLine(run.program) + " --base-dir " +
+                              QuotedForCommandLine(base) + " run " + std::to_string(run.list);
+  std::vector<std::string> args = {"/Create", "/F", "/TN", TaskName(run.list), "/TR", command};
+  if (EveryDay(run.days)) {
+    args.insert(args.end(), {"/SC", "DAILY"});
+  } else {
+    std::string days;
+    for (std::size_t i = 0; i < run.days.size(); ++i) {
+      if (!run.days[i]) continue;
+      if (!days.empty()) days += ',';
+      for (const char c : kDayNames[i].substr(0, 3)) days += static_cast<char>(c - 'a' + 'A');
+    }
+    args.insert(args.end(), {"/SC", "WEEKLY", "/D", days});
+  }
+  args.insert(args.end(), {"/ST", TwoDigits(run.hour) + ":" + TwoDigits(run.minute)});
+  return args;
 }
 
 }  // namespace corvanet::cli

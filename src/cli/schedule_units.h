@@ -4,6 +4,7 @@
 #include <array>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace corvanet::cli {
 
@@ -38,5 +39,10 @@ std::string CalendarText(const ScheduledRun& run);
 std::string TimerUnitText(const ScheduledRun& run);
 std::string ServiceUnitText(const ScheduledRun& run);
 std::string CrontabLine(const ScheduledRun& run);
+
+// Windows' Task Scheduler: "Corvanet list 3", and the arguments of `schtasks` that create (or
+// replace) the task of a run: a weekly task on its days ("/SC WEEKLY /D MON,FRI") or a daily one.
+std::string TaskName(int list);
+std::vector<std::string> SchtasksCreateArguments(const ScheduledRun& run);
 
 }  // namespace corvanet::cli

@@ -77,7 +77,7 @@ int main(int argc, char** argv) {
   }
 
   corvanet::gui::QtShell shell;
-  corvanet::CurlHttpClient http;
+  corvanet::SystemHttpClient http;
   corvanet::SystemClock clock;
   corvanet::Session session(shell, http, clock);
   session.http_timeout_seconds = HttpTimeoutFromEnvironment();

@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <string>
@@ -7,6 +6,7 @@
 
 #include "cli_fixture.h"
 #include "core/app/settings.h"
+#include "support/child_process.h"
 
 namespace corvanet::test {
 namespace {
@@ -39,9 +39,7 @@ TEST_F(CliSettingsTest, FirstCommandCreatesTheInstallationAndTheSettingsFile) {
   EXPECT_EQ(lines[2], "PathToDataFiles,CSVFiles/");
   EXPECT_EQ(lines[6], "UserName,abc");
   EXPECT_EQ(lines[7], "Password,pw");
-  struct stat info {};
-  ASSERT_EQ(::stat(settings_file().c_str(), &info), 0);
-  EXPECT_EQ(info.st_mode & 0777U, 0600U);
+  EXPECT_TRUE(IsOwnerOnly(settings_file()));
   // Nothing of the installation went to the start folder.
   EXPECT_FALSE(Exists(start() + "LogFile.txt"));
   EXPECT_FALSE(Exists(start() + "RunListNum.txt"));

@@ -8,6 +8,7 @@
 
 #include "cli/schedule_units.h"
 #include "cli_fixture.h"
+#include "core/platform/process.h"
 
 namespace corvanet::test {
 namespace {
@@ -31,6 +32,42 @@ TEST(ScheduleUnitsTest, PathsKeepTheirCharactersInEveryForm) {
                                        "'/home/u/it'\\''s 100\\% $HOME/' run 2"),
             std::string::npos)
       << cli::CrontabLine(run);
+}
+
+// The Task Scheduler's task on Windows: its schtasks arguments, whose /TR command Windows splits
+// back into the very words given, however the folders are named.
+TEST(ScheduleUnitsTest, SchtasksCommandsKeepTheirWords) {
+  struct Case {
+    const char* word;
+    const char* quoted;
+  } const cases[] = {
+      {"C:\\Tessaly\\Rondex\\corvanet-cli.exe", "C:\\Tessaly\\Rondex\\corvanet-cli.exe"},
+      {"C:\\My Apps\\a&b", "\"C:\\My Apps\\a&b\""},
+      {"D:\\x y\\", "\"D:\\x y\\\\\""},  // a closing backslash doubled before the quote
+      {"say \"hi\"", "\"say \\\"hi\\\"\""},
+      {"a\\\"b", "\"a\\\\\\\"b\""},  // backslashes before a quote doubled, plus one
+      {"", "\"\""},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.word);
+    EXPECT_EQ(QuotedForCommandLine(c.word), c.quoted);
+  }
+
+  ScheduledRun run;
+  run.list = 3;
+  run.hour = 7;
+  run.minute = 5;
+  run.program = "C:\\My Apps\\Rondex\\corvanet-cli.exe";
+  run.base_directory = "C:\\My Apps\\";
+  EXPECT_EQ(cli::SchtasksCreateArguments(run),
+            (std::vector<std::string>{
+                "/Create", "/F", "/TN", "Corvanet list 3", "/TR",
+                "\"C:\\My Apps\\Rondex\\corvanet-cli.exe\" --base-dir \"C:\\My Apps\" run 3",
+                "/SC", "DAILY", "/ST", "07:05"}));
+  ASSERT_TRUE(cli::ParseDays("mon,wed-fri", run.days));
+  const std::vector<std::string> weekly = cli::SchtasksCreateArguments(run);
+  EXPECT_EQ(std::vector<std::string>(weekly.end() - 6, weekly.end()),
+            (std::vector<std::string>{"/SC", "WEEKLY", "/D", "MON,WED,THU,FRI", "/ST", "07:05"}));
 }
 
 // The command run as a process, with a systemctl on PATH that logs its arguments and answers as a

@@ -81,7 +81,7 @@ class GuiTest : public testing::Test {
 
   TempDir dir_;
   UnreachableHttp http_;
-  CurlHttpClient curl_;
+  SystemHttpClient curl_;
   ManualClock clock_;
   gui::QtShell shell_;
   Session session_;

@@ -1,16 +1,10 @@
 #include "support/demo_service.h"
 
-#include <fcntl.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
+#include <cstdio>
 #include <stdexcept>
 
 #include "core/platform/text.h"
-
-extern char** environ;
+#include "support/child_process.h"
 
 namespace corvanet::test {
 
@@ -21,50 +15,14 @@ const std::string& ToolPath() {
   return path;
 }
 
-// Starts `path` with stdin from /dev/null and stdout, stderr appended to the given files.
-pid_t Spawn(const std::string& path, const std::vector<std::string>& args,
-            const std::string& out_file, const std::string& err_file) {
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
-  posix_spawn_file_actions_addopen(&actions, 1, out_file.c_str(), O_WRONLY | O_CREAT | O_APPEND,
-                                   0600);
-  posix_spawn_file_actions_addopen(&actions, 2, err_file.c_str(), O_WRONLY | O_CREAT | O_APPEND,
-                                   0600);
-  std::vector<std::string> words = {path};
-  words.insert(words.end(), args.begin(), args.end());
-  std::vector<char*> argv;
-  for (std::string& word : words) argv.push_back(word.data());
-  argv.push_back(nullptr);
-  pid_t pid = -1;
-  const int error = posix_spawn(&pid, path.c_str(), &actions, nullptr, argv.data(), environ);
-  posix_spawn_file_actions_destroy(&actions);
-  if (error != 0) throw std::runtime_error("cannot start " + path);
-  return pid;
-}
-
-// Waits for the child to end; its exit status, or -1 when it was killed or did not end in time
-// (it is then killed).
-int WaitForExit(pid_t pid, std::chrono::milliseconds limit) {
-  int status = 0;
-  bool ended = false;
-  WaitFor([&] { return ended = ::waitpid(pid, &status, WNOHANG) == pid; }, limit);
-  if (!ended) {
-    ::kill(pid, SIGKILL);
-    ::waitpid(pid, &status, 0);
-    return -1;
-  }
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
 }  // namespace
 
 ProgramResult RunProgram(const std::string& path, const std::vector<std::string>& args,
                          std::chrono::milliseconds limit) {
   TempDir scratch;
-  const pid_t pid = Spawn(path, args, scratch / "out", scratch / "err");
+  const ChildId child = SpawnChild(path, args, scratch / "out", scratch / "err");
   ProgramResult result;
-  result.exit_code = WaitForExit(pid, limit);
+  result.exit_code = WaitForChild(child, limit);
   result.out = ReadFile(scratch / "out");
   result.err = ReadFile(scratch / "err");
   return result;
@@ -114,7 +72,7 @@ void DemoService::SetFaults(const std::vector<std::string>& rules) {
   for (const std::string& rule : rules) content += rule + "\n";
   const std::string temporary = faults_file_ + ".new";
   WriteFile(temporary, content);
-  if (::rename(temporary.c_str(), faults_file_.c_str()) != 0) {
+  if (!RenameOver(temporary, faults_file_)) {
     throw std::runtime_error("cannot write " + faults_file_);
   }
 }
@@ -128,21 +86,31 @@ void DemoService::Start() {
 }
 
 bool DemoService::StartOn(int port) {
-  ::unlink(port_file_.c_str());
-  std::vector<std::string> args = {"serve",      "--root",         root_,
-                                   "--host",     "127.0.0.1",      "--port",
-                                   std::to_string(port), "--user", options_.user,
-                                   "--password", options_.password, "--faults",
-                                   faults_file_, "--port-file",    port_file_};
+  std::remove(port_file_.c_str());
+  std::vector<std::string> args = {"serve",
+                                   "--root",
+                                   root_,
+                                   "--host",
+                                   "127.0.0.1",
+                                   "--port",
+                                   std::to_string(port),
+                                   "--user",
+                                   options_.user,
+                                   "--password",
+                                   options_.password,
+                                   "--faults",
+                                   faults_file_,
+                                   "--port-file",
+                                   port_file_};
   if (!options_.tls_certificate.empty()) {
-    args.insert(args.end(), {"--tls-cert", options_.tls_certificate, "--tls-key",
-                             options_.tls_key});
+    args.insert(args.end(),
+                {"--tls-cert", options_.tls_certificate, "--tls-key", options_.tls_key});
   }
-  pid_ = Spawn(ToolPath(), args, dir_ / "serve.out", log_file_);
+  pid_ = SpawnChild(ToolPath(), args, dir_ / "serve.out", log_file_);
   int status = 0;
   bool exited = false;
   WaitFor([&] {
-    exited = ::waitpid(pid_, &status, WNOHANG) == pid_;
+    exited = ChildEnded(pid_, status);
     return exited || !ReadFile(port_file_).empty();
   });
   std::string port_text = ReadFile(port_file_);
@@ -151,10 +119,7 @@ bool DemoService::StartOn(int port) {
   }
   int bound = 0;
   if (exited || !ParseInteger(port_text, bound) || bound <= 0) {
-    if (!exited) {
-      ::kill(pid_, SIGKILL);
-      ::waitpid(pid_, &status, 0);
-    }
+    if (!exited) KillChild(pid_);
     pid_ = -1;
     return false;
   }
@@ -164,8 +129,8 @@ bool DemoService::StartOn(int port) {
 
 void DemoService::Stop() {
   if (!running()) return;
-  ::kill(pid_, SIGTERM);
-  WaitForExit(pid_, std::chrono::seconds(10));
+  StopChild(pid_);
+  WaitForChild(pid_, std::chrono::seconds(10));
   pid_ = -1;
 }
 

@@ -7,14 +7,13 @@
 //   request.user = service.user(); request.password = service.password();
 //   service.SetFaults({"*/Update-Daily.csv status 500"});  // applies from the next request
 //   service.Advance(1);                                   // one more bar everywhere
-#include <sys/types.h>
-
 #include <chrono>
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "support/child_process.h"
 #include "support/test_support.h"
 
 namespace corvanet::test {
@@ -71,7 +70,7 @@ class DemoService {
   // Stops the server; afterwards connections to the port are refused.
   void Stop();
   bool running() const { return pid_ > 0; }
-  pid_t pid() const { return pid_; }
+  ChildId pid() const { return pid_; }
   // Runs `advance --bars N`; throws when it fails.
   void Advance(int bars = 1);
   // The server's request log so far.
@@ -89,7 +88,7 @@ class DemoService {
   std::string port_file_;
   std::string log_file_;
   int port_ = 0;
-  pid_t pid_ = -1;
+  ChildId pid_ = -1;
 };
 
 }  // namespace corvanet::test

@@ -6,12 +6,13 @@
 #include "core/platform/files.h"
 #include "core/platform/paths.h"
 #include "core/state/log.h"
+#include "support/child_process.h"
 
 namespace corvanet::test {
 
 TestSession::TestSession() {
   // Retries of failures that may pass start at once; the service's Retry-After still counts.
-  ::setenv("CORVANET_RETRY_PAUSE_MS", "0", 0);
+  SetEnvironmentDefault("CORVANET_RETRY_PAUSE_MS", "0");
   AppState& app = session.app;
   WindowState& ui = session.ui;
   app.BaseDirectory = dir.path();

@@ -37,7 +37,7 @@ struct TestSession {
 
   TempDir dir;
   ScriptedShell shell;
-  CurlHttpClient http;  // nothing listens where the session points it
+  SystemHttpClient http;  // nothing listens where the session points it
   ManualClock clock;
   Session session{shell, http, clock};
 };

@@ -8,7 +8,7 @@
 #include <sstream>
 #include <thread>
 
-#include <unistd.h>
+#include "support/child_process.h"
 
 namespace corvanet::test {
 
@@ -16,8 +16,9 @@ namespace fs = std::filesystem;
 
 TempDir::TempDir() {
   static std::atomic<int> counter{0};
-  const fs::path root = fs::temp_directory_path() / ("corvanet-test-" + std::to_string(::getpid()) +
-                                                     "-" + std::to_string(counter++));
+  const fs::path root =
+      fs::temp_directory_path() /
+      ("corvanet-test-" + std::to_string(CurrentProcessId()) + "-" + std::to_string(counter++));
   fs::remove_all(root);
   fs::create_directories(root);
   path_ = root.string() + "/";
@@ -78,7 +79,10 @@ bool WaitFor(const std::function<bool()>& condition, std::chrono::milliseconds d
 }
 
 std::string BinaryPath(std::string_view name) {
-  return std::string(CORVANET_BIN_DIR) + "/" + std::string(name);
+  std::string path = std::string(CORVANET_BIN_DIR) + "/" + std::string(name);
+  // "corvanet-cli" is "corvanet-cli.exe" on Windows; "Complete.exe" keeps its name everywhere.
+  if (!path.ends_with(".exe")) path += CORVANET_EXECUTABLE_SUFFIX;
+  return path;
 }
 
 }  // namespace corvanet::test

@@ -1,9 +1,8 @@
 #include "demo_service/fault_rules.h"
 
-#include <sys/stat.h>
-
 #include <charconv>
 
+#include "core/platform/file_access.h"
 #include "core/platform/files.h"
 #include "core/platform/text.h"
 
@@ -143,13 +142,12 @@ bool FaultBook::Load(std::string& error) {
 }
 
 std::optional<FaultBook::FileStamp> FaultBook::Stamp() const {
-  struct stat info {};
-  if (::stat(file_.c_str(), &info) != 0) return std::nullopt;
+  const std::optional<FileIdentity> identity = IdentityOf(file_);
+  if (!identity) return std::nullopt;
   FileStamp stamp;
-  stamp.modified =
-      static_cast<std::int64_t>(info.st_mtim.tv_sec) * 1000000000 + info.st_mtim.tv_nsec;
-  stamp.size = static_cast<std::uint64_t>(info.st_size);
-  stamp.inode = static_cast<std::uint64_t>(info.st_ino);
+  stamp.modified = identity->modified_ns;
+  stamp.size = identity->size;
+  stamp.inode = identity->inode;
   return stamp;
 }
 

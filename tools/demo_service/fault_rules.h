@@ -8,7 +8,8 @@
 // (wait before answering), `truncate` (announce the whole length, send half, close), `stall`
 // (announce the whole length, send half, then send nothing more while keeping the connection
 // open), `drop` (close the connection without an answer) or `redirect URL` (answer 302 with the
-// URL as its Location). `times N` limits the rule to the first N matching requests. In a rules file, blank lines and lines starting with '#' are skipped.
+// URL as its Location). `times N` limits the rule to the first N matching requests. In a rules
+// file, blank lines and lines starting with '#' are skipped.
 //
 // Every matching delay applies; the first matching status, truncate or drop rule decides the
 // answer. Rules from the command line come before the rules file's.
@@ -26,10 +27,10 @@ enum class FaultAction { kStatus, kDelay, kTruncate, kStall, kDrop, kRedirect };
 struct FaultRule {
   std::string pattern;
   FaultAction action = FaultAction::kStatus;
-  int value = 0;     // the status code, or the delay in milliseconds
+  int value = 0;         // the status code, or the delay in milliseconds
   std::string location;  // where a redirect points
-  int times = 0;     // 0: every matching request
-  std::string text;  // the rule as written, for log lines
+  int times = 0;         // 0: every matching request
+  std::string text;      // the rule as written, for log lines
 };
 
 bool GlobMatch(std::string_view pattern, std::string_view text);

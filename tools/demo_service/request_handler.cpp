@@ -1,13 +1,10 @@
 #include "demo_service/request_handler.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <chrono>
 #include <filesystem>
 #include <memory>
 
+#include "core/platform/file_access.h"
 #include "demo_service/basic_auth.h"
 #include "demo_service/connections.h"
 #include "demo_service/served_path.h"
@@ -84,22 +81,22 @@ bool StopSignal::Wait(int ms) {
 
 std::optional<std::uint64_t> RequestHandler::ServeFile(const std::string& path, Cut cut,
                                                        httplib::Response& response) {
-  const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  const int fd = OpenForReading(path);
   if (fd < 0) return std::nullopt;
-  struct stat info {};
-  if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
-    ::close(fd);
+  const std::optional<std::uint64_t> length = LengthOf(fd);
+  if (!length) {
+    CloseFile(fd);
     return std::nullopt;
   }
   // The length is fixed when the request arrives, so a file that `advance` appends to meanwhile
   // still goes out whole and consistent.
-  const auto size = static_cast<std::size_t>(info.st_size);
+  const auto size = static_cast<std::size_t>(*length);
   const bool cut_short = cut != Cut::kNone;
   const std::size_t announced = cut_short ? std::max<std::size_t>(size, 1) : size;
   const std::size_t sent = cut_short ? size / 2 : size;
   StopSignal* stall_until = cut == Cut::kStall ? &stop_ : nullptr;
   auto file = std::shared_ptr<int>(new int(fd), [](int* f) {
-    ::close(*f);
+    CloseFile(*f);
     delete f;
   });
   response.status = 200;
@@ -113,7 +110,7 @@ std::optional<std::uint64_t> RequestHandler::ServeFile(const std::string& path, 
         }
         char buffer[kChunk];
         const std::size_t want = std::min(kChunk, sent - offset);
-        const ssize_t got = ::pread(*file, buffer, want, static_cast<off_t>(offset));
+        const long got = ReadAt(*file, buffer, want, offset);
         if (got <= 0) return false;
         return sink.write(buffer, static_cast<std::size_t>(got));
       });

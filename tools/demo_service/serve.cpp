@@ -1,14 +1,9 @@
 // `serve`: the data tree over HTTP, or HTTPS with a certificate given, with basic authentication
-// and fault injection, until SIGINT or SIGTERM.
-#include <pthread.h>
-#include <signal.h>
-#include <sys/socket.h>
-
+// and fault injection, until asked to stop (SIGINT or SIGTERM; Ctrl+C on Windows).
 #include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
-#include <memory>
 #include <ostream>
 #include <thread>
 
@@ -18,8 +13,10 @@
 #include "demo_service/commands.h"
 #include "demo_service/connections.h"
 #include "demo_service/data_tree.h"
+#include "demo_service/https_server.h"
 #include "demo_service/options.h"
 #include "demo_service/request_handler.h"
+#include "demo_service/stop_request.h"
 
 namespace corvanet::demo {
 
@@ -43,20 +40,6 @@ std::vector<FaultRule> CommandLineFaults(const Options& options) {
   return rules;
 }
 
-// SIGINT and SIGTERM are taken by one thread with sigwait, so the server is stopped from an
-// ordinary thread rather than from a signal handler. Blocked before any thread starts, so every
-// thread inherits the mask.
-sigset_t BlockStopSignals() {
-  sigset_t signals;
-  sigemptyset(&signals);
-  sigaddset(&signals, SIGINT);
-  sigaddset(&signals, SIGTERM);
-  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-  // A client that hangs up mid-answer must not end the server.
-  ::signal(SIGPIPE, SIG_IGN);
-  return signals;
-}
-
 int Bind(httplib::Server& server, const std::string& host, int port) {
   errno = 0;
   const int bound =
@@ -65,21 +48,6 @@ int Bind(httplib::Server& server, const std::string& host, int port) {
   const int error = errno;
   throw RunError("cannot listen on " + host + ":" + std::to_string(port) + ": " +
                  (error != 0 ? std::strerror(error) : "address in use or not available"));
-}
-
-// Plain HTTP, or HTTPS when both --tls-cert and --tls-key are given.
-std::unique_ptr<httplib::Server> MakeServer(const Options& options) {
-  if (!options.Has("tls-cert") && !options.Has("tls-key")) {
-    return std::make_unique<httplib::Server>();
-  }
-  const std::string& certificate = options.Required("tls-cert");
-  const std::string& key = options.Required("tls-key");
-  auto server = std::make_unique<httplib::SSLServer>(certificate.c_str(), key.c_str());
-  if (!server->is_valid()) {
-    throw RunError("cannot serve HTTPS with the certificate " + certificate + " and the key " +
-                   key + " (a PEM certificate, its chain after it, and its unencrypted key)");
-  }
-  return server;
 }
 
 }  // namespace
@@ -112,7 +80,7 @@ int Serve(const std::vector<std::string>& args, std::ostream& out, std::ostream&
   std::string error;
   if (!faults.Load(error)) throw RunError(error);
 
-  const sigset_t stop_signals = BlockStopSignals();
+  StopRequest stop_request;
   RequestLog request_log(log);
   StopSignal stop;
   RequestHandler handler(root, std::move(credentials), faults, request_log, stop);
@@ -125,7 +93,7 @@ int Serve(const std::vector<std::string>& args, std::ostream& out, std::ostream&
   socket_t listening = INVALID_SOCKET;
   server.set_socket_options([&listening](socket_t socket) {
     int yes = 1;
-    ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, reinterpret_cast<const char*>(&yes), sizeof yes);
     listening = socket;
   });
   // Headers and body go out in separate writes; without this each answer waits on a delayed ACK.
@@ -149,12 +117,13 @@ int Serve(const std::vector<std::string>& args, std::ostream& out, std::ostream&
       << bound << std::endl;
 
   std::atomic<bool> listening_done{false};
-  std::atomic<int> stopped_by{0};
+  std::atomic<bool> stopped{false};
+  std::string stopped_by;  // read only once the thread has ended
   std::thread signal_thread([&] {
-    int signal_number = 0;
-    sigwait(&stop_signals, &signal_number);
+    std::string request = stop_request.Wait();
     if (listening_done) return;
-    stopped_by = signal_number;
+    stopped_by = std::move(request);
+    stopped = true;
     stop.Stop();
     server.stop();
     const auto grace_ends = std::chrono::steady_clock::now() + kStopGrace;
@@ -167,12 +136,12 @@ int Serve(const std::vector<std::string>& args, std::ostream& out, std::ostream&
   });
   const bool listened = server.listen_after_bind();
   listening_done = true;
-  if (stopped_by == 0) pthread_kill(signal_thread.native_handle(), SIGTERM);
+  if (!stopped) stop_request.Release(signal_thread);
   signal_thread.join();
 
   if (!port_file.empty()) RemoveFile(port_file);
-  if (stopped_by != 0) {
-    request_log.Note(std::string("stopped by ") + (stopped_by == SIGINT ? "SIGINT" : "SIGTERM"));
+  if (!stopped_by.empty()) {
+    request_log.Note("stopped by " + stopped_by);
     return 0;
   }
   if (!listened) throw RunError("the server stopped unexpectedly");

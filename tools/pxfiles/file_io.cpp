@@ -1,34 +1,21 @@
 #include "pxfiles/file_io.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstring>
+
+#include "pxfiles/system_io.h"
 
 namespace corvanet::pxfiles {
 
 namespace {
 
-// A backslash is a separator only where the system takes it as one; elsewhere it may stand in a
-// folder's name.
-bool IsSeparator(char c) {
-#ifdef _WIN32
-  return c == '/' || c == '\\';
-#else
-  return c == '/';
-#endif
-}
+using system::IsSeparator;
 
 // Writes all of `content`; write(2) may take less than asked.
 bool WriteAll(int fd, std::string_view content) {
   while (!content.empty()) {
-    const ssize_t written = ::write(fd, content.data(), content.size());
-    if (written < 0) {
-      if (errno == EINTR) continue;
-      return false;
-    }
+    const long written = system::Write(fd, content.data(), content.size());
+    if (written < 0) return false;
     content.remove_prefix(static_cast<std::size_t>(written));
   }
   return true;
@@ -38,10 +25,10 @@ bool WriteAll(int fd, std::string_view content) {
 // the counter from this one's other files, and O_EXCL from anything a killed process left.
 int CreateTemporary(const std::string& path, std::string& temporary) {
   static unsigned counter = 0;
-  const std::string stem = path + ".tmp-" + std::to_string(::getpid()) + "-";
+  const std::string stem = path + ".tmp-" + std::to_string(system::ProcessId()) + "-";
   for (int attempt = 0; attempt < 100; ++attempt) {
     temporary = stem + std::to_string(counter++);
-    const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    const int fd = system::CreateNew(temporary);
     if (fd >= 0 || errno != EEXIST) return fd;
   }
   return -1;
@@ -62,26 +49,25 @@ std::string JoinPath(std::string_view folder, std::string_view name) {
 
 ReadResult ReadSmallFile(const std::string& path, std::size_t limit, std::string& content,
                          std::string& error) {
-  const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  const int fd = system::OpenForReading(path);
   if (fd < 0) {
     if (errno == ENOENT) return ReadResult::kMissing;
     error = path + ": " + SystemError();
     return ReadResult::kFailed;
   }
-  struct stat info {};
+  const std::optional<std::uint64_t> size = system::RegularFileSize(fd);
   ReadResult result = ReadResult::kRead;
-  if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
+  if (!size) {
     error = path + ": not a readable file";
     result = ReadResult::kFailed;
-  } else if (static_cast<std::size_t>(info.st_size) > limit) {
-    error = path + ": " + std::to_string(info.st_size) + " bytes, more than such a file can hold";
+  } else if (*size > limit) {
+    error = path + ": " + std::to_string(*size) + " bytes, more than such a file can hold";
     result = ReadResult::kFailed;
   } else {
-    content.resize(static_cast<std::size_t>(info.st_size));
+    content.resize(static_cast<std::size_t>(*size));
     std::size_t done = 0;
     while (done < content.size()) {
-      const ssize_t got = ::read(fd, content.data() + done, content.size() - done);
-      if (got < 0 && errno == EINTR) continue;
+      const long got = system::Read(fd, content.data() + done, content.size() - done);
       if (got <= 0) break;
       done += static_cast<std::size_t>(got);
     }
@@ -90,7 +76,7 @@ ReadResult ReadSmallFile(const std::string& path, std::size_t limit, std::string
       result = ReadResult::kFailed;
     }
   }
-  ::close(fd);
+  system::Close(fd);
   return result;
 }
 
@@ -102,38 +88,37 @@ bool ReplaceFile(const std::string& path, std::string_view content, std::string&
     return false;
   }
   bool ok = WriteAll(fd, content);
-  ok = ::close(fd) == 0 && ok;
-  if (ok && ::rename(temporary.c_str(), path.c_str()) == 0) return true;
+  ok = system::Close(fd) && ok;
+  if (ok && system::ReplaceWith(temporary, path)) return true;
   error = "cannot write " + path + ": " + SystemError();
-  ::unlink(temporary.c_str());
+  system::Remove(temporary);
   return false;
 }
 
 bool MakeFolders(const std::string& folder, std::string& error) {
-  struct stat info {};
-  if (::stat(folder.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) return true;
+  if (system::IsFolder(folder)) return true;
   // Each prefix that ends before a separator, then the whole path.
   int failure = ENOTDIR;
   for (std::size_t i = 1; i <= folder.size(); ++i) {
     if (i < folder.size() && !IsSeparator(folder[i])) continue;
     if (IsSeparator(folder[i - 1])) continue;
-    if (::mkdir(folder.substr(0, i).c_str(), 0777) != 0 && errno != EEXIST) {
+    if (!system::MakeFolder(folder.substr(0, i)) && errno != EEXIST) {
       failure = errno;
       break;
     }
   }
-  if (::stat(folder.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) return true;
+  if (system::IsFolder(folder)) return true;
   error = "cannot create the folder " + folder + ": " + std::strerror(failure);
   return false;
 }
 
 bool AppendLine(const std::string& path, std::string_view line) {
-  const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+  const int fd = system::OpenForAppending(path);
   if (fd < 0) return false;
   std::string text(line);
   text += "\r\n";
   const bool ok = WriteAll(fd, text);
-  return ::close(fd) == 0 && ok;
+  return system::Close(fd) && ok;
 }
 
 }  // namespace corvanet::pxfiles

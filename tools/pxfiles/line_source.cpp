@@ -1,12 +1,10 @@
 #include "pxfiles/line_source.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstring>
 
 #include "pxfiles/file_io.h"
+#include "pxfiles/system_io.h"
 
 namespace corvanet::pxfiles {
 
@@ -17,11 +15,11 @@ constexpr std::size_t kBufferSize = LineSource::kMaxLine + 48 * 1024;
 }  // namespace
 
 LineSource::~LineSource() {
-  if (fd_ >= 0) ::close(fd_);
+  if (fd_ >= 0) system::Close(fd_);
 }
 
 bool LineSource::Open(const std::string& path, std::string& error) {
-  fd_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  fd_ = system::OpenForReading(path);
   if (fd_ < 0) {
     error = "cannot open it: " + SystemError();
     return false;
@@ -38,8 +36,7 @@ bool LineSource::Fill(std::string& error) {
     begin_ = 0;
   }
   for (;;) {
-    const ssize_t got = ::read(fd_, buffer_.get() + end_, kBufferSize - end_);
-    if (got < 0 && errno == EINTR) continue;
+    const long got = system::Read(fd_, buffer_.get() + end_, kBufferSize - end_);
     if (got < 0) {
       error = "cannot read it: " + SystemError();
       return false;

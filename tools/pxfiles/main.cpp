@@ -4,7 +4,6 @@
 //
 // Exit status: 0 converted, 1 nothing converted (the reason is in MSXlog.txt and on stderr),
 // 2 usage error.
-#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -15,6 +14,7 @@
 #include "pxfiles/command_line.h"
 #include "pxfiles/converter.h"
 #include "pxfiles/file_io.h"
+#include "pxfiles/system_io.h"
 
 namespace {
 
@@ -29,8 +29,7 @@ std::string LogPath() {
 // One line in MSXlog.txt, starting with the local date and time.
 void Log(std::string_view message) {
   const std::time_t now = std::time(nullptr);
-  std::tm local{};
-  localtime_r(&now, &local);
+  const std::tm local = system::LocalTime(now);
   char stamp[32];
   std::strftime(stamp, sizeof stamp, "%Y-%m-%d %H:%M:%S ", &local);
   const std::string path = LogPath();

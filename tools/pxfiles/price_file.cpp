@@ -1,14 +1,14 @@
 #include "pxfiles/price_file.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <optional>
 #include <string_view>
 
 #include "pxfiles/line_source.h"
+#include "pxfiles/system_io.h"
 
 namespace corvanet::pxfiles {
 
@@ -145,9 +145,8 @@ class Reader {
 bool ReadPriceFile(const std::string& path, PriceFile& file, std::string& error) {
   LineSource source;
   if (!source.Open(path, error)) return false;
-  struct stat info {};
-  if (::stat(path.c_str(), &info) == 0) {
-    file.data.Reserve(std::min(kMaxBars, static_cast<std::size_t>(info.st_size) / kShortestLine));
+  if (const std::optional<std::uint64_t> size = system::RegularFileSize(path)) {
+    file.data.Reserve(std::min(kMaxBars, static_cast<std::size_t>(*size) / kShortestLine));
   }
   Reader reader(file);
   std::string_view line;

@@ -281,7 +281,7 @@ int main(int argc, char** argv) {
       [](const std::string&) { return true; },
       [](const std::string&, const std::string&) { return std::string(); },
       {}});
-  corvanet::CurlHttpClient http;
+  corvanet::SystemHttpClient http;
   corvanet::SystemClock clock;
   corvanet::Session session(shell, http, clock);
   corvanet::StartupOptions startup;

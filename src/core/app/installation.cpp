@@ -1,6 +1,5 @@
 #include "core/app/installation.h"
 
-#include <filesystem>
 #include <string>
 
 #include "core/app/settings.h"
@@ -38,7 +37,7 @@ std::string DefaultFolder(const Session& session, std::string_view key) {
 
 bool EnsureInstallation(Session& session) {
   const AppState& app = session.app;
-  if (DirectoryExists(app.ProgramDirectory)) return true;
+  if (FileExists(SettingsFilePath(session))) return true;
   WindowState& ui = session.ui;
   ui.PathToDataFiles = DefaultFolder(session, "PathToDataFiles");
   ui.PathToLists = DefaultFolder(session, "PathToLists");
@@ -49,15 +48,13 @@ bool EnsureInstallation(Session& session) {
   }
   ok = CreateFolders(ui.PathToLists) && ok;
   ok = WriteListFolderFiles(ui.PathToLists, false) && ok;
-  // The program folder is what marks an installation as made, so it comes last and goes again
-  // when its settings file could not be written: the next start then tries afresh.
+  // The settings file is what marks an installation as made, so it comes last and goes again when
+  // anything else failed: the next start then tries afresh. The program folder stays, since an
+  // installer may have put the programs in it.
   ok = CreateFolders(app.ProgramDirectory) && ok;
   ok = EnsureSampleData(session) && ok;
   ok = WriteSettingsFile(session) && ok;
-  if (!ok) {
-    std::error_code ec;
-    std::filesystem::remove_all(app.ProgramDirectory, ec);
-  }
+  if (!ok) RemoveFile(SettingsFilePath(session));
   return ok;
 }
 

@@ -6,9 +6,10 @@
 
 namespace corvanet {
 
-// A new installation: when ProgramDirectory does not exist, create it with a Rondex.ini of working
-// defaults, the data folder (CSVFiles/ with Base/ and the four period folders) and the lists folder
-// with the help pages and Stats.csv. False when something could not be created.
+// A new installation: when ProgramDirectory holds no Rondex.ini (the folder may be missing, or hold
+// only the programs an installer put there), create it with a Rondex.ini of working defaults, the
+// data folder (CSVFiles/ with Base/ and the four period folders) and the lists folder with the help
+// pages and Stats.csv. False when something could not be created.
 bool EnsureInstallation(Session& session);
 
 // The folder a new installation gives the path setting `key` (PathToDataFiles, PathToLists,

@@ -12,6 +12,7 @@
 #include "core/lists/download_lists.h"
 #include "core/platform/field_reader.h"
 #include "core/platform/files.h"
+#include "core/platform/native_path.h"
 #include "core/platform/paths.h"
 #include "core/platform/process.h"
 #include "core/platform/run_lock.h"
@@ -30,9 +31,9 @@ constexpr std::string_view kVersionText = "5.1";
 // directory, after which a relative root would point somewhere else.
 std::string AbsoluteFolder(const std::string& folder) {
   std::error_code ec;
-  const std::filesystem::path absolute = std::filesystem::absolute(folder, ec);
+  const std::filesystem::path absolute = std::filesystem::absolute(NativePath(folder), ec);
   if (ec) return WithTrailingSeparator(folder);
-  return WithTrailingSeparator(absolute.lexically_normal().string());
+  return WithTrailingSeparator(Utf8Path(absolute.lexically_normal()));
 }
 // The text with its control characters shown as "?", fit for one line of a message.
 std::string Printable(std::string text) {
@@ -47,14 +48,7 @@ std::string DefaultBaseDirectory() {
   if (const char* env = std::getenv("CORVANET_BASE_DIR"); env != nullptr && *env != '\0') {
     return WithTrailingSeparator(env);
   }
-#ifdef _WIN32
-  std::string program_folder = ExecutableFolder();
-  if (!program_folder.empty()) program_folder.pop_back();
-  return BaseDirectoryFromProgramFolder(program_folder);
-#else
-  const char* home = std::getenv("HOME");
-  return WithTrailingSeparator(home != nullptr ? home : ".") + Folder("Tessaly");
-#endif
+  return SystemBaseDirectory();
 }
 
 int WholeNumberRead(std::string_view text) {
@@ -111,7 +105,7 @@ bool Form_Load(Session& session, const StartupOptions& options) {
   }
   if (options.change_directory) {
     std::error_code ec;
-    std::filesystem::current_path(app.ProgramDirectory, ec);
+    std::filesystem::current_path(NativePath(app.ProgramDirectory), ec);
   }
   // Start-up rewrites the log and, by the master file refresh, the lists: not while a run of
   // another process holds the installation, whose log and lists those are.

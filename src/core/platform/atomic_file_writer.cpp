@@ -11,7 +11,9 @@
 #include <utility>
 
 #include "core/platform/file_access.h"
+#include "core/platform/native_path.h"
 #include "core/platform/run_lock.h"
+#include "core/platform/system_files.h"
 
 #ifndef _WIN32
 #include <fcntl.h>
@@ -157,26 +159,6 @@ bool IsAbandoned(const fs::path& path) {
 
 }  // namespace
 
-std::FILE* OpenForWriting(const std::string& path, FileAccess access, bool exclusive) {
-#if defined(__GLIBC__)
-  // A new file of the normal mode needs no descriptor of its own: fdopen would ask the system for
-  // the descriptor's flags, once for each of the tens of thousands of files a statistics pass
-  // writes.
-  if (exclusive && access == FileAccess::kNormal) return std::fopen(path.c_str(), "wbxe");
-#endif
-#ifndef _WIN32
-  const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | (exclusive ? O_EXCL : O_APPEND);
-  const int fd = OpenRegularFile(path, flags, access == FileAccess::kOwnerOnly ? 0600 : 0666);
-  if (fd < 0) return nullptr;
-  std::FILE* file = ::fdopen(fd, exclusive ? "wb" : "ab");
-  if (file == nullptr) ::close(fd);
-  return file;
-#else
-  (void)access;
-  return std::fopen(path.c_str(), exclusive ? "wbx" : "ab");
-#endif
-}
-
 AtomicFileWriter::AtomicFileWriter(AtomicFileWriter&& other) noexcept
     : file_(std::exchange(other.file_, nullptr)),
       buffer_(std::move(other.buffer_)),
@@ -282,7 +264,7 @@ void AtomicFileWriter::CopyFrom(int descriptor, std::uint64_t offset, std::uint6
 
 bool AtomicFileWriter::Commit() {
   if (file_ == nullptr) return false;
-  if (std::fflush(file_) != 0) Fail(std::strerror(errno));
+  if (std::fflush(file_) != 0 || !FlushToDisk(file_)) Fail(std::strerror(errno));
 #ifndef _WIN32
   // The writer's lock lasts while any descriptor of the file is open: a second one keeps it across
   // the rename, so no sweep takes the finished file between its closing and its renaming.
@@ -300,16 +282,14 @@ bool AtomicFileWriter::Commit() {
   }
   std::error_code ec;
   // A FIFO, socket or device where the file belongs was put there by someone: it is not replaced.
-  const fs::file_type type = fs::symlink_status(target_, ec).type();
+  const fs::file_type type = fs::symlink_status(NativePath(target_), ec).type();
   if (type == fs::file_type::fifo || type == fs::file_type::socket ||
       type == fs::file_type::block || type == fs::file_type::character) {
     error_ = "not a regular file";
     Discard();
     return false;
   }
-  fs::rename(temp_, target_, ec);
-  if (ec) {
-    error_ = ec.message();
+  if (!ReplaceFileWith(temp_, target_, error_)) {
     Discard();
     return false;
   }
@@ -327,7 +307,7 @@ void AtomicFileWriter::Discard() {
   if (file_ != nullptr) std::fclose(std::exchange(file_, nullptr));
   if (!temp_.empty()) {
     std::error_code ec;
-    fs::remove(temp_, ec);
+    fs::remove(NativePath(temp_), ec);
     temp_.clear();
   }
 }
@@ -340,10 +320,10 @@ bool IsTemporaryFileName(std::string_view name) {
 int RemoveStaleTemporaryFiles(const std::string& folder) {
   std::error_code ec;
   int removed = 0;
-  for (const auto& entry : fs::directory_iterator(folder, ec)) {
+  for (const auto& entry : fs::directory_iterator(NativePath(folder), ec)) {
     // Only the exact names TempNameFor gives: a datafile whose symbol happens to hold ".tmp-"
     // is somebody's data.
-    const std::string name = entry.path().filename().string();
+    const std::string name = Utf8Path(entry.path().filename());
     if (!IsTemporaryFileName(name) || IsOwnTemporaryFileName(name)) continue;
     std::error_code type_ec;
     if (!entry.is_regular_file(type_ec) || entry.is_symlink(type_ec)) continue;

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <mutex>
 
+#include "core/platform/fetched_body.h"
+
 namespace corvanet::curl {
 
 namespace {
@@ -192,18 +194,7 @@ FetchResult ResultOf(CURL* handle, CURLcode code, const Transfer& transfer) {
 }
 
 void CommitBody(FetchResult& result, Transfer& transfer) {
-  AtomicFileWriter& body = transfer.body;
-  if (result.status == FetchStatus::kLocalWriteFailed) {
-    result.detail = body.target() + ": " + body.error();
-  }
-  if (!result.ok()) {
-    body.Discard();
-    return;
-  }
-  if (!body.Commit()) {
-    result.status = FetchStatus::kLocalWriteFailed;
-    result.detail = body.target() + ": " + body.error();
-  }
+  CommitFetchedBody(result, transfer.body);
 }
 
 }  // namespace corvanet::curl

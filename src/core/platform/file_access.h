@@ -13,6 +13,7 @@ namespace corvanet {
 // FIFO with nobody at its other end would hold open() for ever (and a run with it), a device may
 // too. Such a path gives -1 with errno EINVAL, a folder -1 with EISDIR. Every open of a file the
 // program reads or writes in place goes through here.
+// (POSIX only: a Windows path names no FIFO, and the Windows forms below refuse devices.)
 int OpenRegularFile(const std::string& path, int flags, int mode = 0);
 // -1 when the file cannot be opened, or is not a regular file.
 int OpenForReading(const std::string& path);

@@ -11,20 +11,13 @@
 #include <vector>
 
 #include "core/platform/file_access.h"
+#include "core/platform/native_path.h"
+#include "core/platform/process.h"
+#include "core/platform/system_files.h"
 
 namespace corvanet {
 
 namespace fs = std::filesystem;
-
-namespace {
-
-void RestrictToOwner(const std::string& path) {
-  std::error_code ec;
-  fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write, fs::perm_options::replace,
-                  ec);
-}
-
-}  // namespace
 
 bool WriteWholeFile(const std::string& path, std::string_view content, FileAccess access) {
   AtomicFileWriter writer(path, access);
@@ -52,37 +45,37 @@ bool TouchFile(const std::string& path) {
 
 bool FileExists(const std::string& path) {
   std::error_code ec;
-  return fs::is_regular_file(path, ec);
+  return fs::is_regular_file(NativePath(path), ec);
 }
 
 bool DirectoryExists(const std::string& path) {
   std::error_code ec;
-  return fs::is_directory(path, ec);
+  return fs::is_directory(NativePath(path), ec);
 }
 
 std::optional<std::uintmax_t> FileSize(const std::string& path) {
   std::error_code ec;
-  const auto size = fs::file_size(path, ec);
+  const auto size = fs::file_size(NativePath(path), ec);
   if (ec) return std::nullopt;
   return size;
 }
 
 bool CreateFolder(const std::string& path) {
   std::error_code ec;
-  fs::create_directory(path, ec);
+  fs::create_directory(NativePath(path), ec);
   return DirectoryExists(path);
 }
 
 bool CreateFolders(const std::string& path) {
   std::error_code ec;
-  fs::create_directories(path, ec);
+  fs::create_directories(NativePath(path), ec);
   return DirectoryExists(path);
 }
 
 bool DeleteFilesIn(const std::string& folder, bool (*wanted)(std::string_view name), int* deleted) {
   return RemoveFilesIn(folder, wanted, [deleted](const std::string& path) {
     std::error_code ec;
-    const bool removed = fs::remove(path, ec);
+    const bool removed = fs::remove(NativePath(path), ec);
     if (removed && deleted != nullptr) ++*deleted;
     return removed || !ec;
   });
@@ -91,14 +84,14 @@ bool DeleteFilesIn(const std::string& folder, bool (*wanted)(std::string_view na
 bool RemoveFilesIn(const std::string& folder, bool (*wanted)(std::string_view name),
                    const std::function<bool(const std::string& path)>& remove) {
   std::error_code ec;
-  fs::directory_iterator it(folder, ec);
+  fs::directory_iterator it(NativePath(folder), ec);
   if (ec) return false;
   // Listed first: a removal while the folder is read could make the listing skip a file.
   std::vector<std::string> paths;
   for (const auto& entry : it) {
     std::error_code entry_ec;
     if (!entry.is_regular_file(entry_ec) && !entry.is_symlink(entry_ec)) continue;
-    if (wanted(entry.path().filename().string())) paths.push_back(entry.path().string());
+    if (wanted(Utf8Path(entry.path().filename()))) paths.push_back(Utf8Path(entry.path()));
   }
   bool ok = true;
   for (const std::string& path : paths) ok = remove(path) && ok;
@@ -111,7 +104,7 @@ namespace {
 fs::path ResolvedFolder(const std::string& folder) {
   std::error_code ec;
   // An empty text names the current folder, which is what a delete there would reach.
-  fs::path path = fs::absolute(folder.empty() ? "." : folder, ec);
+  fs::path path = fs::absolute(NativePath(folder.empty() ? "." : folder), ec);
   if (ec) return {};
   path = fs::weakly_canonical(path, ec);
   if (ec) return {};
@@ -125,8 +118,8 @@ std::string ProtectedFolderReason(const std::string& folder, const std::string& 
   const fs::path target = ResolvedFolder(folder);
   if (target.empty()) return "a folder whose place cannot be told";
   if (target == target.root_path()) return "the root of the file system";
-  const char* home = std::getenv("HOME");
-  if (home != nullptr && *home != '\0' && target == ResolvedFolder(home)) return "the home folder";
+  const std::string home = HomeFolder();
+  if (!home.empty() && target == ResolvedFolder(home)) return "the home folder";
   if (base_directory.empty()) return {};
   const fs::path base = ResolvedFolder(base_directory);
   if (target == base) return "the installation folder";
@@ -138,7 +131,7 @@ std::string ProtectedFolderReason(const std::string& folder, const std::string& 
 
 bool RemoveFile(const std::string& path) {
   std::error_code ec;
-  fs::remove(path, ec);
+  fs::remove(NativePath(path), ec);
   return !ec;
 }
 
@@ -228,7 +221,7 @@ std::string CurrentDirectory() {
   std::error_code ec;
   auto path = fs::current_path(ec);
   if (ec) return {};
-  std::string text = path.string();
+  std::string text = Utf8Path(path);
   if (text.empty() || text.back() != static_cast<char>(fs::path::preferred_separator)) {
     text += static_cast<char>(fs::path::preferred_separator);
   }

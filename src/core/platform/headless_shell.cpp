@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "core/platform/native_path.h"
 #include "core/platform/process.h"
 
 namespace corvanet {
@@ -40,8 +41,8 @@ std::string HeadlessShell::ChooseFile(const std::string& folder, std::string_vie
   out_ << "Files (" << pattern << ") in " << folder << ":\n";
   std::error_code ec;
   const std::string_view ending = pattern.substr(pattern.find('*') + 1);
-  for (const auto& entry : std::filesystem::directory_iterator(folder, ec)) {
-    const std::string name = entry.path().filename().string();
+  for (const auto& entry : std::filesystem::directory_iterator(NativePath(folder), ec)) {
+    const std::string name = Utf8Path(entry.path().filename());
     if (name.size() >= ending.size() && name.ends_with(ending)) out_ << "  " << name << "\n";
   }
   return {};

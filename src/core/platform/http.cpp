@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "core/platform/curl_transfer.h"
 #include "core/platform/fetch_pool.h"
+#include "core/platform/fetched_body.h"
 #include "core/platform/text.h"
 
 namespace corvanet {
@@ -171,8 +171,27 @@ std::string FetchResult::Describe() const {
   return "transfer failed: " + detail;
 }
 
+namespace {
+
+// Every byte but the unreserved ones (letters, digits, "-._~") as %XX.
+void AppendPercentEncoded(std::string& url, std::string_view part) {
+  static constexpr char kHex[] = "0123456789ABCDEF";
+  for (const char c : part) {
+    const auto byte = static_cast<unsigned char>(c);
+    if ((byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') ||
+        (byte >= '0' && byte <= '9') || c == '-' || c == '.' || c == '_' || c == '~') {
+      url += c;
+    } else {
+      url += '%';
+      url += kHex[byte >> 4];
+      url += kHex[byte & 0xf];
+    }
+  }
+}
+
+}  // namespace
+
 std::string ServiceUrl(std::string_view data_set_url, std::string_view remote_path) {
-  curl::GlobalInitOnce();
   std::string url;
   if (data_set_url.find(kSchemeMark) == std::string_view::npos) url = "http://";
   url += data_set_url;
@@ -182,13 +201,7 @@ std::string ServiceUrl(std::string_view data_set_url, std::string_view remote_pa
   for (;;) {
     const std::size_t end = remote_path.find_first_of("/\\", start);
     const std::string_view part = remote_path.substr(start, end - start);
-    if (!part.empty()) {
-      char* escaped = curl_easy_escape(nullptr, part.data(), static_cast<int>(part.size()));
-      if (escaped != nullptr) {
-        url += escaped;
-        curl_free(escaped);
-      }
-    }
+    AppendPercentEncoded(url, part);
     if (end == std::string_view::npos) break;
     url += '/';
     start = end + 1;
@@ -196,48 +209,35 @@ std::string ServiceUrl(std::string_view data_set_url, std::string_view remote_pa
   return url;
 }
 
-CurlHttpClient::CurlHttpClient() {
-  curl::GlobalInitOnce();
-  handle_ = curl_easy_init();
-}
-
-CurlHttpClient::~CurlHttpClient() {
-  if (handle_ != nullptr) curl_easy_cleanup(static_cast<CURL*>(handle_));
-}
-
-FetchResult CurlHttpClient::FetchToFile(const FetchRequest& request,
-                                        const std::string& local_path) {
-  FetchResult result;
-  auto* curl = static_cast<CURL*>(handle_);
-  if (curl == nullptr) {
-    result.detail = "no transfer handle";
-    return result;
-  }
-  curl::Transfer transfer(request);
-  if (!transfer.body.Open(local_path)) {
-    result.status = FetchStatus::kLocalWriteFailed;
-    result.detail = local_path + ": " + transfer.body.error();
-    return result;
-  }
-  // Options of the previous request stay on a reused handle; reset and set all of them again.
-  curl_easy_reset(curl);
-  // One handle serves every request of the program's life, whatever authorities each adds.
-  curl::SetFetchOptions(curl, transfer, curl::AuthorityCache::kNone);
-  const CURLcode code = curl_easy_perform(curl);
-  result = curl::ResultOf(curl, code, transfer);
-  // The handle outlives the transfer: nothing of it may point into it any more.
-  curl_easy_setopt(curl, CURLOPT_ERRORBUFFER, nullptr);
-  curl_easy_setopt(curl, CURLOPT_SSL_CTX_DATA, nullptr);
-  curl::CommitBody(result, transfer);
-  return result;
-}
-
 std::unique_ptr<FetchPool> HttpClient::OpenPool(int /*connections*/) {
   return nullptr;
 }
 
-std::unique_ptr<FetchPool> CurlHttpClient::OpenPool(int connections) {
-  return std::make_unique<FetchPool>(connections);
+void CommitFetchedBody(FetchResult& result, AtomicFileWriter& body) {
+  if (result.status == FetchStatus::kLocalWriteFailed) {
+    result.detail = body.target() + ": " + body.error();
+  }
+  if (!result.ok()) {
+    body.Discard();
+    return;
+  }
+  if (!body.Commit()) {
+    result.status = FetchStatus::kLocalWriteFailed;
+    result.detail = body.target() + ": " + body.error();
+  }
+}
+
+SystemHttpClient::SystemHttpClient() : client_(MakeHttpClient()) {}
+
+SystemHttpClient::~SystemHttpClient() = default;
+
+FetchResult SystemHttpClient::FetchToFile(const FetchRequest& request,
+                                          const std::string& local_path) {
+  return client_->FetchToFile(request, local_path);
+}
+
+std::unique_ptr<FetchPool> SystemHttpClient::OpenPool(int connections) {
+  return client_->OpenPool(connections);
 }
 
 }  // namespace corvanet

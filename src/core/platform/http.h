@@ -113,7 +113,22 @@ class HttpClient {
 // ("BRK B" -> "BRK%20B").
 std::string ServiceUrl(std::string_view data_set_url, std::string_view remote_path);
 
-// The libcurl client. One handle is kept, so a run reuses its connection.
+// The system's client, chosen when the program is built: libcurl's on Linux, WinHTTP's on Windows.
+std::unique_ptr<HttpClient> MakeHttpClient();
+
+// The system's client as a value, for those who own one for their whole life.
+class SystemHttpClient final : public HttpClient {
+ public:
+  SystemHttpClient();
+  ~SystemHttpClient() override;
+  FetchResult FetchToFile(const FetchRequest& request, const std::string& local_path) override;
+  std::unique_ptr<FetchPool> OpenPool(int connections) override;
+
+ private:
+  std::unique_ptr<HttpClient> client_;
+};
+
+// The libcurl client (not on Windows). One handle is kept, so a run reuses its connection.
 class CurlHttpClient final : public HttpClient {
  public:
   CurlHttpClient();

@@ -52,8 +52,20 @@ std::string ConverterProblem(const std::string& program_folder);
 // program exists or it could not be started.
 bool StartProgram(const std::string& name);
 
+// A command line's word as Windows programs read it back (CommandLineToArgvW, the C runtime):
+// quoted when it holds a blank, a tab or a quote, inner quotes and the backslashes before them
+// escaped.
+std::string QuotedForCommandLine(std::string_view word);
+
 // The folder of the running executable, with a trailing separator; empty when unknown.
 std::string ExecutableFolder();
+// The user's home folder ($HOME on POSIX, %USERPROFILE% on Windows) with a trailing separator;
+// empty when unknown.
+std::string HomeFolder();
+// The installation's root when neither --base-dir nor CORVANET_BASE_DIR names one: $HOME/Tessaly/
+// on POSIX; on Windows the first two levels of the program's folder ("C:\Tessaly\" for
+// "C:\Tessaly\Rondex\corvanet-cli.exe"), wherever the installer put it.
+std::string SystemBaseDirectory();
 // Where the converter helpers (PxFiles, Complete.exe) are: CORVANET_HELPER_DIR when set, else the
 // installed helper folder (libexec/corvanet beside the program's bin folder) when it holds them,
 // else the running executable's folder.

@@ -18,7 +18,11 @@ class RunLock {
   bool Acquire(const std::string& folder, const std::string& started);
   // The same, but true at once when this process holds the lock already: a change made outside a
   // run (a list or settings saved, a master file refreshed) is also made by a run, under its lock.
-  bool AcquireUnlessHeld(const std::string& folder, const std::string& started);
+  bool AcquireUnlessHeld(const std::string& folder, const std::string& started) {
+    if (HeldDescriptor() < 0) return Acquire(folder, started);
+    holder_.clear();
+    return true;
+  }
   void Release();
   bool held() const { return fd_ >= 0; }
   // "Another run has been in progress since 18:02:11 (process 4242)." after a failed Acquire.

@@ -34,7 +34,7 @@ class DownloadFixture {
   TempDir dir;
   StubService service;
   ScriptedShell shell;
-  CurlHttpClient http;
+  SystemHttpClient http;
   ManualClock clock;
   Session session{shell, http, clock};
   static constexpr std::string_view kServicePath = "/ovalith/data/";

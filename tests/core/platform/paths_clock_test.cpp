@@ -17,6 +17,24 @@ TEST(IsSafeFileNamePartTest, RefusesWhatCouldLeaveTheFolder) {
   EXPECT_FALSE(IsSafeFileNamePart(std::string_view("nul\0byte", 8)));
 }
 
+// The Windows installation root: the first two levels of the program's folder, wherever the
+// installer put it.
+TEST(BaseDirectoryFromProgramFolderTest, KeepsTheFirstTwoLevels) {
+  struct Case {
+    const char* program_folder;
+    const char* base;
+  } const cases[] = {
+      {"C:\\Tessaly\\Rondex", "C:\\Tessaly\\"},
+      {"D:\\Apps\\Tools\\X", "D:\\Apps\\"},
+      {"E:\\My Apps & Co\\Rondex", "E:\\My Apps & Co\\"},
+      {"C:\\Rondex", "C:\\Rondex\\"},  // fewer than two levels: the whole folder
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.program_folder);
+    EXPECT_EQ(BaseDirectoryFromProgramFolder(c.program_folder), c.base);
+  }
+}
+
 TEST(ClockTextTest, ElapsedTimeSwitchesToMinutesAboveOneMinute) {
   EXPECT_EQ(ElapsedText(0), "0.00 Seconds");
   EXPECT_EQ(ElapsedText(12.345), "12.35 Seconds");

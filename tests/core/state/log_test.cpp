@@ -1,7 +1,6 @@
 #include "core/state/log.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <string>
@@ -9,6 +8,7 @@
 
 #include "core/app/settings.h"
 #include "core/platform/files.h"
+#include "support/child_process.h"
 #include "support/test_session.h"
 
 namespace corvanet::test {
@@ -21,12 +21,6 @@ void SetTime(ManualClock& clock) {
   clock.now.hour = 14;
   clock.now.minute = 5;
   clock.now.second = 9;
-}
-
-unsigned Mode(const std::string& path) {
-  struct stat info {};
-  if (::stat(path.c_str(), &info) != 0) return 0;
-  return info.st_mode & 0777U;
 }
 
 TEST(WriteLogTest, LineIsTimeDetailAndMessage) {
@@ -44,7 +38,7 @@ TEST(WriteLogTest, LineIsTimeDetailAndMessage) {
             "14:05:09 - Not Set - LoadINI\r\n"
             "14:05:09 - $NYA Daily - UpdateDatafile - no match\r\n"
             "14:05:09 - $NYA Daily - forged??14:00:00 - Not Set - line\r\n");
-  EXPECT_EQ(Mode(LogFilePath(s)), 0600U);
+  EXPECT_TRUE(IsOwnerOnly(LogFilePath(s)));
 }
 
 TEST(WriteLogTest, NothingIsAddedWhileTheBoxIsUnticked) {
@@ -69,7 +63,7 @@ TEST(SettingsReportTest, SixteenLinesOfTheMainSettings) {
   s.ui.SystemMessagesNo = true;
   s.ui.RetryNumber = "2.5";
   WriteFile(LogFilePath(s), "");  // a log some copy left readable by others
-  ::chmod(LogFilePath(s).c_str(), 0644);
+  OpenToOthers(LogFilePath(s));
   WriteSettingsReport(s);
   const std::vector<std::string> expected = {
       "2026-11-23",
@@ -94,7 +88,7 @@ TEST(SettingsReportTest, SixteenLinesOfTheMainSettings) {
   EXPECT_TRUE(text.ends_with("True\r\n\r\n"));
   EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 16);
   EXPECT_EQ(std::count(text.begin(), text.end(), '\r'), 16);
-  EXPECT_EQ(Mode(LogFilePath(s)), 0600U);  // the report holds the password
+  EXPECT_TRUE(IsOwnerOnly(LogFilePath(s)));  // the report holds the password
 }
 
 }  // namespace

@@ -3,28 +3,16 @@
 #include <atomic>
 #include <cstring>
 
-#ifndef _WIN32
 #include <fcntl.h>
 #include <pthread.h>
 #include <sys/file.h>
 #include <unistd.h>
-#endif
 
 namespace corvanet {
 
 namespace {
 constexpr const char* kLockFile = "RunLock.txt";
 }  // namespace
-
-bool RunLock::AcquireUnlessHeld(const std::string& folder, const std::string& started) {
-  if (HeldDescriptor() >= 0) {
-    holder_.clear();
-    return true;
-  }
-  return Acquire(folder, started);
-}
-
-#ifndef _WIN32
 
 namespace {
 std::atomic<int> held_descriptor{-1};
@@ -81,22 +69,5 @@ void RunLock::Release() {
   ::close(fd_);  // closing drops the lock
   fd_ = -1;
 }
-
-#else
-
-bool RunLock::Acquire(const std::string&, const std::string&) {
-  fd_ = 0;
-  return true;
-}
-
-void RunLock::Release() {
-  fd_ = -1;
-}
-
-int RunLock::HeldDescriptor() {
-  return -1;
-}
-
-#endif
 
 }  // namespace corvanet
