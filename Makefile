@@ -30,7 +30,7 @@ package: deps
 
 # The Windows programs and test suites, cross-built with mingw-w64 into $(WINDOWS_BUILD)/bin.
 WINDOWS_BUILD ?= build-windows
-WINDOWS_TARGETS ?= corvanet-cli PxFiles complete corvanet-demo-service core_tests
+WINDOWS_TARGETS ?= corvanet-cli PxFiles complete corvanet-demo-service core_tests cli_tests tools_tests
 windows:
 	@bash scripts/install-deps.sh windows
 	@cmake -S . -B $(WINDOWS_BUILD) -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64.cmake \

@@ -9,6 +9,7 @@
 #include "core/indicators/indicator_table.h"
 #include "core/indicators/symbol_datafile.h"
 #include "core/platform/paths.h"
+#include "core/platform/process.h"
 
 namespace corvanet::cli {
 
@@ -198,7 +199,8 @@ bool ParseCommandLine(const std::vector<std::string>& args, CommandLine& line, s
   app.require_subcommand(0, 1);
   std::string base_directory;
   app.add_option("--base-dir", base_directory,
-                 "the installation folder (default: $CORVANET_BASE_DIR, else ~/Tessaly)")
+                 "the installation folder (default: $CORVANET_BASE_DIR, else " +
+                     std::string(kSystemBaseDirectoryRule) + ")")
       ->type_name("DIR")
       ->check([](const std::string& text) {
         // An empty value would make the file-system root the installation.

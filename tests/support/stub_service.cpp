@@ -38,7 +38,7 @@ StubService::StubService(std::string user, std::string password)
 StubService::StubService(const Tls& tls, std::string user, std::string password)
     : user_(std::move(user)),
       password_(std::move(password)),
-      server_(new httplib::SSLServer(tls.certificate.c_str(), tls.key.c_str())),
+      server_(MakeTlsServer(tls.certificate, tls.key)),
       secure_(true) {
   Start();
 }

@@ -56,6 +56,8 @@ class StubService {
     std::string location;
     enum class Body { kWhole, kUnsized, kStalled } body = Body::kWhole;
   };
+  // An HTTPS server (stub_service_tls_posix.cpp): the Windows build's server library has no TLS.
+  static httplib::Server* MakeTlsServer(const std::string& certificate, const std::string& key);
   void Start();
   std::string user_;
   std::string password_;

@@ -13,6 +13,7 @@
 #include "core/platform/file_rewriter.h"
 #include "core/platform/files.h"
 #include "core/platform/line_reader.h"
+#include "core/platform/reuse_pool.h"
 #include "core/platform/text.h"
 #include "core/state/log.h"
 
@@ -330,9 +331,9 @@ struct MergeFiles {
   LineReader base;
   FileRewriter destination;
 };
-MergeFiles& ReusedMergeFiles() {
-  thread_local MergeFiles files;
-  return files;
+ReusePool<MergeFiles>& ReusedMergeFiles() {
+  static ReusePool<MergeFiles> pool;
+  return pool;
 }
 
 }  // namespace
@@ -367,7 +368,8 @@ DatafileOutcome UpdateDatafile(Session& session, const UpdateFileIndex& update_r
   // The date of the datafile's last row before this call, read from its end when the first pass
   // is to be committed (nothing is committed before).
   std::optional<std::string> kept_last_date;
-  MergeFiles& files = ReusedMergeFiles();
+  const auto lease = ReusedMergeFiles().Take();
+  MergeFiles& files = *lease;
   FileRewriter& destination = files.destination;
   const auto ends_early = [&](const PassResult& written) {
     if (!kept_last_date) {

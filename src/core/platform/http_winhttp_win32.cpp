@@ -160,16 +160,24 @@ FetchResult FetchPool::Commit(Ticket ticket) {
   return result;
 }
 
-void FetchPool::Cancel(Ticket ticket) {
-  std::unique_ptr<Job> dropped;  // destroyed outside the lock: removing its file takes a moment
+bool FetchPool::Begun(Ticket ticket) const {
   const std::lock_guard lock(state_->mutex);
   const auto it = state_->jobs.find(ticket);
-  if (it == state_->jobs.end()) return;
-  if (it->second->stage == Job::Stage::kRunning) {
-    it->second->cancelled = true;  // its worker drops it when the transfer ends
-  } else {
-    dropped = std::move(it->second);
-    state_->jobs.erase(it);
+  return it != state_->jobs.end() && it->second->stage != Job::Stage::kWaiting;
+}
+
+void FetchPool::Cancel(Ticket ticket) {
+  std::unique_ptr<Job> dropped;  // destroyed outside the lock: removing its file takes a moment
+  {
+    const std::lock_guard lock(state_->mutex);
+    const auto it = state_->jobs.find(ticket);
+    if (it == state_->jobs.end()) return;
+    if (it->second->stage == Job::Stage::kRunning) {
+      it->second->cancelled = true;  // its worker drops it when the transfer ends
+    } else {
+      dropped = std::move(it->second);
+      state_->jobs.erase(it);
+    }
   }
 }
 

@@ -66,6 +66,8 @@ std::string HomeFolder();
 // on POSIX; on Windows the first two levels of the program's folder ("C:\Tessaly\" for
 // "C:\Tessaly\Rondex\corvanet-cli.exe"), wherever the installer put it.
 std::string SystemBaseDirectory();
+// That rule in a few words, for a help text: "~/Tessaly", or Windows' rule.
+extern const char* const kSystemBaseDirectoryRule;
 // Where the converter helpers (PxFiles, Complete.exe) are: CORVANET_HELPER_DIR when set, else the
 // installed helper folder (libexec/corvanet beside the program's bin folder) when it holds them,
 // else the running executable's folder.

@@ -230,6 +230,8 @@ std::string HomeFolder() {
   return home != nullptr && *home != '\0' ? WithTrailingSeparator(home) : std::string();
 }
 
+const char* const kSystemBaseDirectoryRule = "~/Tessaly";
+
 std::string SystemBaseDirectory() {
   const std::string home = HomeFolder();
   return (home.empty() ? Folder(".") : home) + Folder("Tessaly");

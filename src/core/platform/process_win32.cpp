@@ -170,6 +170,9 @@ std::string HomeFolder() {
   return WithTrailingSeparator(windows::Utf8(profile));
 }
 
+const char* const kSystemBaseDirectoryRule =
+    "the program folder's first two levels, C:\\Tessaly\\ for C:\\Tessaly\\Rondex\\";
+
 std::string SystemBaseDirectory() {
   std::string program_folder = ExecutableFolder();
   if (!program_folder.empty()) program_folder.pop_back();

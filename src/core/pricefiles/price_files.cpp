@@ -7,6 +7,7 @@
 
 #include "core/download/datafile_names.h"
 #include "core/platform/paths.h"
+#include "core/platform/reuse_pool.h"
 #include "core/pricefiles/conversion.h"
 #include "core/state/log.h"
 #include "core/state/writer_pool.h"
@@ -70,9 +71,9 @@ struct ReusedBuffers {
   CompositeFile datafile;
   std::array<std::string, 5> blocks;
 };
-ReusedBuffers& Buffers() {
-  thread_local ReusedBuffers buffers;
-  return buffers;
+ReusePool<ReusedBuffers>& Buffers() {
+  static ReusePool<ReusedBuffers> pool;
+  return pool;
 }
 
 // "," and a field already in the number rule's form, with the blank the rule puts before a value
@@ -162,8 +163,8 @@ bool WritePriceFiles(const PriceFilesJob& job, PriceFilesOutcome& outcome, Dataf
   outcome = PriceFilesOutcome{};
   outcome.errors.resize(job.kinds.size());
   if (job.kinds.empty()) return true;
-  ReusedBuffers& buffers = Buffers();
-  CompositeFile& datafile = buffers.datafile;
+  const auto buffers = Buffers().Take();
+  CompositeFile& datafile = buffers->datafile;
   const CloseOnReturn close{datafile};
   // The datafile first: when it is missing no file is even started.
   if (!datafile.Open(job.datafile) || !ReadCompositeHeader(datafile)) {
@@ -186,7 +187,7 @@ bool WritePriceFiles(const PriceFilesJob& job, PriceFilesOutcome& outcome, Dataf
       continue;
     }
     if (job.header) open.file.WriteLine(kPriceFileHeader);
-    open.block = &buffers.blocks[k];
+    open.block = &buffers->blocks[k];
     open.block->clear();
     live[count++] = k;
   }

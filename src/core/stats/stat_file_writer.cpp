@@ -7,6 +7,7 @@
 
 #include "core/download/datafile_names.h"
 #include "core/platform/paths.h"
+#include "core/platform/reuse_pool.h"
 #include "core/platform/text.h"
 #include "core/state/log.h"
 #include "core/stats/composite_row.h"
@@ -56,9 +57,9 @@ struct ReusedBuffers {
   CompositeFile datafile;
   std::array<StatisticFile, kStatisticCount> files;
 };
-ReusedBuffers& Buffers() {
-  thread_local ReusedBuffers buffers;
-  return buffers;
+ReusePool<ReusedBuffers>& Buffers() {
+  static ReusePool<ReusedBuffers> pool;
+  return pool;
 }
 
 bool Fail(DatafileError& error, int number, std::string detail) {
@@ -285,9 +286,9 @@ StatFilesJob StatFilesJobOf(const Session& session, std::string_view listed_symb
 
 bool WriteStatFiles(const StatFilesJob& job, DatafileError& error) {
   if (job.statistics.empty()) return true;
-  ReusedBuffers& buffers = Buffers();
-  const std::span<StatisticFile> files(buffers.files.data(), job.statistics.size());
-  bool ok = SplitDatafile(job, files, buffers.datafile, error);
+  const auto buffers = Buffers().Take();
+  const std::span<StatisticFile> files(buffers->files.data(), job.statistics.size());
+  bool ok = SplitDatafile(job, files, buffers->datafile, error);
   for (std::size_t k = 0; ok && k < files.size(); ++k) {
     if (!files[k].Commit()) {
       ok = Fail(error, kErrorFileAccess,
