@@ -1,8 +1,6 @@
 #pragma once
 // Runs corvanet-cli in-process (streams captured, RunListNum.txt and the first report in a start
 // folder of the test's own) or as a real process started from that folder.
-#include <sys/wait.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <sstream>
@@ -13,6 +11,7 @@
 
 #include "cli/cli.h"
 #include "core/platform/files.h"
+#include "support/child_process.h"
 #include "support/test_support.h"
 
 namespace corvanet::test {
@@ -52,26 +51,18 @@ class CliTest : public ::testing::Test {
     return Run(args);
   }
 
-  // Starts the built program from the start folder with HOME in the temporary folder; `args` and
-  // `environment` ("NAME=value ...") are shell text. Standard error is kept apart from the output.
-  // With `time_limit` (seconds), a program still running then is ended: status 124.
+  // Starts the built program from the start folder with the home folder in the temporary folder;
+  // `args` and `environment` ("NAME=value ...") are shell text. Standard error is kept apart
+  // from the output. With `time_limit` (seconds), a program still running then is ended: status
+  // 124.
   CliResult RunProcess(const std::string& args, const std::string& environment = "",
                        int time_limit = 0) const {
-    const std::string limit = time_limit > 0 ? "timeout " + std::to_string(time_limit) : "";
-    const std::string command = "cd '" + start() + "' && HOME='" + dir.path() +
-                                "' CORVANET_BASE_DIR= " + environment + " " + limit + " '" +
-                                BinaryPath("corvanet-cli") + "' " + args + " 2>'" +
-                                (dir / "stderr.txt") + "'";
-    CliResult result;
-    std::FILE* pipe = ::popen(command.c_str(), "r");
-    if (pipe == nullptr) return result;
-    char buffer[4096];
-    std::size_t got = 0;
-    while ((got = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) result.out.append(buffer, got);
-    const int status = ::pclose(pipe);
-    result.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    result.err = ReadFile(dir / "stderr.txt");
-    return result;
+    std::vector<std::string> variables = {"HOME=" + dir.path(), "USERPROFILE=" + dir.path(),
+                                          "CORVANET_BASE_DIR="};
+    for (std::string& variable : ShellWords(environment)) variables.push_back(std::move(variable));
+    const ProgramRun run = RunProgram(BinaryPath("corvanet-cli"), ShellWords(args), variables,
+                                      start(), dir.path(), time_limit);
+    return {run.code, run.out, run.err};
   }
 
   TempDir dir;

@@ -86,7 +86,7 @@ TEST_F(DataSafetyTest, AFifoWhereAFileBelongsNeverHoldsARun) {
     SCOPED_TRACE(c.path);
     const std::string content = ReadFile(c.path);
     fs::remove(c.path);
-    ASSERT_EQ(::mkfifo(c.path.c_str(), 0600), 0);
+    if (!MakeFifo(c.path)) GTEST_SKIP() << "this file system holds no FIFOs";
     const CliResult run = RunProcess("--base-dir '" + base_arg() + "' --log run 2", "", 60);
     EXPECT_EQ(run.code, c.code) << run.out << run.err;
     EXPECT_TRUE(Contains(run.out, c.said)) << run.out;

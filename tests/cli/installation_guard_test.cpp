@@ -2,10 +2,6 @@
 // process holds it, nothing to the folder it was started from, nothing with a path that could
 // carry a command into a batch, unit or crontab line; a lists folder deleted by hand is made again
 // and a missing list is said; the password is never printed.
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
-
 #include <filesystem>
 #include <sstream>
 #include <string>
@@ -63,10 +59,7 @@ class InstallationGuardTest : public CliTest {
 
 TEST_F(InstallationGuardTest, CommandsThatChangeFilesWaitForNoRunAndTheOthersLeaveItsLog) {
   // Another process's run: the lock held, its note written, its log being appended to.
-  const int run = ::open((base() + "Rondex/RunLock.txt").c_str(), O_RDWR | O_CLOEXEC);
-  ASSERT_GE(run, 0);
-  ASSERT_EQ(::flock(run, LOCK_EX), 0);
-  ASSERT_EQ(::pwrite(run, "18:02:11 4242\r\n", 15, 0), 15);
+  const std::intptr_t run = HoldForeignRunLock(base() + "Rondex/", "18:02:11 4242");
   WriteFile(log_file(), "18:02:12 - Not Set - SingleFileUpdate\r\n");
   const std::vector<std::string> before = Guarded();
 
@@ -92,7 +85,7 @@ TEST_F(InstallationGuardTest, CommandsThatChangeFilesWaitForNoRunAndTheOthersLea
   after[2] = before[2];
   EXPECT_EQ(after, before);
 
-  ::close(run);
+  ReleaseForeignRunLock(run);
   EXPECT_EQ(RunIn({"list", "1", "clear"}).code, 0);
   EXPECT_EQ(ReadLines(list_file()).size(), 5U);
 }

@@ -62,8 +62,8 @@ TEST(ScheduleUnitsTest, SchtasksCommandsKeepTheirWords) {
   EXPECT_EQ(cli::SchtasksCreateArguments(run),
             (std::vector<std::string>{
                 "/Create", "/F", "/TN", "Corvanet list 3", "/TR",
-                "\"C:\\My Apps\\Rondex\\corvanet-cli.exe\" --base-dir \"C:\\My Apps\" run 3",
-                "/SC", "DAILY", "/ST", "07:05"}));
+                "\"C:\\My Apps\\Rondex\\corvanet-cli.exe\" --base-dir \"C:\\My Apps\" run 3", "/SC",
+                "DAILY", "/ST", "07:05"}));
   ASSERT_TRUE(cli::ParseDays("mon,wed-fri", run.days));
   const std::vector<std::string> weekly = cli::SchtasksCreateArguments(run);
   EXPECT_EQ(std::vector<std::string>(weekly.end() - 6, weekly.end()),

@@ -1,6 +1,7 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -17,7 +18,8 @@ extern char** environ;
 namespace corvanet::test {
 
 ChildId SpawnChild(const std::string& path, const std::vector<std::string>& args,
-                   const std::string& out_file, const std::string& err_file) {
+                   const std::string& out_file, const std::string& err_file,
+                   const std::string& folder) {
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
@@ -25,6 +27,7 @@ ChildId SpawnChild(const std::string& path, const std::vector<std::string>& args
                                    0600);
   posix_spawn_file_actions_addopen(&actions, 2, err_file.c_str(), O_WRONLY | O_CREAT | O_APPEND,
                                    0600);
+  if (!folder.empty()) posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
   std::vector<std::string> words = {path};
   words.insert(words.end(), args.begin(), args.end());
   std::vector<char*> argv;
@@ -35,6 +38,24 @@ ChildId SpawnChild(const std::string& path, const std::vector<std::string>& args
   posix_spawn_file_actions_destroy(&actions);
   if (error != 0) throw std::runtime_error("cannot start " + path);
   return pid;
+}
+
+std::intptr_t HoldForeignRunLock(const std::string& folder, const std::string& note) {
+  const int fd = ::open((folder + "RunLock.txt").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+  if (fd < 0 || ::flock(fd, LOCK_EX) != 0) throw std::runtime_error("cannot lock " + folder);
+  const std::string text = note + "\r\n";
+  if (::pwrite(fd, text.data(), text.size(), 0) != static_cast<ssize_t>(text.size())) {
+    throw std::runtime_error("cannot write the run lock's note");
+  }
+  return fd;
+}
+
+void ReleaseForeignRunLock(std::intptr_t lock) {
+  ::close(static_cast<int>(lock));
+}
+
+bool MakeFifo(const std::string& path) {
+  return ::mkfifo(path.c_str(), 0600) == 0;
 }
 
 bool ChildEnded(ChildId child, int& exit_code) {

@@ -29,7 +29,8 @@ HANDLE HandleOf(ChildId child) {
 }  // namespace
 
 ChildId SpawnChild(const std::string& path, const std::vector<std::string>& args,
-                   const std::string& out_file, const std::string& err_file) {
+                   const std::string& out_file, const std::string& err_file,
+                   const std::string& folder) {
   std::string line = QuotedForCommandLine(path);
   for (const std::string& arg : args) line += " " + QuotedForCommandLine(arg);
   std::wstring command = windows::Wide(line);
@@ -45,14 +46,41 @@ ChildId SpawnChild(const std::string& path, const std::vector<std::string>& args
   startup.hStdOutput = out;
   startup.hStdError = err;
   PROCESS_INFORMATION info{};
-  const bool started = CreateProcessW(windows::Wide(path).c_str(), command.data(), nullptr, nullptr,
-                                      TRUE, CREATE_NO_WINDOW, nullptr, nullptr, &startup, &info);
+  const bool started = CreateProcessW(
+      windows::Wide(path).c_str(), command.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW,
+      nullptr, folder.empty() ? nullptr : windows::Wide(folder).c_str(), &startup, &info);
   for (HANDLE handle : {in, out, err}) {
     if (handle != INVALID_HANDLE_VALUE) CloseHandle(handle);
   }
   if (!started) throw std::runtime_error("cannot start " + path);
   CloseHandle(info.hThread);
   return reinterpret_cast<ChildId>(info.hProcess);
+}
+
+std::intptr_t HoldForeignRunLock(const std::string& folder, const std::string& note) {
+  HANDLE file = CreateFileW(windows::Wide(folder + "RunLock.txt").c_str(),
+                            GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                            nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  // The byte run_lock_win32.cpp locks, past the note, which stays readable.
+  OVERLAPPED range{};
+  range.OffsetHigh = 1;
+  if (file == INVALID_HANDLE_VALUE ||
+      !LockFileEx(file, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &range)) {
+    throw std::runtime_error("cannot lock " + folder);
+  }
+  const std::string text = note + "\r\n";
+  DWORD written = 0;
+  OVERLAPPED at{};
+  WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &written, &at);
+  return reinterpret_cast<std::intptr_t>(file);
+}
+
+void ReleaseForeignRunLock(std::intptr_t lock) {
+  CloseHandle(reinterpret_cast<HANDLE>(lock));
+}
+
+bool MakeFifo(const std::string& /*path*/) {
+  return false;
 }
 
 bool ChildEnded(ChildId child, int& exit_code) {

@@ -35,14 +35,6 @@ StubService::StubService(std::string user, std::string password)
   Start();
 }
 
-StubService::StubService(const Tls& tls, std::string user, std::string password)
-    : user_(std::move(user)),
-      password_(std::move(password)),
-      server_(MakeTlsServer(tls.certificate, tls.key)),
-      secure_(true) {
-  Start();
-}
-
 void StubService::Start() {
   server_->Get(".*", [this](const httplib::Request& request, httplib::Response& response) {
     std::string path = request.path;

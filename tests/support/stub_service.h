@@ -19,7 +19,8 @@ namespace corvanet::test {
 class StubService {
  public:
   StubService(std::string user = "user", std::string password = "secret");
-  // Over HTTPS with this certificate and key (PEM files).
+  // Over HTTPS with this certificate and key (PEM files). Not in the Windows build, whose server
+  // library has no TLS (stub_service_tls_posix.cpp).
   struct Tls {
     std::string certificate;
     std::string key;
@@ -56,8 +57,6 @@ class StubService {
     std::string location;
     enum class Body { kWhole, kUnsized, kStalled } body = Body::kWhole;
   };
-  // An HTTPS server (stub_service_tls_posix.cpp): the Windows build's server library has no TLS.
-  static httplib::Server* MakeTlsServer(const std::string& certificate, const std::string& key);
   void Start();
   std::string user_;
   std::string password_;

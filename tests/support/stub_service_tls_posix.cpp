@@ -4,9 +4,12 @@
 
 namespace corvanet::test {
 
-httplib::Server* StubService::MakeTlsServer(const std::string& certificate,
-                                            const std::string& key) {
-  return new httplib::SSLServer(certificate.c_str(), key.c_str());
+StubService::StubService(const Tls& tls, std::string user, std::string password)
+    : user_(std::move(user)),
+      password_(std::move(password)),
+      server_(new httplib::SSLServer(tls.certificate.c_str(), tls.key.c_str())),
+      secure_(true) {
+  Start();
 }
 
 }  // namespace corvanet::test

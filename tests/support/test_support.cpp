@@ -5,8 +5,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <sstream>
 #include <thread>
+#include <utility>
 
 #include "support/child_process.h"
 
@@ -96,6 +98,64 @@ std::vector<std::string> FileNames(const std::string& folder) {
   }
   std::sort(names.begin(), names.end());
   return names;
+}
+
+ProgramRun RunProgram(const std::string& path, const std::vector<std::string>& args,
+                      const std::vector<std::string>& environment, const std::string& folder,
+                      const std::string& scratch, int time_limit) {
+  // Set here for the child to inherit, and put back as they were after it started.
+  std::vector<std::pair<std::string, std::optional<std::string>>> kept;
+  for (const std::string& entry : environment) {
+    const std::string name = entry.substr(0, entry.find('='));
+    const std::string value = entry.substr(name.size() + 1);
+    const char* old = std::getenv(name.c_str());
+    kept.emplace_back(name, old != nullptr ? std::optional<std::string>(old) : std::nullopt);
+    if (value.empty()) {
+      ::unsetenv(name.c_str());
+    } else {
+      ::setenv(name.c_str(), value.c_str(), 1);
+    }
+  }
+  const std::string out_file = scratch + "/program-out.txt";
+  const std::string err_file = scratch + "/program-err.txt";
+  std::remove(out_file.c_str());
+  std::remove(err_file.c_str());
+  ProgramRun run;
+  const ChildId child = SpawnChild(path, args, out_file, err_file, folder);
+  for (const auto& [name, value] : kept) {
+    if (value) {
+      ::setenv(name.c_str(), value->c_str(), 1);
+    } else {
+      ::unsetenv(name.c_str());
+    }
+  }
+  const auto limit = std::chrono::seconds(time_limit > 0 ? time_limit : 3600);
+  run.code = WaitForChild(child, limit);
+  if (run.code == -1 && time_limit > 0) run.code = 124;
+  run.out = ReadFile(out_file);
+  run.err = ReadFile(err_file);
+  return run;
+}
+
+std::vector<std::string> ShellWords(const std::string& text) {
+  std::vector<std::string> words;
+  std::string word;
+  bool in_word = false;
+  bool quoted = false;
+  for (const char c : text) {
+    if (c == '\'') {
+      quoted = !quoted;
+      in_word = true;
+    } else if (c == ' ' && !quoted) {
+      if (in_word) words.push_back(std::exchange(word, {}));
+      in_word = false;
+    } else {
+      word += c;
+      in_word = true;
+    }
+  }
+  if (in_word) words.push_back(word);
+  return words;
 }
 
 }  // namespace corvanet::test

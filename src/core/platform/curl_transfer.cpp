@@ -71,11 +71,6 @@ CertificateProblem ProblemOf(long verify_result) {
   }
 }
 
-std::string SizeText(std::uint64_t bytes) {
-  if (bytes % kMiB == 0) return std::to_string(bytes / kMiB) + " MiB";
-  return std::to_string(bytes) + " bytes";
-}
-
 FetchStatus StatusFor(CURLcode code) {
   switch (code) {
     case CURLE_OK:
@@ -179,7 +174,7 @@ FetchResult ResultOf(CURL* handle, CURLcode code, const Transfer& transfer) {
   }
   if (code == CURLE_FILESIZE_EXCEEDED || transfer.over_limit) {
     result.status = FetchStatus::kTooLarge;
-    result.detail = SizeText(transfer.request.max_body_bytes);
+    result.detail = BodyLimitText(transfer.request.max_body_bytes);
   } else if (code == CURLE_PEER_FAILED_VERIFICATION) {
     long verify_result = X509_V_OK;
     curl_easy_getinfo(handle, CURLINFO_SSL_VERIFYRESULT, &verify_result);

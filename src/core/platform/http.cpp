@@ -213,6 +213,11 @@ std::unique_ptr<FetchPool> HttpClient::OpenPool(int /*connections*/) {
   return nullptr;
 }
 
+std::string BodyLimitText(std::uint64_t bytes) {
+  if (bytes % kMiB == 0) return std::to_string(bytes / kMiB) + " MiB";
+  return std::to_string(bytes) + " bytes";
+}
+
 void CommitFetchedBody(FetchResult& result, AtomicFileWriter& body) {
   if (result.status == FetchStatus::kLocalWriteFailed) {
     result.detail = body.target() + ": " + body.error();

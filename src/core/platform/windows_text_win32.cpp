@@ -25,9 +25,12 @@ std::string Utf8(std::wstring_view wide) {
 
 std::string ErrorText(unsigned long code) {
   wchar_t* text = nullptr;
+  // WinHTTP's errors (12000 on) have their words in its own module, not the system's.
+  HMODULE module = code >= 12000 && code < 13000 ? GetModuleHandleW(L"winhttp.dll") : nullptr;
   const DWORD length = FormatMessageW(
-      FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-      nullptr, code, 0, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
+      FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS |
+          (module != nullptr ? FORMAT_MESSAGE_FROM_HMODULE : 0),
+      module, code, 0, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
   std::wstring words = length > 0 ? std::wstring(text, length) : L"";
   LocalFree(text);
   while (!words.empty() &&

@@ -9,6 +9,7 @@
 
 #include "core/platform/atomic_file_writer.h"
 #include "core/platform/http.h"
+#include "core/platform/winhttp_certificates.h"
 
 namespace corvanet::winhttp {
 
@@ -22,7 +23,8 @@ class Connection {
   ~Connection() { Close(); }
 
   // GETs `request` and writes its body to `body` (not committed). The result says how it ended
-  // as FetchResult tells it.
+  // as FetchResult tells it. An https:// address is checked as http.h says: the system's
+  // authorities and the request's own, the host name, the dates; no redirect is followed.
   FetchResult Fetch(const FetchRequest& request, AtomicFileWriter& body);
   void Close();
 
@@ -30,6 +32,7 @@ class Connection {
   HINTERNET session_ = nullptr;
   HINTERNET connection_ = nullptr;
   std::wstring server_key_;  // "<scheme>://<host>:<port>" of connection_
+  AddedAuthorities authorities_;
 };
 
 }  // namespace corvanet::winhttp
