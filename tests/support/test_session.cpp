@@ -1,5 +1,7 @@
 #include "support/test_session.h"
 
+#include <algorithm>
+
 #include <cstdlib>
 
 #include "core/lists/masterfile.h"
@@ -37,14 +39,25 @@ TestSession::TestSession() {
   session.http_timeout_seconds = 2;
 }
 
+namespace {
+
+// `folder` + `name`, the name's '/' written as the program writes its separators.
+std::string Joined(const std::string& folder, std::string_view name) {
+  std::string path(name);
+  std::replace(path.begin(), path.end(), '/', kSep);
+  return folder + path;
+}
+
+}  // namespace
+
 std::string TestSession::base(std::string_view name) const {
-  return session.app.BaseDirectory + std::string(name);
+  return Joined(session.app.BaseDirectory, name);
 }
 std::string TestSession::lists(std::string_view name) const {
-  return session.ui.PathToLists + std::string(name);
+  return Joined(session.ui.PathToLists, name);
 }
 std::string TestSession::data(std::string_view name) const {
-  return session.ui.PathToDataFiles + std::string(name);
+  return Joined(session.ui.PathToDataFiles, name);
 }
 std::string TestSession::masterfile() const {
   return MasterFilePath(session);

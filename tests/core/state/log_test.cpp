@@ -57,7 +57,6 @@ TEST(SettingsReportTest, SixteenLinesOfTheMainSettings) {
   TestSession t;
   Session& s = t.session;
   SetTime(t.clock);
-  const std::string base = s.app.BaseDirectory;
   s.ui.ImplementSpecialFunctions = 1;
   s.ui.SystemMessagesYes = false;
   s.ui.SystemMessagesNo = true;
@@ -68,12 +67,12 @@ TEST(SettingsReportTest, SixteenLinesOfTheMainSettings) {
   const std::vector<std::string> expected = {
       "2026-11-23",
       "",
-      "ProgramDirectory:  " + base + "Rondex/",
-      "PathToDataFiles.Text:  :" + base + "CSVFiles/",
-      "PathToLists.Text:  " + base + "Lists/",
+      "ProgramDirectory:  " + t.base("Rondex/"),
+      "PathToDataFiles.Text:  :" + t.base("CSVFiles/"),
+      "PathToLists.Text:  " + t.base("Lists/"),
       "ImplementSpecialFunctions.Value:   1",
       "MakeMetaStockPxFiles.Value:   0",
-      "PathToMSPxFiles.Text:  " + base + "MetaStock/",
+      "PathToMSPxFiles.Text:  " + t.base("MetaStock/"),
       "UserName.Text:  user",
       "Password.Text:  secret",
       "RetryNumber.Text:  2.5",
