@@ -21,12 +21,12 @@ set(CPACK_NSIS_INSTALL_ROOT "C:")
 set(CPACK_NSIS_PACKAGE_NAME "Corvanet ${PROJECT_VERSION}")
 set(CPACK_NSIS_DISPLAY_NAME "Corvanet")
 set(CPACK_PACKAGE_INSTALL_REGISTRY_KEY Corvanet)
-set(CPACK_NSIS_ENABLE_UNINSTALL_BEFORE_INSTALL ON)
-# The command line has no window of its own: the Start menu opens a Command Prompt in its folder.
-set(CPACK_NSIS_CREATE_ICONS_EXTRA
-    "CreateShortCut '$SMPROGRAMS\\\\$STARTMENU_FOLDER\\\\Corvanet command line.lnk' '$SYSDIR\\\\cmd.exe' '/k cd /d \"$INSTDIR\" && corvanet-cli.exe --help'")
-set(CPACK_NSIS_DELETE_ICONS_EXTRA
-    "Delete '$SMPROGRAMS\\\\$START_MENU\\\\Corvanet command line.lnk'")
+# The installer is made from cmake/NSIS.template.in (per-user, the uninstaller and the Start-menu
+# entry for the command line are written there).
+set(CPACK_MODULE_PATH ${PROJECT_SOURCE_DIR}/cmake)
+# The zip unpacks into a folder named Rondex, to be put into C:\Tessaly\ (or any folder two levels
+# deep); CPackWindowsOptions.cmake names it per generator.
+set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_SOURCE_DIR}/cmake/CPackWindowsOptions.cmake)
 set(CPACK_ARCHIVE_COMPONENT_INSTALL OFF)
 set(CPACK_STRIP_FILES ON)
 include(CPack)
