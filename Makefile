@@ -7,7 +7,8 @@ ifdef CI
 CMAKE_FLAGS += -DCORVANET_WERROR=ON
 endif
 
-.PHONY: deps build test demo package screenshots bench fuzz mutants format clean windows windows-test windows-package
+.PHONY: deps build test demo package screenshots bench fuzz mutants format clean windows \
+	windows-test windows-package windows-e2e
 
 deps:
 	@bash scripts/install-deps.sh
@@ -44,6 +45,14 @@ windows-package: windows
 # The Windows suites run under Wine, in a Wine prefix of their own inside $(WINDOWS_BUILD).
 windows-test: windows
 	@bash scripts/windows-test.sh $(WINDOWS_BUILD)
+
+# The installer run silently in a fresh Wine prefix and the installed program tried end to end,
+# beside the Linux build doing the same steps (scripts/windows-e2e.sh says what is checked).
+windows-e2e: windows-package deps
+	@cmake -S . -B $(BUILD) $(CMAKE_FLAGS) >/dev/null
+	@cmake --build $(BUILD) -j $(JOBS) --target corvanet-cli PxFiles complete \
+	  corvanet-metastock-check
+	@bash scripts/windows-e2e.sh $(WINDOWS_BUILD) $(BUILD)
 
 # Pictures of every page and of runs against the demo service, in $(BUILD)/screenshots/.
 screenshots: build
