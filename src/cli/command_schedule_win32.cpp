@@ -83,11 +83,18 @@ int Install(CommandContext& context, const CommandLine& line) {
   return kExitOk;
 }
 
+// A task exists when schtasks describes it by name: a status of 0 alone is not enough (Wine's
+// schtasks answers every query so, with nothing printed).
+bool TaskExists(int list) {
+  std::string answer;
+  return Schtasks({"/Query", "/TN", TaskName(list), "/FO", "LIST"}, &answer) == 0 &&
+         answer.find(TaskName(list)) != std::string::npos;
+}
+
 int Show(CommandContext& context) {
   bool any = false;
   for (int list = 1; list <= kLastList; ++list) {
-    std::string answer;
-    if (Schtasks({"/Query", "/TN", TaskName(list), "/FO", "LIST"}, &answer) != 0) continue;
+    if (!TaskExists(list)) continue;
     any = true;
     context.out << TaskName(list) << '\n';
   }
@@ -96,7 +103,7 @@ int Show(CommandContext& context) {
 }
 
 int Remove(CommandContext& context, int list) {
-  if (Schtasks({"/Query", "/TN", TaskName(list)}) != 0) {
+  if (!TaskExists(list)) {
     context.out << "List " << list << " has no schedule in the Task Scheduler.\n";
     return kExitOk;
   }
