@@ -97,9 +97,13 @@ both settings "UserName=$user" "Password=$password" "IPAddress=127.0.0.1:$port"
 both settings ImplementSpecialFunctions=1 MakeMetaStockPxFiles=1 OHLCVV=1 EqWtOHLCVV=1 \
   AutoCreateOneStatFiles=1 RunWithAllPeriods=1 Advances=1 NewHighs=1
 both list 7 vendor eSignal periods D,W,M,Q
+# --log: the support log of the whole run, compared too (the second run's replaces the first's, so
+# the first is kept aside).
 run_both() {  # round
-  windows_cli run 7 >"$work/windows-run$1.txt" 2>&1 || fail "corvanet-cli.exe run 7 exited $?"
-  linux_cli run 7 >"$work/linux-run$1.txt" 2>&1 || fail "corvanet-cli run 7 exited $?"
+  windows_cli --log run 7 >"$work/windows-run$1.txt" 2>&1 || fail "corvanet-cli.exe run 7 exited $?"
+  linux_cli --log run 7 >"$work/linux-run$1.txt" 2>&1 || fail "corvanet-cli run 7 exited $?"
+  cp "$program/LogFile.txt" "$work/windows-log$1.txt"
+  cp "$linux_base/Rondex/LogFile.txt" "$work/linux-log$1.txt"
   grep -E '^(Datafiles|MetaStock conversion)' "$work/windows-run$1.txt" | sed 's/^/   /'
 }
 echo "-- first run of list 7 (all periods): every datafile fetched whole"
@@ -124,7 +128,17 @@ echo "-- $statistic_files statistic files"
 echo "-- the Windows installation against the Linux one, file by file"
 python3 "$scripts/compare-installations.py" "$base" "$win_base" "$linux_base" "$linux_base" \
   "run 1 output" "$work/windows-run1.txt" "$work/linux-run1.txt" \
-  "run 2 output" "$work/windows-run2.txt" "$work/linux-run2.txt" || status=1
+  "run 2 output" "$work/windows-run2.txt" "$work/linux-run2.txt" \
+  "run 1 LogFile.txt" "$work/windows-log1.txt" "$work/linux-log1.txt" || status=1
+
+# Wine's schtasks takes no /Create of this form and answers every /Query with nothing: the
+# program then prints the command to run, and lists no task.
+echo "-- schedule 7 --at 18:30 --days mon-fri"
+windows_cli schedule 7 --at 18:30 --days mon-fri >"$work/schedule.txt" 2>&1 ||
+  fail "corvanet-cli.exe schedule 7 exited $?"
+grep -q -e 'schtasks /Create' -e 'runs at' "$work/schedule.txt" || fail "schedule 7 said neither"
+sed 's/^/   /' "$work/schedule.txt"
+windows_cli schedule --list | sed 's/^/   /'
 
 echo "-- uninstaller /S: the programs go, the data stays"
 stop_service

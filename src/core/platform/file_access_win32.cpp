@@ -19,8 +19,12 @@ HANDLE HandleOf(int descriptor) {
                         : reinterpret_cast<HANDLE>(_get_osfhandle(descriptor));
 }
 
+// Nanoseconds since 1970, as POSIX gives them. The system counts ticks of 100 ns since 1601, and
+// those times a hundred no longer fit 64 bits (today's came out negative and the merge index,
+// which keeps them, refused its own entries), so the ticks are moved to 1970 first.
 std::int64_t Nanoseconds(const LARGE_INTEGER& ticks) {
-  return static_cast<std::int64_t>(ticks.QuadPart) * 100;  // ticks of 100 ns
+  constexpr std::int64_t kTicksFrom1601To1970 = 116444736000000000;
+  return (static_cast<std::int64_t>(ticks.QuadPart) - kTicksFrom1601To1970) * 100;
 }
 
 std::optional<FileIdentity> IdentityOfHandle(HANDLE file) {
