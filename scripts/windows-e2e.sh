@@ -49,6 +49,7 @@ trap 'stop_service; wineserver -k 2>/dev/null || true' EXIT
 
 echo "-- a fresh Wine prefix in $WINEPREFIX"
 wineboot -i >/dev/null 2>&1
+echo "   made in $SECONDS s"
 drive_c="$WINEPREFIX/drive_c"
 
 # /D takes the rest of the command line, blanks and all, unquoted, and must come last: cmd.exe
@@ -106,10 +107,10 @@ run_both() {  # round
   cp "$linux_base/Rondex/LogFile.txt" "$work/linux-log$1.txt"
   grep -E '^(Datafiles|MetaStock conversion)' "$work/windows-run$1.txt" | sed 's/^/   /'
 }
-echo "-- first run of list 7 (all periods): every datafile fetched whole"
+echo "-- first run of list 7 (all periods): every datafile fetched whole ($SECONDS s in)"
 run_both 1
 wine "$service_bin" advance --root "$(win "$work/service")" --bars 1 >/dev/null
-echo "-- second run after one new bar: merged from the update files"
+echo "-- second run after one new bar: merged from the update files ($SECONDS s in)"
 run_both 2
 
 base="$drive_c/Trading Desk"
@@ -156,5 +157,5 @@ echo "-- installer /S without /D: C:\\Tessaly\\Rondex\\"
 wine cmd.exe /c "$(win "$installer") /S"
 [ -f "$drive_c/Tessaly/Rondex/corvanet-cli.exe" ] || fail "the default folder is not C:\\Tessaly\\Rondex"
 
-[ $status -eq 0 ] && echo "-- Windows end to end: all checks passed"
+[ $status -eq 0 ] && echo "-- Windows end to end: all checks passed ($SECONDS s)"
 exit $status
