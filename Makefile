@@ -31,15 +31,21 @@ package: deps
 
 # The Windows programs and test suites, cross-built with mingw-w64 into $(WINDOWS_BUILD)/bin.
 WINDOWS_BUILD ?= build-windows
-WINDOWS_TARGETS ?= corvanet-cli PxFiles complete corvanet-demo-service core_tests cli_tests tools_tests
-windows:
+WINDOWS_PROGRAMS ?= corvanet-cli PxFiles complete corvanet-demo-service
+WINDOWS_TARGETS ?= $(WINDOWS_PROGRAMS) core_tests cli_tests tools_tests
+define windows_build
 	@bash scripts/install-deps.sh windows
 	@cmake -S . -B $(WINDOWS_BUILD) -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64.cmake \
 	  -DCMAKE_BUILD_TYPE=Release $(CMAKE_FLAGS) >/dev/null
-	@cmake --build $(WINDOWS_BUILD) -j $(JOBS) --target $(WINDOWS_TARGETS)
+	@cmake --build $(WINDOWS_BUILD) -j $(JOBS) --target $(1)
+endef
+windows:
+	$(call windows_build,$(WINDOWS_TARGETS))
 
-# $(WINDOWS_BUILD)/corvanet-<version>-windows-x64.exe (an NSIS installer) and .zip of the same files.
-windows-package: windows
+# $(WINDOWS_BUILD)/corvanet-<version>-windows-x64.exe (an NSIS installer) and .zip of the same
+# files; only the programs are built for it (the demo service too, which the end-to-end check runs).
+windows-package:
+	$(call windows_build,$(WINDOWS_PROGRAMS))
 	@cd $(WINDOWS_BUILD) && cpack -G "NSIS;ZIP" >/dev/null && ls corvanet-*-windows-x64.*
 
 # The Windows suites run under Wine, in a Wine prefix of their own inside $(WINDOWS_BUILD).
