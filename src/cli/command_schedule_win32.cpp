@@ -3,6 +3,8 @@
 // command that would is printed for the user to run.
 #include <windows.h>
 
+#include <algorithm>
+#include <string>
 #include <vector>
 
 #include "cli/commands.h"
@@ -37,15 +39,27 @@ int Schtasks(const std::vector<std::string>& args, std::string* output = nullptr
   const bool started = CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE,
                                       CREATE_NO_WINDOW, nullptr, nullptr, &startup, &info);
   CloseHandle(write_end);
-  std::string text;
-  char chunk[4096];
-  DWORD got = 0;
-  while (started && ReadFile(read_end, chunk, sizeof chunk, &got, nullptr) && got > 0) {
-    text.append(chunk, got);
+  if (!started) {
+    CloseHandle(read_end);
+    return -1;
   }
+  // Read until schtasks ends, not until its pipe closes: a process it starts may inherit the
+  // pipe's write end and keep it open long after (under Wine, the desktop process started on a
+  // prefix's first window station does, and the read never ended).
+  std::string text;
+  const auto drain = [&] {
+    char chunk[4096];
+    DWORD available = 0;
+    DWORD got = 0;
+    while (PeekNamedPipe(read_end, nullptr, 0, nullptr, &available, nullptr) && available > 0 &&
+           ReadFile(read_end, chunk, std::min<DWORD>(available, sizeof chunk), &got, nullptr) &&
+           got > 0) {
+      text.append(chunk, got);
+    }
+  };
+  while (WaitForSingleObject(info.hProcess, 20) == WAIT_TIMEOUT) drain();
+  drain();
   CloseHandle(read_end);
-  if (!started) return -1;
-  WaitForSingleObject(info.hProcess, INFINITE);
   DWORD code = 1;
   GetExitCodeProcess(info.hProcess, &code);
   CloseHandle(info.hProcess);
