@@ -3,9 +3,6 @@
 # a given time. New inputs go to a scratch corpus, not the tree; a finding stops the script with
 # the crashing input saved under the build folder (add it to fuzz/corpus/<target>/ once fixed).
 #   scripts/fuzz.sh [SECONDS_PER_TARGET] [TARGET ...]     (default 60; BUILD=build-fuzz)
-# With CORVANET_BUILD_TESTS=ON the build holds the test suites too, built with the same clang,
-# sanitizers and coverage (CI runs its sanitizer suite from that build, so the core is compiled
-# once for both).
 set -euo pipefail
 seconds=${1:-60}
 shift || true
@@ -13,7 +10,7 @@ build=${BUILD:-build-fuzz}
 root="$(cd "$(dirname "$0")/.." && pwd)"
 bash "$root/scripts/install-deps.sh" fuzz
 CC=clang CXX=clang++ cmake -S "$root" -B "$build" -DCORVANET_FUZZ=ON -DCORVANET_BUILD_GUI=OFF \
-  -DCORVANET_BUILD_TESTS="${CORVANET_BUILD_TESTS:-OFF}" -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+  -DCORVANET_BUILD_TESTS=OFF -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build "$build" -j "$(nproc 2>/dev/null || echo 2)" --target fuzz_targets
 targets=("$@")
 if [ ${#targets[@]} -eq 0 ]; then
