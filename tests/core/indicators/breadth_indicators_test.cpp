@@ -71,27 +71,16 @@ TEST(AverageTest, StartWhenTheyHaveEnoughValues) {
 }
 
 TEST_F(IndicatorTest, PerBarIndicatorsAndTheGapsOfZeroDivisors) {
-  const DatafileSeries series = Read({
-      {{"Advances", 60},
-       {"Declines", 40},
-       {"UpVolume", 600},
-       {"DownVolume", 200},
-       {"NewHighs", 8},
-       {"NewLows", 2},
-       {"Above4ma", 30},
-       {"Below4ma", 60},
-       {"Equal4ma", 10}},
-      {{"Advances", 50}, {"UpVolume", 500}},
-      {{"Advances", 10},
-       {"Declines", 40},
-       {"UpVolume", 100},
-       {"DownVolume", 400},
-       {"NewHighs", 1},
-       {"NewLows", 3},
-       {"Above4ma", 25},
-       {"Below4ma", 70},
-       {"Equal4ma", 5}},
-  });
+  // Advances, declines, their volumes, new highs and lows, and the counts around the 4-bar average.
+  const auto bar = [](long long a, long long d, long long uv, long long dv, long long nh,
+                      long long nl, long long above, long long below, long long equal) {
+    return Columns{{"Advances", a},     {"Declines", d},     {"UpVolume", uv},
+                   {"DownVolume", dv},  {"NewHighs", nh},    {"NewLows", nl},
+                   {"Above4ma", above}, {"Below4ma", below}, {"Equal4ma", equal}};
+  };
+  const DatafileSeries series = Read({bar(60, 40, 600, 200, 8, 2, 30, 60, 10),
+                                      {{"Advances", 50}, {"UpVolume", 500}},
+                                      bar(10, 40, 100, 400, 1, 3, 25, 70, 5)});
   const struct Case {
     Indicator indicator;
     Values expected;
