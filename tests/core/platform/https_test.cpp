@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <functional>
 #include <memory>
 
 #include "core/platform/fetch_pool.h"
@@ -88,52 +87,35 @@ TEST_F(HttpsTest, ACertificateThatFailsItsCheckCostsTheFetchBeforeTheRequest) {
   WriteFile(scratch / "not-a-certificate.pem", "not a certificate\n");
   struct Case {
     const char* what;
-    std::function<TestAuthority::Issued()> issue;
-    std::vector<std::string> trusted;
+    const char* name;  // the one name the certificate is made out for
+    int from_hours;    // its validity counted from now
+    int until_hours;
+    std::string trusted;  // the authority file added, if any
     CertificateProblem problem;
     const char* advice;
   };
   const std::string ours = authority.certificate();
+  using enum CertificateProblem;
   const Case cases[] = {
-      {"self-made authority, not added",
-       [&] { return authority.Issue({"IP:127.0.0.1"}); },
-       {},
-       CertificateProblem::kUnknownAuthority,
+      {"self-made authority, not added", "IP:127.0.0.1", -1, 24, "", kUnknownAuthority,
        "CORVANET_CA_FILE"},
-      {"another authority added",
-       [&] { return authority.Issue({"IP:127.0.0.1"}); },
-       {stranger.certificate()},
-       CertificateProblem::kUnknownAuthority,
+      {"another authority added", "IP:127.0.0.1", -1, 24, stranger.certificate(), kUnknownAuthority,
        "CAFile"},
-      {"made out for another host",
-       [&] { return authority.Issue({"DNS:data.example.com"}); },
-       {ours},
-       CertificateProblem::kWrongName,
-       "IPAddress"},
-      {"expired",
-       [&] { return authority.Issue({"IP:127.0.0.1"}, hours(-48), hours(-24)); },
-       {ours},
-       CertificateProblem::kExpired,
-       "renew"},
-      {"not valid yet",
-       [&] { return authority.Issue({"IP:127.0.0.1"}, hours(24), hours(48)); },
-       {ours},
-       CertificateProblem::kExpired,
-       "clock"},
-      {"added file is no certificate",
-       [&] { return authority.Issue({"IP:127.0.0.1"}); },
-       {scratch / "not-a-certificate.pem"},
-       CertificateProblem::kAuthorityFileUnusable,
-       "not-a-certificate.pem"},
+      {"made out for another host", "DNS:data.example.com", -1, 24, ours, kWrongName, "IPAddress"},
+      {"expired", "IP:127.0.0.1", -48, -24, ours, kExpired, "renew"},
+      {"not valid yet", "IP:127.0.0.1", 24, 48, ours, kExpired, "clock"},
+      {"added file is no certificate", "IP:127.0.0.1", -1, 24, scratch / "not-a-certificate.pem",
+       kAuthorityFileUnusable, "not-a-certificate.pem"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
-    const TestAuthority::Issued issued = c.issue();
+    const TestAuthority::Issued issued =
+        authority.Issue({c.name}, hours(c.from_hours), hours(c.until_hours));
     StubService service(StubService::Tls{issued.certificate, issued.key});
     service.SetFile(kFile, kBody);
     WriteFile(local / "kept.csv", "kept");
     FetchRequest request = Request(service);
-    request.extra_authorities = c.trusted;
+    if (!c.trusted.empty()) request.extra_authorities = {c.trusted};
     for (const FetchResult& result : FetchBothWays(request)) {
       EXPECT_EQ(result.status, FetchStatus::kUntrustedCertificate) << result.detail;
       EXPECT_EQ(result.certificate, c.problem) << result.detail;
