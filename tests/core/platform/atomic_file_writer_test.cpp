@@ -8,7 +8,6 @@
 
 #include <atomic>
 #include <filesystem>
-#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -22,14 +21,6 @@ namespace corvanet::test {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::set<std::string> Entries(const std::string& folder) {
-  std::set<std::string> names;
-  for (const auto& entry : fs::directory_iterator(folder)) {
-    names.insert(entry.path().filename().string());
-  }
-  return names;
-}
 
 // A part of another file copied between what the writer writes itself: by the system where it can,
 // through the process where it cannot (a file system of another kind, such as /dev/shm, on kernels
@@ -82,7 +73,7 @@ TEST(AtomicFileWriterTest, AForkedChildWritesAsItself) {
     const std::string own = "child.txt.tmp-" + std::to_string(::getpid()) + "-";
     bool named_as_itself = false;
     bool locked = false;
-    for (const std::string& entry : Entries(dir.path())) {
+    for (const std::string& entry : FileNames(dir.path())) {
       if (entry.rfind(own, 0) != 0) continue;
       named_as_itself = true;
       const int other = ::open((dir / entry).c_str(), O_RDONLY);
@@ -136,7 +127,7 @@ TEST(AtomicFileWriterTest, OnlyACommitReplacesTheFileAndAFailureLeavesNoTemporar
   blocked.WriteLine("x");
   EXPECT_FALSE(blocked.Commit());
   EXPECT_TRUE(fs::is_directory(dir / "folder.ini"));
-  EXPECT_EQ(Entries(dir.path()), (std::set<std::string>{"t.ini", "folder.ini"}));
+  EXPECT_EQ(FileNames(dir.path()), (std::vector<std::string>{"folder.ini", "t.ini"}));
 }
 
 // A run sweeps leftovers while fetches it started earlier are writing. Under the run lock those
@@ -170,7 +161,7 @@ TEST(AtomicFileWriterTest, ASweepInAnotherProcessTakesOnlyAbandonedFiles) {
   {
     AtomicFileWriter dead(dir / "dead.csv");
     dead.WriteLine("half");
-    const std::set<std::string> names = Entries(dir.path());
+    const std::vector<std::string> names = FileNames(dir.path());
     ASSERT_EQ(names.size(), 1U);
     // As a killed writer leaves it: closed, under its name, with its lock gone.
     fs::copy_file(dir / *names.begin(), dir / ("left" + names.begin()->substr(4)));
@@ -184,7 +175,7 @@ TEST(AtomicFileWriterTest, ASweepInAnotherProcessTakesOnlyAbandonedFiles) {
   ASSERT_TRUE(WIFEXITED(status));
   EXPECT_EQ(WEXITSTATUS(status), 1);
   EXPECT_TRUE(living.Commit());
-  EXPECT_EQ(Entries(dir.path()), (std::set<std::string>{"living.csv"}));
+  EXPECT_EQ(FileNames(dir.path()), std::vector<std::string>{"living.csv"});
 }
 
 }  // namespace
