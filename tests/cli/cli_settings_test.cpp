@@ -77,7 +77,7 @@ TEST_F(CliSettingsTest, ABadValueChangesNothing) {
   for (const auto& args : bad) {
     const CliResult result = RunIn(args);
     EXPECT_EQ(result.code, 2) << args.back();
-    EXPECT_NE(result.err.find("corvanet-cli settings: "), std::string::npos) << args.back();
+    EXPECT_TRUE(Contains(result.err, "corvanet-cli settings: ")) << args.back();
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(ReadFile(settings_file()), stored) << args.back();
   }
@@ -91,8 +91,8 @@ TEST_F(CliSettingsTest, RelativeBaseDirectoryIsTheSameFolderAfterStartUp) {
   EXPECT_EQ(made.out, "");
   ASSERT_EQ(ReadLines(start() + "rel/Rondex/Rondex.ini").size(), 91U);
   const CliResult printed = RunProcess("--base-dir rel settings");
-  EXPECT_NE(printed.out.find("\nUserName=abc\n"), std::string::npos) << printed.out;
-  EXPECT_NE(printed.out.find("\nPathToDataFiles=" + start() + "rel/CSVFiles/\n"), std::string::npos)
+  EXPECT_TRUE(Contains(printed.out, "\nUserName=abc\n")) << printed.out;
+  EXPECT_TRUE(Contains(printed.out, "\nPathToDataFiles=" + start() + "rel/CSVFiles/\n"))
       << printed.out;
 }
 

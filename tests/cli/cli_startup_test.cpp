@@ -17,7 +17,7 @@ TEST_F(CliStartupTest, RunListNumOutsideOneToSevenIsAnInteractiveStart) {
     WriteFile(start() + "RunListNum.txt", std::string(number) + "\r\n");
     const CliResult result = RunIn({});
     EXPECT_EQ(result.code, 0) << number << result.err;
-    EXPECT_NE(result.out.find("Installation:     " + base()), std::string::npos) << number;
+    EXPECT_TRUE(Contains(result.out, "Installation:     " + base())) << number;
     EXPECT_EQ(ReadFile(start() + "RunListNum.txt"), "0\r\n");
   }
   RemoveFile(start() + "RunListNum.txt");
@@ -41,7 +41,7 @@ TEST_F(CliStartupTest, ARunThatNeverStartsExitsFour) {
     if (!c.run_list_num.empty()) WriteFile(start() + "RunListNum.txt", c.run_list_num);
     const CliResult result = RunIn(c.args);
     EXPECT_EQ(result.code, cli::kExitRefused) << result.out;
-    EXPECT_NE(result.out.find("Run not started.\n"), std::string::npos) << result.out;
+    EXPECT_TRUE(Contains(result.out, "Run not started.\n")) << result.out;
   }
 }
 
@@ -57,8 +57,8 @@ TEST_F(CliStartupTest, LogOptionStartsAFreshLogInTheProgramFolder) {
   const std::vector<std::string> lines = ReadLines(log_file);
   ASSERT_GT(lines.size(), 16U);
   EXPECT_EQ(lines[2], "ProgramDirectory:  " + base() + "Rondex/");
-  EXPECT_EQ(ReadFile(log_file).find("old lines"), std::string::npos);
-  EXPECT_NE(ReadFile(log_file).find(" - Not Set - SaveToINI_Click\r\n"), std::string::npos);
+  EXPECT_FALSE(Contains(ReadFile(log_file), "old lines"));
+  EXPECT_TRUE(Contains(ReadFile(log_file), " - Not Set - SaveToINI_Click\r\n"));
   EXPECT_EQ(ReadFile(start() + "LogFile.txt"), "the user's own notes\n");
 }
 

@@ -40,7 +40,7 @@ TEST_F(CommandLineTest, HelpAndVersionGoToTheOutputAndSucceed) {
     EXPECT_EQ(result.code, 0) << c.args.front();
     EXPECT_EQ(result.err, "") << c.args.front();
     for (const std::string& text : c.shown) {
-      EXPECT_NE(result.out.find(text), std::string::npos) << c.args.front() << ": " << text;
+      EXPECT_TRUE(Contains(result.out, text)) << c.args.front() << ": " << text;
     }
   }
 }
@@ -67,8 +67,8 @@ TEST_F(CommandLineTest, UsageErrorsNameTheBadArgumentAndExitTwo) {
     const CliResult result = Run(args);
     const std::string shown = c.args.back();
     EXPECT_EQ(result.code, cli::kExitUsage) << shown << result.err;
-    EXPECT_NE(result.err.find(c.named), std::string::npos) << shown << ": " << result.err;
-    EXPECT_NE(result.err.find("Run '" + c.help + "' for more."), std::string::npos)
+    EXPECT_TRUE(Contains(result.err, c.named)) << shown << ": " << result.err;
+    EXPECT_TRUE(Contains(result.err, "Run '" + c.help + "' for more."))
         << shown << ": " << result.err;
     EXPECT_EQ(result.out, "") << shown;
   }

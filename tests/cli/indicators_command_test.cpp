@@ -80,8 +80,8 @@ TEST_F(IndicatorsCommandTest, ClearErrorsChangeNothing) {
     SCOPED_TRACE(c.args.back());
     const CliResult result = RunIn(c.args);
     EXPECT_EQ(result.code, c.code);
-    EXPECT_NE(result.err.find(c.says), std::string::npos) << result.err;
-    EXPECT_EQ(result.out.find("Date,"), std::string::npos);
+    EXPECT_TRUE(Contains(result.err, c.says)) << result.err;
+    EXPECT_FALSE(Contains(result.out, "Date,"));
   }
   EXPECT_EQ(Snapshot("Daily"), before);
 }

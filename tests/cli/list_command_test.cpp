@@ -77,8 +77,7 @@ TEST_F(ListCommandTest, RefusalsArePrintedExitFourAndMistakesChangeNothing) {
   };
   for (const Refusal& refusal : refusals) {
     EXPECT_EQ(Run(refusal.args), cli::kExitRefused) << refusal.args[1];
-    EXPECT_NE((out.str() + err.str()).find(refusal.message), std::string::npos)
-        << refusal.args[1] << out.str();
+    EXPECT_TRUE(Contains((out.str() + err.str()), refusal.message)) << refusal.args[1] << out.str();
   }
   for (const int n : {3, 4, 5, 6, 7}) EXPECT_FALSE(Exists(List(n))) << n;
 

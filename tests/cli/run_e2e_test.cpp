@@ -149,7 +149,7 @@ TEST_F(RunTest, TheUpdateFilesOfTheListToRunAreFetchedBesideTheStartUpMasterFile
     EXPECT_LT(log.find(update_file), master_file) << update_file << " answered first:\n" << log;
     EXPECT_EQ(log.find(update_file, log.find(update_file) + 1), std::string::npos) << update_file;
   }
-  EXPECT_EQ(log.find("Update-Monthly.csv"), std::string::npos) << log;
+  EXPECT_FALSE(Contains(log, "Update-Monthly.csv")) << log;
   EXPECT_TRUE(Contains(run.out, "Datafiles fetched whole: 2")) << run.out;
 }
 
@@ -210,14 +210,14 @@ TEST_F(RunTest, QuietPrintsNothingOnSuccessAndTheWholeStoryOnFailure) {
   const CliResult failed = RunProcess("--base-dir '" + base_arg() + "' -q run 2");
   EXPECT_EQ(failed.code, cli::kExitRunFailures);
   EXPECT_EQ(failed.out, "");
-  EXPECT_NE(failed.err.find("Problem: Daily: Update-Daily.csv could not be fetched: HTTP 404"),
-            std::string::npos)
+  EXPECT_TRUE(
+      Contains(failed.err, "Problem: Daily: Update-Daily.csv could not be fetched: HTTP 404"))
       << failed.err;
 
   const CliResult refused = RunProcess("--base-dir '" + base_arg() + "' --quiet list 6 clear");
   EXPECT_EQ(refused.code, cli::kExitRefused);
   EXPECT_EQ(refused.out, "");
-  EXPECT_NE(refused.err.find("Cannot clear this download list."), std::string::npos);
+  EXPECT_TRUE(Contains(refused.err, "Cannot clear this download list."));
 }
 
 }  // namespace

@@ -192,7 +192,7 @@ TEST_F(RunTest, AFullDiskLosesNothingAndSaysWhichFilesFailed) {
   EXPECT_TRUE(Contains(run.out, small + "/")) << "the failed file is named: " << run.out;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(small)) {
     const std::string name = entry.path().string();
-    EXPECT_EQ(name.find(".tmp-"), std::string::npos) << name;
+    EXPECT_FALSE(Contains(name, ".tmp-")) << name;
     if (entry.is_regular_file() && entry.path().parent_path().filename() != "Base" &&
         entry.path().extension() == ".csv") {
       EXPECT_EQ(ValidateDatafile(name), std::vector<std::string>{}) << name;

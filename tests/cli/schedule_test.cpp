@@ -22,15 +22,15 @@ TEST(ScheduleUnitsTest, PathsKeepTheirCharactersInEveryForm) {
   run.base_directory = "/home/u/it's 100% $HOME/";
   run.program_directory = run.base_directory + "Rondex/";
   const std::string service = cli::ServiceUnitText(run);
-  EXPECT_NE(service.find("ExecStart=\"/opt/my apps/corvanet-cli\" --base-dir "
-                         "\"/home/u/it's 100%% $$HOME/\" run 2\n"),
-            std::string::npos)
+  EXPECT_TRUE(Contains(service,
+                       "ExecStart=\"/opt/my apps/corvanet-cli\" --base-dir "
+                       "\"/home/u/it's 100%% $$HOME/\" run 2\n"))
       << service;
-  EXPECT_NE(service.find("WorkingDirectory=/home/u/it's 100%% $HOME/Rondex/\n"), std::string::npos);
-  EXPECT_NE(cli::CrontabLine(run).find(" cd '/home/u/it'\\''s 100\\% $HOME/Rondex/' && "
-                                       "'/opt/my apps/corvanet-cli' --base-dir "
-                                       "'/home/u/it'\\''s 100\\% $HOME/' run 2"),
-            std::string::npos)
+  EXPECT_TRUE(Contains(service, "WorkingDirectory=/home/u/it's 100%% $HOME/Rondex/\n"));
+  EXPECT_TRUE(Contains(cli::CrontabLine(run),
+                       " cd '/home/u/it'\\''s 100\\% $HOME/Rondex/' && "
+                       "'/opt/my apps/corvanet-cli' --base-dir "
+                       "'/home/u/it'\\''s 100\\% $HOME/' run 2"))
       << cli::CrontabLine(run);
 }
 
@@ -91,16 +91,15 @@ TEST_F(ScheduleCommandTest, InstallsListsAndRemovesTheUserTimer) {
   InstallSystemctl(true);
   const CliResult scheduled = Schedule("3 --at 18:30 --days mon-fri");
   ASSERT_EQ(scheduled.code, 0) << scheduled.err;
-  EXPECT_NE(scheduled.out.find("List 3 runs Mon..Fri *-*-* 18:30:00"), std::string::npos);
+  EXPECT_TRUE(Contains(scheduled.out, "List 3 runs Mon..Fri *-*-* 18:30:00"));
   const std::string timer = ReadFile(units() + "corvanet-list-3.timer");
   const std::string service = ReadFile(units() + "corvanet-list-3.service");
   // Lines end with CR LF, as in every file the program writes; systemd reads them so.
-  EXPECT_NE(timer.find("\r\nOnCalendar=Mon..Fri *-*-* 18:30:00\r\n"), std::string::npos);
-  EXPECT_NE(timer.find("\r\nPersistent=true\r\n"), std::string::npos);
-  EXPECT_NE(service.find("\r\nWorkingDirectory=" + base() + "Rondex/\r\n"), std::string::npos);
-  EXPECT_NE(service.find("\r\nExecStart=\"" + BinaryPath("corvanet-cli") + "\" --base-dir \"" +
-                         base() + "\" run 3\r\n"),
-            std::string::npos)
+  EXPECT_TRUE(Contains(timer, "\r\nOnCalendar=Mon..Fri *-*-* 18:30:00\r\n"));
+  EXPECT_TRUE(Contains(timer, "\r\nPersistent=true\r\n"));
+  EXPECT_TRUE(Contains(service, "\r\nWorkingDirectory=" + base() + "Rondex/\r\n"));
+  EXPECT_TRUE(Contains(service, "\r\nExecStart=\"" + BinaryPath("corvanet-cli") +
+                                    "\" --base-dir \"" + base() + "\" run 3\r\n"))
       << service;
   EXPECT_EQ(ReadLines(dir / "systemctl.log"),
             (std::vector<std::string>{"--user show-environment", "--user daemon-reload",
@@ -131,17 +130,17 @@ TEST_F(ScheduleCommandTest, InstallsListsAndRemovesTheUserTimer) {
             (std::vector<std::string>{"--user show-environment",
                                       "--user disable --now corvanet-list-3.timer",
                                       "--user daemon-reload"}));
-  EXPECT_NE(Schedule("--remove 3").out.find("List 3 has no schedule"), std::string::npos);
+  EXPECT_TRUE(Contains(Schedule("--remove 3").out, "List 3 has no schedule"));
 }
 
 TEST_F(ScheduleCommandTest, WithoutAUserSystemdPrintsTheCrontabLineAndWritesNothing) {
   InstallSystemctl(false);
   const CliResult result = Schedule("2 --at 7:05 --days sat-sun");
   ASSERT_EQ(result.code, 0) << result.err;
-  EXPECT_NE(result.out.find("crontab -e"), std::string::npos);
-  EXPECT_NE(result.out.find("\n5 7 * * 6-7 cd '" + base() + "Rondex/' && '" +
-                            BinaryPath("corvanet-cli") + "' --base-dir '" + base() + "' run 2\n"),
-            std::string::npos)
+  EXPECT_TRUE(Contains(result.out, "crontab -e"));
+  EXPECT_TRUE(Contains(result.out, "\n5 7 * * 6-7 cd '" + base() + "Rondex/' && '" +
+                                       BinaryPath("corvanet-cli") + "' --base-dir '" + base() +
+                                       "' run 2\n"))
       << result.out;
   EXPECT_FALSE(Exists(units()));
   EXPECT_EQ(ReadLines(dir / "systemctl.log"),

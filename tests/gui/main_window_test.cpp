@@ -104,10 +104,9 @@ TEST_F(GuiWindow, ClearingDatafilesUsesTheTrashAndSaysSo) {
     EXPECT_FALSE(Exists(data + "Weekly/$NYA.csv"));
     EXPECT_TRUE(Exists(data + "Base/$NYAWeekly-CompositeStats.csv"));
     const std::string status = Find<QLabel>("StatusText")->text().toStdString();
-    EXPECT_NE(status.find(c.said), std::string::npos) << status;
+    EXPECT_TRUE(Contains(status, c.said)) << status;
     if (c.has_trash) {
-      EXPECT_NE(status.find("were moved to the trash (" + trash_folder + ")"), std::string::npos)
-          << status;
+      EXPECT_TRUE(Contains(status, "were moved to the trash (" + trash_folder + ")")) << status;
       EXPECT_TRUE(Exists(trash_folder + "$NYA.csv"));
       EXPECT_FALSE(Exists(trash_folder + "temp.csv")) << "the program's own empty files go";
     }
@@ -122,11 +121,10 @@ TEST_F(GuiWindow, TheDesktopShortcutStartsThisInstallationWithItsIcon) {
   Find<QPushButton>("CreateShortcut")->click();
   qunsetenv("XDG_DESKTOP_DIR");
   const std::string entry = ReadFile(desktop + "Palvery.desktop");
-  EXPECT_NE(entry.find(" --base-dir \"" + session_.app.BaseDirectory + "\"\n"), std::string::npos)
-      << entry;
+  EXPECT_TRUE(Contains(entry, " --base-dir \"" + session_.app.BaseDirectory + "\"\n")) << entry;
   const std::string icon = session_.app.ProgramDirectory + "corvanet.svg";
-  EXPECT_NE(entry.find("\nIcon=" + icon + "\n"), std::string::npos) << entry;
-  EXPECT_NE(ReadFile(icon).find("<svg"), std::string::npos);
+  EXPECT_TRUE(Contains(entry, "\nIcon=" + icon + "\n")) << entry;
+  EXPECT_TRUE(Contains(ReadFile(icon), "<svg"));
 }
 
 // Closing asks about the list in hand too when its box holds what its file does not.
@@ -163,8 +161,8 @@ TEST_F(GuiWindow, ClosingWithAnEditedListOffersToSaveIt) {
     ASSERT_FALSE(messages.empty());
     EXPECT_EQ(messages[0].request.text, c.question);
     // Yes saved the list with the settings.
-    EXPECT_NE(ReadFile(session_.ui.PathToLists + "Download2.csv").find("S&P 100 Index,$OEX"),
-              std::string::npos);
+    EXPECT_TRUE(
+        Contains(ReadFile(session_.ui.PathToLists + "Download2.csv"), "S&P 100 Index,$OEX"));
   }
 }
 

@@ -101,7 +101,7 @@ TEST_F(GuiRun, EveryOutcomeIsShownAndAFailureIsMarkedAsOne) {
     // The completion box says how the run went, and so does the button.
     ASSERT_FALSE(messages.empty());
     const gui::MessageRequest& box = messages.back().request;
-    EXPECT_NE(box.text.find(c.ended), std::string::npos) << box.text;
+    EXPECT_TRUE(Contains(box.text, c.ended)) << box.text;
     EXPECT_EQ(box.icon, c.failed ? Icon::kExclamation : Icon::kInformation);
     EXPECT_EQ(box.title,
               c.failed ? "Corvanet Download Not Complete" : "Corvanet Download Complete");
@@ -166,8 +166,7 @@ TEST_F(GuiRun, ClosingDuringARunAsksThenStopsBetweenDatafilesAndCloses) {
   ASSERT_TRUE(ProcessUntil([this] { return !window_->isVisible(); }, std::chrono::seconds(30)));
   ASSERT_GE(messages.size(), 2u);
   // The stop is told as one, not as a completion.
-  EXPECT_NE(messages[0].request.text.find("Update for Download List 1 stopped on "),
-            std::string::npos)
+  EXPECT_TRUE(Contains(messages[0].request.text, "Update for Download List 1 stopped on "))
       << messages[0].request.text;
   EXPECT_EQ(messages[0].request.icon, Icon::kExclamation);
   EXPECT_TRUE(session_.ui.DownLoadButton.caption.starts_with("Update Download List 1 Stopped ..."));
@@ -190,7 +189,7 @@ TEST_F(GuiRun, NeitherAReloadNorTheListCheckLeavesTheBoxAndTheFileApart) {
   Click("DownloadList1");
   ASSERT_EQ(box->count(), 3);
   RunAndWait();
-  EXPECT_EQ(ReadFile(list_file).find("$GONE"), std::string::npos);
+  EXPECT_FALSE(Contains(ReadFile(list_file), "$GONE"));
   ASSERT_EQ(box->count(), 2);
   EXPECT_TRUE(box->findItems("$GONE", Qt::MatchContains).isEmpty());
 
@@ -201,7 +200,7 @@ TEST_F(GuiRun, NeitherAReloadNorTheListCheckLeavesTheBoxAndTheFileApart) {
   EXPECT_EQ(box->count(), 2);
   RunAndWait();
   EXPECT_EQ(session_.ui.RunOutcome.caption.rfind("Complete: ", 0), 0u);
-  EXPECT_NE(ReadFile(list_file).find("$XAX"), std::string::npos);
+  EXPECT_TRUE(Contains(ReadFile(list_file), "$XAX"));
   const std::vector<std::string>& lines = session_.ui.RunSummaryLines;
   EXPECT_NE(std::find(lines.begin(), lines.end(), "Datafiles updated by merge: 2"), lines.end())
       << testing::PrintToString(lines);

@@ -86,8 +86,7 @@ TEST_F(PxFilesConversion, SecuritiesBeyond255GoToXmasterAndConvertingAgainReplac
   }
   const ProgramResult run = ConvertAll(files, out);
   ASSERT_EQ(run.exit_code, 0) << run.err;
-  EXPECT_NE(LastLogLine().find("S299: 7 bars written to " + out + " as F300.MWD; name cut"),
-            std::string::npos);
+  EXPECT_TRUE(Contains(LastLogLine(), "S299: 7 bars written to " + out + " as F300.MWD; name cut"));
   const MetastockFolder first = ReadMetastockFolder(out);
   EXPECT_EQ(first.problems, std::vector<std::string>{});
   ASSERT_EQ(first.securities.size(), 300u);
@@ -129,9 +128,9 @@ TEST_F(PxFilesConversion, LongSymbolsAreCutAndStillFoundAgain) {
   ASSERT_EQ(folder.securities.size(), 1u);
   EXPECT_EQ(folder.securities[0].symbol, "ABCDEFGHIJKLMN");
   EXPECT_EQ(folder.securities[0].name, std::string(52, 'x'));
-  EXPECT_NE(LastLogLine().find("ABCDEFGHIJKLMN: 2 bars written to " + out +
-                               " as F1.DAT; symbol cut to 14 characters; name cut to 52"),
-            std::string::npos)
+  EXPECT_TRUE(
+      Contains(LastLogLine(), "ABCDEFGHIJKLMN: 2 bars written to " + out +
+                                  " as F1.DAT; symbol cut to 14 characters; name cut to 52"))
       << LastLogLine();
 }
 

@@ -99,10 +99,10 @@ TEST_F(PxFilesErrors, BadInputChangesNoFileAndIsLogged) {
 
     const ProgramResult run = Convert(price, out + c.subfolder);
     EXPECT_EQ(run.exit_code, 1);
-    EXPECT_NE(run.err.find(c.message), std::string::npos) << run.err;
+    EXPECT_TRUE(Contains(run.err, c.message)) << run.err;
     const std::string log = LastLogLine();
-    EXPECT_NE(log.find(" Error: " + price + ": "), std::string::npos) << log;
-    EXPECT_NE(log.find(c.message), std::string::npos) << log;
+    EXPECT_TRUE(Contains(log, " Error: " + price + ": ")) << log;
+    EXPECT_TRUE(Contains(log, c.message)) << log;
     EXPECT_EQ(FolderSnapshot(out), before);
   }
 }
@@ -136,7 +136,7 @@ TEST_F(PxFilesErrors, ValuesAreTakenWholeAndNeverAsOptions) {
     if (c.exit_code == 0 && *c.said != '\0') {
       EXPECT_EQ(run.out.rfind(c.said, 0), 0U) << run.out;
     } else {
-      EXPECT_NE(run.err.find(c.said), std::string::npos) << run.err;
+      EXPECT_TRUE(Contains(run.err, c.said)) << run.err;
     }
   }
   const MetastockFolder folder = ReadMetastockFolder(out);
@@ -157,7 +157,7 @@ TEST_F(PxFilesErrors, CompleteExeLeavesANonZeroNumberOrSaysWhyNot) {
   run = RunProgram("/bin/sh", {"-c", "mkdir \"$1\" && cd \"$1\" && rmdir \"$1\" && exec \"$2\"",
                                "sh", dir_ / "gone", complete});
   EXPECT_EQ(run.exit_code, 1);
-  EXPECT_NE(run.err.find("cannot write Complete.txt"), std::string::npos) << run.err;
+  EXPECT_TRUE(Contains(run.err, "cannot write Complete.txt")) << run.err;
 }
 
 }  // namespace

@@ -42,10 +42,6 @@ Session FreshSession(TestSession& t, bool log = true) {
   return fresh;
 }
 
-std::string SettingsFile(TestSession& t) {
-  return SettingsFilePath(t.session);
-}
-
 // The keys whose control differs between the two sessions.
 std::vector<std::string> DifferingKeys(const Session& a, const Session& b) {
   std::vector<std::string> keys;
@@ -66,7 +62,7 @@ TEST(SettingsFileTest, SavedSettingsReadBackIntoEveryControl) {
   s.ui.PathToLists = s.app.BaseDirectory + "My, Lists/";
   SaveToINI_Click(s);
   EXPECT_TRUE(t.shell.boxes.empty());
-  const std::vector<std::string> lines = ReadLines(SettingsFile(t));
+  const std::vector<std::string> lines = ReadLines(SettingsFilePath(t.session));
   EXPECT_EQ(lines[2], "PathToDataFiles," + elsewhere);
   EXPECT_EQ(lines[3], "PathToLists,\"My, Lists/\"");
 
@@ -85,12 +81,12 @@ TEST(SettingsFileTest, AFileWithoutTheLaterKeysLoadsAndTheLimitIsChecked) {
   TestSession t;
   GiveEveryControlAValue(t.session);
   SaveToINI_Click(t.session);
-  std::vector<std::string> lines = ReadLines(SettingsFile(t));
+  std::vector<std::string> lines = ReadLines(SettingsFilePath(t.session));
   ASSERT_EQ(lines.size(), 91u);
   EXPECT_EQ(lines[89], "CAFile,v-CAFile");
   EXPECT_EQ(lines[90], "MaxDownloadMB,128");
   lines.resize(89);
-  WriteLines(SettingsFile(t), lines);
+  WriteLines(SettingsFilePath(t.session), lines);
 
   Session fresh = FreshSession(t, false);
   LoadINI(fresh);
@@ -125,7 +121,7 @@ TEST(SettingsBadInputTest, UnusableLinesAreSkippedAndTheRestRead) {
   content += std::string(100 * 1024, 'k') + ",1\r\n";  // a very long unknown key
   content += "Password,open,Sesame-42\r\n";  // the tail after the comma is skipped, unlogged
   content += "RetryNumber,4";                // no line end at the very end
-  WriteFile(SettingsFile(t), content);
+  WriteFile(SettingsFilePath(t.session), content);
 
   Session fresh = FreshSession(t);
   fresh.ui.IPAddress = "old.host";
@@ -143,19 +139,18 @@ TEST(SettingsBadInputTest, UnusableLinesAreSkippedAndTheRestRead) {
   EXPECT_TRUE(t.shell.boxes.empty());
 
   const std::string log = ReadFile(LogFilePath(fresh));
-  EXPECT_NE(log.find("LoadINI - line 1 - unknown key this line has no comma skipped"),
-            std::string::npos);
-  EXPECT_NE(log.find("LoadINI - line 5 - unknown key Unknown skipped"), std::string::npos);
-  EXPECT_NE(log.find("LoadINI - line 6 - UpTrends has a value of the wrong form, skipped"),
-            std::string::npos);
-  EXPECT_NE(log.find("LoadINI - line 10 - IPAddress has no value, skipped"), std::string::npos);
-  EXPECT_NE(log.find("LoadINI - line 14 - text after a comma in the value of Password skipped"),
-            std::string::npos);
-  EXPECT_EQ(log.find("Sesame-42"), std::string::npos);
+  for (const char* line : {"line 1 - unknown key this line has no comma skipped",
+                           "line 5 - unknown key Unknown skipped",
+                           "line 6 - UpTrends has a value of the wrong form, skipped",
+                           "line 10 - IPAddress has no value, skipped",
+                           "line 14 - text after a comma in the value of Password skipped"}) {
+    EXPECT_TRUE(Contains(log, std::string("LoadINI - ") + line)) << line;
+  }
+  EXPECT_FALSE(Contains(log, "Sesame-42"));
   // Bytes from the file reach the log only as printable text, and never at length.
   EXPECT_EQ(log.find('\xff'), std::string::npos);
-  EXPECT_NE(log.find(std::string(40, 'k')), std::string::npos);
-  EXPECT_EQ(log.find(std::string(41, 'k')), std::string::npos);
+  EXPECT_TRUE(Contains(log, std::string(40, 'k')));
+  EXPECT_FALSE(Contains(log, std::string(41, 'k')));
 }
 
 // Every text a user can save reads back exactly as typed; one the file cannot hold is refused
@@ -182,7 +177,7 @@ TEST(SettingsBadInputTest, TextsReadBackExactlyAsSaved) {
     t.shell.boxes.clear();
     SaveToINI_Click(t.session);
     ASSERT_EQ(t.shell.boxes.size(), 1U);
-    EXPECT_NE(t.shell.boxes[0].text.find("Password cannot be saved as typed"), std::string::npos);
+    EXPECT_TRUE(Contains(t.shell.boxes[0].text, "Password cannot be saved as typed"));
     EXPECT_EQ(ReadFile(t.base("Rondex/Rondex.ini")), saved);
   }
 }
@@ -190,7 +185,7 @@ TEST(SettingsBadInputTest, TextsReadBackExactlyAsSaved) {
 TEST(SettingsBadInputTest, UnreadableFileLeavesTheControlsAsTheyWere) {
   TestSession t;
   // A folder where the file should be: no user can read it as a file, root included.
-  std::filesystem::create_directory(SettingsFile(t));
+  std::filesystem::create_directory(SettingsFilePath(t.session));
   Session fresh = FreshSession(t);
   fresh.ui.UserName = "kept";
   LoadINI(fresh);
@@ -200,9 +195,9 @@ TEST(SettingsBadInputTest, UnreadableFileLeavesTheControlsAsTheyWere) {
   // Saving over it fails, says so once, and leaves no temporary file behind.
   SaveToINI_Click(t.session);
   EXPECT_EQ(t.shell.boxes.size(), 1U);
-  EXPECT_TRUE(std::filesystem::is_directory(SettingsFile(t)));
+  EXPECT_TRUE(std::filesystem::is_directory(SettingsFilePath(t.session)));
   for (const auto& entry : std::filesystem::directory_iterator(t.session.app.ProgramDirectory)) {
-    EXPECT_EQ(entry.path().filename().string().find(".tmp"), std::string::npos) << entry.path();
+    EXPECT_FALSE(Contains(entry.path().filename().string(), ".tmp")) << entry.path();
   }
 }
 

@@ -80,7 +80,7 @@ TEST_F(FormUnloadTest, TheAnswerDecidesSavingAndClosing) {
     EXPECT_EQ(p.shell.boxes[0].buttons, Buttons::kYesNoCancel);
     EXPECT_EQ(p.shell.boxes.size(), c.answer == Answer::kYes ? 2U : 1U) << c.logged;
     EXPECT_EQ(Exists(settings()) ? ReadLines(settings()).size() : 0U, c.lines) << c.logged;
-    EXPECT_NE(log().find(std::string(" - Form_Unload - ") + c.logged + "\r\n"), std::string::npos);
+    EXPECT_TRUE(Contains(log(), std::string(" - Form_Unload - ") + c.logged + "\r\n"));
   }
   EXPECT_EQ(p.shell.boxes.size(), 1U);
 }

@@ -119,8 +119,8 @@ TEST_F(CheckListsTest, BrokenListsAreLeftAsTheyStoodWhileTheOthersAreChecked) {
                                        "Download List 4 as it was is kept in " +
                                        t.lists("Copies/Download4-20261123-000000.csv") + "\r");
   const std::string log = t.LogText();
-  EXPECT_NE(log.find("Download1.csv ends within its header; skipped"), std::string::npos);
-  EXPECT_NE(log.find("Download2.csv has no symbol; skipped"), std::string::npos);
+  EXPECT_TRUE(Contains(log, "Download1.csv ends within its header; skipped"));
+  EXPECT_TRUE(Contains(log, "Download2.csv has no symbol; skipped"));
 }
 
 TEST_F(CheckListsTest, AnUnreadableOrEmptyMasterFileChangesNoList) {

@@ -177,8 +177,8 @@ TEST_F(MergeIndexTest, AMergeEndsAsWithoutTheIndexWhateverChangedSinceTheLastOne
     EXPECT_EQ(with_index.rejected, without.rejected);
     EXPECT_EQ(with_index.rejected > 0, c.rejects_a_row);
   }
-  EXPECT_NE(Log().find("MergeIndex - " + index_file + " is not a merge index"), std::string::npos);
-  EXPECT_NE(Log().find("MergeIndex - " + index_file + " line 2 is garbled"), std::string::npos);
+  EXPECT_TRUE(Contains(Log(), "MergeIndex - " + index_file + " is not a merge index"));
+  EXPECT_TRUE(Contains(Log(), "MergeIndex - " + index_file + " line 2 is garbled"));
 }
 
 // The look ahead of the next run takes a base copy's last date from the index instead of reading

@@ -115,9 +115,8 @@ TEST_F(UpdateDatafileTest, OneRowBehindFetchesAFreshBaseOnceAndMergesIt) {
   EXPECT_EQ(Destination(), Expected({1, 2, 3, 4, 5, 6, 7, 8, 9}));
   EXPECT_EQ(service.requests(kRemote), 1);
   EXPECT_EQ(session.run.GetFileCount, 1);
-  EXPECT_NE(ReadFile(session.app.ProgramDirectory + "LogFile.txt")
-                .find("UpdateDatafile - $NYA.csv$NYA - Can't update - getting full file"),
-            std::string::npos);
+  EXPECT_TRUE(Contains(ReadFile(session.app.ProgramDirectory + "LogFile.txt"),
+                       "UpdateDatafile - $NYA.csv$NYA - Can't update - getting full file"));
 }
 
 // The service's whole file is the datafile when the update file does not cover it, and so is a
@@ -169,7 +168,7 @@ TEST_F(UpdateDatafileTest, AFailedFallbackFetchLeavesDestinationAndBaseAsTheySto
   service.SetStatus(kRemote, 500);
   const DatafileOutcome outcome = Merge();
   EXPECT_EQ(outcome.kind, Kind::kFailed);
-  EXPECT_NE(outcome.reason.find("HTTP 500"), std::string::npos) << outcome.reason;
+  EXPECT_TRUE(Contains(outcome.reason, "HTTP 500")) << outcome.reason;
   EXPECT_EQ(Destination(), Expected({1}));
   EXPECT_EQ(ReadFile(base("NYSEDaily-CompositeStats.csv")), Datafile({1, 2}));
 }

@@ -25,7 +25,7 @@ TEST(ChartChoiceTest, ReadsBackAsSavedAndSurvivesADamagedFile) {
   choice.panes = {"TRIN", "", "NewHighs"};
   ASSERT_TRUE(WriteChartChoice(path, choice));
   EXPECT_EQ(ReadChartChoice(path), choice);
-  EXPECT_NE(ReadFile(path).find("Pane3,NewHighs\r\n"), std::string::npos);
+  EXPECT_TRUE(Contains(ReadFile(path), "Pane3,NewHighs\r\n"));
 
   ASSERT_TRUE(WriteWholeFile(path,
                              "Symbol,$SOX\nPeriod,Hourly\nPane1,Period\nPane2,FV2\n"

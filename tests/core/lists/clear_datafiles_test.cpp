@@ -54,7 +54,7 @@ TEST(ClearDataFilesTest, RefusesFoldersItDoesNotOwn) {
     t.session.ui.PathToDataFiles = c.folder;
     EXPECT_FALSE(ClearDataFiles_Click(t.session));
     ASSERT_EQ(t.shell.boxes.size(), 1U);
-    EXPECT_NE(t.shell.boxes[0].text.find(c.reason), std::string::npos) << t.shell.boxes[0].text;
+    EXPECT_TRUE(Contains(t.shell.boxes[0].text, c.reason)) << t.shell.boxes[0].text;
     EXPECT_EQ(ReadFile(t.masterfile()), "kept");
   }
   EXPECT_FALSE(fs::exists(t.base("Nowhere")));

@@ -85,17 +85,17 @@ TEST_F(DownloadListsTest, BadListFilesGiveALogLineAndAnEmptyOrPartialBox) {
   EXPECT_EQ(s.ui.List6.items, Lines{"C,$C"});
   EXPECT_EQ(s.ui.MonthlyInterval, 0);
   const std::string log = t.LogText();
-  EXPECT_NE(log.find("\"A\" where the MonthlyInterval line belongs"), std::string::npos);
-  EXPECT_NE(log.find("has no symbol: D"), std::string::npos);
+  EXPECT_TRUE(Contains(log, "\"A\" where the MonthlyInterval line belongs"));
+  EXPECT_TRUE(Contains(log, "has no symbol: D"));
 
   t.WriteList(3, {"eSignal,eSignal", "DailyInterval,1"});
   DownloadList_Click(s, 3);
   EXPECT_TRUE(s.ui.List6.items.empty());
-  EXPECT_NE(t.LogText().find("ends before its WeeklyInterval line"), std::string::npos);
+  EXPECT_TRUE(Contains(t.LogText(), "ends before its WeeklyInterval line"));
 
   DownloadList_Click(s, 4);  // never saved
   EXPECT_TRUE(s.ui.List6.items.empty());
-  EXPECT_NE(t.LogText().find("cannot read " + t.lists("Download4.csv")), std::string::npos);
+  EXPECT_TRUE(Contains(t.LogText(), "cannot read " + t.lists("Download4.csv")));
 
   std::filesystem::create_directory(t.lists("Download5.csv"));  // there, but not readable
   DownloadList_Click(s, 5);

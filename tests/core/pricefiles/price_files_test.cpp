@@ -93,7 +93,7 @@ TEST_F(PriceFilesTest, FailuresLogTheTrapLineAndKeepTheOldFiles) {
     CreateMetaStockPxFiles(ts.session);
     EXPECT_EQ(ReadFile(px) == "old px\r\n", c.px_kept) << c.what;
     EXPECT_EQ(ReadFile(user) == "old user\r\n", c.user_kept) << c.what;
-    EXPECT_NE(ts.LogText().find(c.logged), std::string::npos) << c.what << "\n" << ts.LogText();
+    EXPECT_TRUE(test::Contains(ts.LogText(), c.logged)) << c.what << "\n" << ts.LogText();
   }
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(data("PX/Daily")), {}), 1)
       << "no temporary file is left behind";

@@ -15,6 +15,7 @@
 namespace corvanet {
 namespace {
 
+using test::Contains;
 using test::CompositeLine;
 using test::Exists;
 using test::ReadFile;
@@ -119,7 +120,7 @@ TEST_F(SingleStatFilesTest, BadInputKeepsTheOldFilesAndGoesOn) {
     const StatFilesSummary summary = Run(3);
     EXPECT_EQ(ReadFile(nya), "20000101,5\r\n") << c.what;
     EXPECT_EQ(ReadLines(indu), Lines{"20121103,11"}) << c.what;
-    EXPECT_NE(ts.LogText().find(c.logged), std::string::npos) << c.what << "\n" << ts.LogText();
+    EXPECT_TRUE(Contains(ts.LogText(), c.logged)) << c.what << "\n" << ts.LogText();
     ASSERT_EQ(summary.failures.size(), 1u) << c.what;
     EXPECT_EQ(summary.failures[0].symbol, "$NYA");
   }

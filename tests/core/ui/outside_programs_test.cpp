@@ -15,14 +15,14 @@ TEST(OutsideProgramsTest, OpenWhatTheUserAsksForOrSayWhyNot) {
   Session& s = t.session;
   Help_Click(s);  // the converter has not run yet
   ASSERT_EQ(t.shell.boxes.size(), 1U);
-  EXPECT_NE(t.shell.boxes[0].text.find("has not written its log yet"), std::string::npos);
+  EXPECT_TRUE(Contains(t.shell.boxes[0].text, "has not written its log yet"));
   WriteFile(s.app.ProgramDirectory + "MSXlog.txt", "x");
   Help_Click(s);
   EXPECT_EQ(t.shell.opened, (std::vector<std::string>{s.app.ProgramDirectory + "MSXlog.txt"}));
 
   OpenMetaStock_Click(s);
   EXPECT_EQ(t.shell.programs, (std::vector<std::string>{"Mswin"}));
-  EXPECT_NE(t.shell.boxes.back().text.find("no program named \"Mswin\""), std::string::npos);
+  EXPECT_TRUE(Contains(t.shell.boxes.back().text, "no program named \"Mswin\""));
 
   // The sample datafiles are laid out again when missing, offered, and the chosen one opened.
   std::filesystem::remove_all(SampleDataFolder(s));
