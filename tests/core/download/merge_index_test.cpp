@@ -70,14 +70,14 @@ class MergeIndexTest : public ::testing::Test, public DownloadFixture {
 TEST_F(MergeIndexTest, AMergeEndsAsWithoutTheIndexWhateverChangedSinceTheLastOne) {
   const std::string index_file = base(MergeIndex::kFileName);
   const std::string datafile = daily("$NYA.csv");
-  const auto edit_index = [&](MergeIndexTest&) {
+  const auto edit_index = [&] {
     std::string text = ReadFile(index_file);
     text[text.find("\r\n") + 20] ^= 1;  // a digit of where the checked rows end
     WriteFile(index_file, text);
   };
   // Sets one field of the entry and seals the line again, as only a forger would.
   const auto forge = [&](int field, const std::string& value) {
-    return [&, field, value](MergeIndexTest&) {
+    return [&, field, value] {
       std::vector<std::string> lines = ReadLines(index_file);
       std::vector<std::string> fields;
       std::stringstream entry(lines[1]);
@@ -89,65 +89,46 @@ TEST_F(MergeIndexTest, AMergeEndsAsWithoutTheIndexWhateverChangedSinceTheLastOne
       WriteLines(index_file, lines);
     };
   };
+  const auto replace_row_2 = [&] {
+    std::string text = ReadFile(datafile);
+    text.replace(text.find(Row(2)), Row(2).size(), Row(2, "55555"));
+    WriteFile(datafile, text);
+  };
+  const std::string fresh_base =
+      Datafile({1}) + Row(2, "66") + "\r\n" + Row(3) + "\r\n" + Row(4) + "\r\n";
+  std::string bad_date = Row(6);
+  bad_date.replace(2, 8, "20241399");
+  const auto update = [&](std::vector<std::string> rows) {
+    return [&, rows] { UpdateRows(rows); };
+  };
+  const std::string cut_short = Datafile({1, 2});
+  const std::string all_rows = Datafile({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13});
   const struct {
     const char* what;
-    std::function<void(MergeIndexTest&)> change;
+    std::function<void()> change;
     bool resumed;
-    std::vector<int> base = {1, 2, 3, 4, 5, 6};
     bool rejects_a_row = false;
   } cases[] = {
-      {"nothing new", [](MergeIndexTest&) {}, true},
-      {"a new bar",
-       [](MergeIndexTest& t) {
-         t.UpdateRows(Rows({5, 6, 7, 8, 9}));
-       },
-       true},
-      {"the first update row revised",
-       [](MergeIndexTest& t) {
-         t.UpdateRows({Row(4, "200"), Row(5), Row(6), Row(7)});
-       },
-       true},
-      {"an update row among the rows checked before",
-       [](MergeIndexTest& t) {
-         t.UpdateRows(Rows({3, 4, 5, 6, 7}));
-       },
-       false},
-      {"the datafile edited among the rows checked before",
-       [&](MergeIndexTest&) {
-         std::string text = ReadFile(datafile);
-         text.replace(text.find(Row(2)), Row(2).size(), Row(2, "55555"));
-         WriteFile(datafile, text);
-       },
-       false},
-      {"the datafile cut short",
-       [&](MergeIndexTest&) {
-         WriteFile(datafile, Datafile({1, 2}));
-       },
-       false},
-      {"the datafile deleted", [&](MergeIndexTest&) { std::filesystem::remove(datafile); }, false},
-      {"a fresh base copy",
-       [](MergeIndexTest& t) {
-         WriteFile(t.base("NYSEDaily-CompositeStats.csv"), Header() + "\r\n" + Row(1) + "\r\n" +
-                                                               Row(2, "66") + "\r\n" + Row(3) +
-                                                               "\r\n" + Row(4) + "\r\n");
-       },
+      {"nothing new", [] {}, true},
+      {"a new bar", update(Rows({5, 6, 7, 8, 9})), true},
+      {"the first update row revised", update({Row(4, "200"), Row(5), Row(6), Row(7)}), true},
+      {"an update row among the rows checked before", update(Rows({3, 4, 5, 6, 7})), false},
+      {"the datafile edited among the rows checked before", replace_row_2, false},
+      {"the datafile cut short", [&] { WriteFile(datafile, cut_short); }, false},
+      {"the datafile deleted", [&] { std::filesystem::remove(datafile); }, false},
+      {"a fresh base copy", [&] { WriteFile(base("NYSEDaily-CompositeStats.csv"), fresh_base); },
        false},
       {"a damaged index line", edit_index, false},
-      {"no index at all", [&](MergeIndexTest&) { WriteFile(index_file, "<html>"); }, false},
+      {"no index at all", [&] { WriteFile(index_file, "<html>"); }, false},
       {"a forged entry: where the checked rows end in the datafile", forge(4, "0"), false},
       // The datafile keeps its own rows from the bad one on, with the index as without it.
-      {"a bad update row after the first one",
-       [](MergeIndexTest& t) {
-         t.UpdateRows({Row(4), Row(5), Row(6).replace(2, 8, "20241399"), Row(7)});
-       },
-       true,
-       {1, 2, 3, 4, 5, 6},
+      {"a bad update row after the first one", update({Row(4), Row(5), bad_date, Row(7)}), true,
        true},
       // The merge starts where the last one stopped, finds no overlap, and fetches a fresh copy.
       {"no overlap any more",
-       [](MergeIndexTest& t) {
-         t.UpdateRows(Rows({12, 13}));
-         t.service.SetFile(kRemote, Datafile({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13}));
+       [&] {
+         UpdateRows(Rows({12, 13}));
+         service.SetFile(kRemote, all_rows);
        },
        false},
   };
@@ -155,10 +136,10 @@ TEST_F(MergeIndexTest, AMergeEndsAsWithoutTheIndexWhateverChangedSinceTheLastOne
     SCOPED_TRACE(c.what);
     std::filesystem::remove(datafile);
     std::filesystem::remove(index_file);
-    WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile(c.base));
+    WriteFile(base("NYSEDaily-CompositeStats.csv"), Datafile({1, 2, 3, 4, 5, 6}));
     UpdateRows(Rows({4, 5, 6, 7, 8}));
     Merge(true);
-    c.change(*this);
+    c.change();
     const std::string base_copy = ReadFile(base("NYSEDaily-CompositeStats.csv"));
     const std::optional<std::string> old_datafile =
         Exists(datafile) ? std::optional(ReadFile(datafile)) : std::nullopt;
