@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "cli/run_fixture.h"
+#include "core/platform/field_reader.h"
 
 namespace corvanet::test {
 namespace {
@@ -22,13 +23,7 @@ class StatsRunTest : public RunTest {
     RunTest::SetUp();
     // The oldest $SOX row gets values the number rule writes in its own way.
     Lines sox = ReadLines(ServiceFile("SOXDaily-CompositeStats.csv"));
-    std::vector<std::string> fields;
-    std::size_t start = 0;
-    for (std::size_t comma; (comma = sox[1].find(',', start)) != std::string::npos;
-         start = comma + 1) {
-      fields.push_back(sox[1].substr(start, comma - start));
-    }
-    fields.push_back(sox[1].substr(start));
+    std::vector<std::string> fields = SplitFields(sox[1]);
     fields[3] = "-3";   // OpenPx
     fields[6] = "0.5";  // ClosePx
     sox[1] = fields[0];
