@@ -6,20 +6,14 @@
 #include <cerrno>
 #include <string_view>
 
+#include "core/platform/windows_text.h"
 #include "pxfiles/system_io.h"
 
 namespace corvanet::pxfiles::system {
 
 namespace {
 
-std::wstring Wide(std::string_view utf8) {
-  if (utf8.empty()) return {};
-  const int size = static_cast<int>(utf8.size());
-  const int length = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, nullptr, 0);
-  std::wstring wide(static_cast<std::size_t>(length), L'\0');
-  MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, wide.data(), length);
-  return wide;
-}
+using windows::Wide;
 
 int Open(const std::string& path, int flags) {
   return ::_wopen(Wide(path).c_str(), flags | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
